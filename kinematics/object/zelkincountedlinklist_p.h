@@ -1,0 +1,103 @@
+#ifndef ZELKINCOUNTEDLINKLIST_P_H
+#define ZELKINCOUNTEDLINKLIST_P_H
+
+#include "zelkinweaklink_p.h"
+
+#include <QIODevice>
+#include <QList>
+#include <QPointer>
+
+#include <algorithm>
+
+/*!
+    A list of links that each hold one container reference on their target:
+    AddReference when an entry is appended, RemoveReference when the list
+    releases it (Clear, Load, destruction) and the target still exists.
+    Entries read as null once their target is destroyed; a null entry keeps
+    its place.
+
+    Record: the entry count (qint32), then one reference per entry (an empty
+    one for a null entry).
+*/
+template <typename T>
+class ZELKinCountedLinkList
+{
+public:
+    ZELKinCountedLinkList() = default;
+    ~ZELKinCountedLinkList() { Clear(); }
+    Q_DISABLE_COPY_MOVE(ZELKinCountedLinkList)
+
+    void Append(T* object)
+    {
+        if (object)
+            object->AddReference();
+        m_entries.append(object);
+    }
+
+    void Clear()
+    {
+        for (const QPointer<T>& entry : std::as_const(m_entries)) {
+            if (entry)
+                entry->RemoveReference();
+        }
+        m_entries.clear();
+    }
+
+    int GetCount() const { return int(m_entries.size()); }
+    //! The entry at `index`, or null when its target has gone or the index is
+    //! outside the list.
+    T* At(int index) const { return index >= 0 && index < GetCount() ? m_entries.at(index).data() : nullptr; }
+
+    //! The first live entry whose label is exactly `label`; null if none.
+    T* FindByLabel(const QString& label) const
+    {
+        for (const QPointer<T>& entry : m_entries) {
+            if (entry && entry->GetLabel() == label)
+                return entry.data();
+        }
+        return nullptr;
+    }
+
+    QList<T*> GetList() const
+    {
+        QList<T*> list;
+        list.reserve(m_entries.size());
+        for (const QPointer<T>& entry : m_entries)
+            list.append(entry.data());
+        return list;
+    }
+
+    void Save(ZELGeoStream& stream) const
+    {
+        stream << qint32(m_entries.size());
+        for (const QPointer<T>& entry : m_entries)
+            stream << ZELGeoGeometryRef(entry.data());
+    }
+
+    //! Replaces the entries with the saved ones. A count larger than the
+    //! entries present stops at the end of the record. Throws
+    //! ZELGeoGeometryNotFoundException when a saved reference names no object
+    //! of class T.
+    void Load(ZELGeoStream& stream)
+    {
+        Clear();
+        qint32 count = 0;
+        stream >> count;
+        if (count > 0)
+            m_entries.reserve(std::min<qint64>(count, stream.device()->bytesAvailable() / qint64(sizeof(quint64))));
+        for (qint32 index = 0; index < count; ++index) {
+            ZELGeoGeometryRef saved;
+            stream >> saved;
+            T* object = ZELKinLinks::Resolve<T>(stream, saved);
+            ZELKinLinks::ExpectResolved(object, saved);
+            Append(object);
+            if (stream.atEnd())
+                break;
+        }
+    }
+
+private:
+    QList<QPointer<T>> m_entries;
+};
+
+#endif // ZELKINCOUNTEDLINKLIST_P_H

@@ -1,0 +1,8 @@
+#include "zelkinobject.h"
+
+ZELKinObject::ZELKinObject(ZELGeoContainer* container, const ZELGeoGeometryRef& reference)
+    : ZELGeoGeometry(container, reference)
+{
+}
+
+ZELKinObject::~ZELKinObject() = default;

@@ -1,0 +1,129 @@
+#include <zelkintestaccess.h>
+
+#include <zelsysoutofboundsexception.h>
+
+#include <zeltestsupport.h>
+
+TEST(ZELKinMachine, WithoutJointsHasNoRootJoints)
+{
+    ZELGeoContainer container;
+    const ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    EXPECT_TRUE(machine->GetRootJoints().isEmpty());
+    EXPECT_EQ(machine->GetNumJoints(), 0);
+    EXPECT_EQ(machine->GetNumVariables(), 0);
+}
+
+TEST(ZELKinMachine, RootJointsAreThoseWithoutParentInJointOrder)
+{
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    ZELKinVariable* x = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"));
+    ZELKinJoint* a = ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("A"), machine, x);
+    ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("B"), machine, x, a);
+    ZELKinJoint* c = ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("C"), machine, x);
+    EXPECT_EQ(machine->GetRootJoints(), QList<ZELKinJoint*>({a, c}));
+}
+
+struct IndexCase
+{
+    const char* name;
+    int jointsToCreate;
+    int index;
+    int upperBound;
+};
+
+class ZELKinMachineJointIndex : public ::testing::TestWithParam<IndexCase>
+{
+};
+
+TEST_P(ZELKinMachineJointIndex, OutsideTheListThrowsWithInclusiveBounds)
+{
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    ZELKinVariable* x = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"));
+    for (int i = 0; i < GetParam().jointsToCreate; ++i)
+        ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("J%1").arg(i), machine, x);
+    try {
+        machine->GetJoint(GetParam().index);
+        FAIL() << "no exception";
+    } catch (const ZELSysOutOfBoundsException& e) {
+        EXPECT_EQ(e.GetValue().toInt(), GetParam().index);
+        EXPECT_EQ(e.GetLowerBound().toInt(), 0);
+        EXPECT_EQ(e.GetUpperBound().toInt(), GetParam().upperBound);
+        EXPECT_TRUE(e.IsLowerBoundInclusive());
+        EXPECT_TRUE(e.IsUpperBoundInclusive());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Indices, ZELKinMachineJointIndex,
+                         ::testing::Values(IndexCase{"OneBeyondTheEnd", 2, 2, 1}, IndexCase{"MinusOne", 2, -1, 1},
+                                           IndexCase{"ZeroOnAnEmptyMachine", 0, 0, -1}),
+                         [](const ::testing::TestParamInfo<IndexCase>& info) { return std::string(info.param.name); });
+
+TEST(ZELKinMachine, VariableIndexOutsideTheListThrows)
+{
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"));
+    EXPECT_THROW_MESSAGE(machine->GetVariable(1), ZELSysOutOfBoundsException, "value 1 is out of bounds [0, 0]");
+    EXPECT_THROW_MESSAGE(machine->GetVariable(-1), ZELSysOutOfBoundsException, "value -1 is out of bounds [0, 0]");
+}
+
+TEST(ZELKinMachine, FindsTheFirstVariableByExactName)
+{
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    ZELKinVariable* first = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"));
+    ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"));
+    EXPECT_EQ(machine->GetVariable(QStringLiteral("X")), first);
+    EXPECT_EQ(machine->GetVariable(QStringLiteral("x")), nullptr);
+    EXPECT_EQ(machine->GetVariable(QString()), nullptr);
+}
+
+class ZELKinMachineSolverName : public ::testing::TestWithParam<QString>
+{
+};
+
+TEST_P(ZELKinMachineSolverName, CreatesNoSolverWhileTheLibraryHasNone)
+{
+    ZELGeoContainer container;
+    const ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container, ZELKinTestAccess::Head(), GetParam());
+    EXPECT_EQ(machine->GetSolverName(), GetParam());
+    EXPECT_EQ(machine->CreateSolver(), nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, ZELKinMachineSolverName,
+                         ::testing::Values(QStringLiteral("RBR"), QStringLiteral("rbr"), QString()));
+
+TEST(ZELKinMachine, KeepsItsSolverAndNCSettings)
+{
+    ZELGeoContainer container;
+    const ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    EXPECT_EQ(machine->GetLabel(), QStringLiteral("gantry"));
+    EXPECT_EQ(machine->GetNCCodeFormat(), QStringLiteral("IngersollAFPGCode"));
+    EXPECT_EQ(machine->GetNCCodeConfig(), QStringLiteral("nc settings"));
+    EXPECT_EQ(machine->GetSolverName(), QStringLiteral("RBR"));
+    EXPECT_EQ(machine->GetSolverConfig(), QStringLiteral("tip-point: 0,0,-330"));
+}
+
+TEST(ZELKinMachine, SaveAndLoadKeepListsAndSettings)
+{
+    ZELGeoContainer source;
+    ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&source);
+    ZELKinVariable* x = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"));
+    ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Y"));
+    ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("X"), machine, x);
+
+    ZELGeoContainer target;
+    ZELTest::CopyContainer(source, target);
+    const ZELKinAFPMachine* loaded = ZELTest::FirstOf<ZELKinAFPMachine>(target);
+    EXPECT_EQ(loaded->GetLabel(), QStringLiteral("gantry"));
+    EXPECT_EQ(loaded->GetNCCodeFormat(), QStringLiteral("IngersollAFPGCode"));
+    EXPECT_EQ(loaded->GetNCCodeConfig(), QStringLiteral("nc settings"));
+    EXPECT_EQ(loaded->GetSolverName(), QStringLiteral("RBR"));
+    EXPECT_EQ(loaded->GetSolverConfig(), QStringLiteral("tip-point: 0,0,-330"));
+    ASSERT_EQ(loaded->GetNumVariables(), 2);
+    EXPECT_EQ(loaded->GetVariable(1)->GetLabel(), QStringLiteral("Y"));
+    ASSERT_EQ(loaded->GetNumJoints(), 1);
+    EXPECT_EQ(loaded->GetRootJoints(), QList<ZELKinJoint*>({loaded->GetJoint(0)}));
+}

@@ -1,0 +1,62 @@
+# Two entry points for a fresh Debian 12 machine:
+#   make demo   set up, build, and run the command-line tool on the shipped example
+#   make test   set up, build, and run the whole test suite through CTest
+#
+# Set-up installs only the Debian packages that are missing, without asking.
+
+BUILD_DIR   ?= build
+BUILD_TYPE  ?= RelWithDebInfo
+JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
+PACKAGES    := cmake g++ ninja-build pkg-config qt6-base-dev libeigen3-dev \
+               libgtest-dev libgmock-dev libbenchmark-dev
+
+# CI builds treat warnings as errors; a developer's build only shows them.
+ifdef CI
+WERROR := ON
+else
+WERROR := OFF
+endif
+
+SUDO := $(shell [ "$$(id -u)" -eq 0 ] || echo sudo)
+ZELKIN := $(BUILD_DIR)/apps/zelkin/zelkin
+EXAMPLE_MACHINE := examples/machines/gantry-rbr.xml
+
+.PHONY: all setup configure build test demo clean
+
+all: build
+
+setup:
+	@missing=""; \
+	for p in $(PACKAGES); do \
+	    dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q "install ok installed" \
+	        || missing="$$missing $$p"; \
+	done; \
+	if [ -n "$$missing" ]; then \
+	    echo "Installing missing packages:$$missing"; \
+	    $(SUDO) env DEBIAN_FRONTEND=noninteractive apt-get update -q && \
+	    $(SUDO) env DEBIAN_FRONTEND=noninteractive apt-get install -y -q \
+	        --no-install-recommends $$missing < /dev/null; \
+	fi
+
+configure: setup
+	cmake -S . -B $(BUILD_DIR) -G Ninja \
+	    -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) \
+	    -DZELKIN_WARNINGS_AS_ERRORS=$(WERROR) \
+	    -DZELKIN_BUILD_TESTS=ON
+
+build: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+test: build
+	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
+
+demo: build
+	@echo
+	@echo "== The example machine, as zelkin reads it =="
+	$(ZELKIN) machine $(EXAMPLE_MACHINE)
+	@echo
+	@echo "The machine summary above was read from $(EXAMPLE_MACHINE)."
+	@echo "Posting NC files from a toolpath arrives with the 'zelkin post' command."
+
+clean:
+	rm -rf $(BUILD_DIR)

@@ -24,7 +24,9 @@ function(zelkin_add_library name)
     target_include_directories(${name} PUBLIC
         $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}>
         $<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}>
-        $<INSTALL_INTERFACE:${ZELKIN_INCLUDE_INSTALL_DIR}>)
+        $<INSTALL_INTERFACE:${ZELKIN_INCLUDE_INSTALL_DIR}>
+        # so that hosts may also write <ZELKinematics/zelkinmachine.h>
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     zelkin_set_warnings(${name})
 
     set(public_headers ${CMAKE_CURRENT_BINARY_DIR}/${name}_export.h)

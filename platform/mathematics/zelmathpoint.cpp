@@ -4,15 +4,10 @@
 
 QDataStream& operator<<(QDataStream& stream, const ZELMathPoint& point)
 {
-    return stream << point.GetX() << point.GetY() << point.GetZ();
+    return stream << point.m_fromOrigin;
 }
 
 QDataStream& operator>>(QDataStream& stream, ZELMathPoint& point)
 {
-    double x = 0.0;
-    double y = 0.0;
-    double z = 0.0;
-    stream >> x >> y >> z;
-    point = ZELMathPoint(x, y, z);
-    return stream;
+    return stream >> point.m_fromOrigin;
 }

@@ -6,8 +6,6 @@
 
 #include <QtGlobal>
 
-#include <cmath>
-
 QT_FORWARD_DECLARE_CLASS(QDataStream)
 
 /*!
@@ -23,39 +21,33 @@ public:
     //! The origin.
     ZELMathPoint() = default;
     ZELMathPoint(double x, double y, double z)
-        : m_x(x)
-        , m_y(y)
-        , m_z(z)
+        : m_fromOrigin(x, y, z)
     {
     }
 
-    double GetX() const { return m_x; }
-    double GetY() const { return m_y; }
-    double GetZ() const { return m_z; }
-    void SetX(double x) { m_x = x; }
-    void SetY(double y) { m_y = y; }
-    void SetZ(double z) { m_z = z; }
+    double GetX() const { return m_fromOrigin.GetX(); }
+    double GetY() const { return m_fromOrigin.GetY(); }
+    double GetZ() const { return m_fromOrigin.GetZ(); }
+    void SetX(double x) { m_fromOrigin.SetX(x); }
+    void SetY(double y) { m_fromOrigin.SetY(y); }
+    void SetZ(double z) { m_fromOrigin.SetZ(z); }
 
     ZELMathPoint& operator+=(const ZELMathVector& offset)
     {
-        m_x += offset.GetX();
-        m_y += offset.GetY();
-        m_z += offset.GetZ();
+        m_fromOrigin += offset;
         return *this;
     }
 
     ZELMathPoint& operator-=(const ZELMathVector& offset)
     {
-        m_x -= offset.GetX();
-        m_y -= offset.GetY();
-        m_z -= offset.GetZ();
+        m_fromOrigin -= offset;
         return *this;
     }
 
     //! The vector from other to this point.
     ZELMathVector operator-(const ZELMathPoint& other) const
     {
-        return ZELMathVector(m_x - other.m_x, m_y - other.m_y, m_z - other.m_z);
+        return m_fromOrigin - other.m_fromOrigin;
     }
 
     //! The distance in millimetres.
@@ -64,14 +56,16 @@ public:
     //! True when every coordinate differs by at most tolerance millimetres (a NaN never equals).
     bool IsEqual(const ZELMathPoint& other, double tolerance) const
     {
-        return std::abs(m_x - other.m_x) <= tolerance && std::abs(m_y - other.m_y) <= tolerance
-            && std::abs(m_z - other.m_z) <= tolerance;
+        return m_fromOrigin.IsEqual(other.m_fromOrigin, tolerance);
     }
 
 private:
-    double m_x = 0.0;
-    double m_y = 0.0;
-    double m_z = 0.0;
+    friend ZELMATHEMATICS_EXPORT QDataStream& operator<<(QDataStream& stream, const ZELMathPoint& point);
+    friend ZELMATHEMATICS_EXPORT QDataStream& operator>>(QDataStream& stream, ZELMathPoint& point);
+
+    // A point's coordinates are those of its displacement from the origin;
+    // keeping them as that vector lets the point reuse the vector's arithmetic.
+    ZELMathVector m_fromOrigin;
 };
 
 inline ZELMathPoint operator+(ZELMathPoint point, const ZELMathVector& offset)

@@ -65,8 +65,9 @@ ZELKinJoint::Priority ReadPriority(const QDomElement& element, const QString& jo
     if (priority == QLatin1String("low"))
         return ZELKinJoint::Low;
     if (priority != QLatin1String("medium"))
-        qWarning().noquote().nospace() << "joint " << jointName << " specifies an invalid priority of " << priority
-                                       << ". Using 'medium' instead.";
+        qWarning().noquote().nospace() << ZELKinMachineLoader::tr("joint ") << jointName
+                                       << ZELKinMachineLoader::tr(" specifies an invalid priority of ") << priority
+                                       << ZELKinMachineLoader::tr(". Using 'medium' instead.");
     return ZELKinJoint::Medium;
 }
 
@@ -96,7 +97,10 @@ ZELKinMachineLoader::~ZELKinMachineLoader() = default;
 ZELKinMachine* ZELKinMachineLoader::LoadFromXML(QIODevice* device) const
 {
     QDomDocument document;
-    document.setContent(device, false);
+    // The parser keeps what it built before an error; a description that
+    // does not parse must read as an empty one, so that part is dropped.
+    if (!document.setContent(device, false))
+        document = QDomDocument();
     const QDomElement root = document.documentElement();
 
     if (root.attribute(QStringLiteral("type")) != QLatin1String("AFP"))
@@ -185,7 +189,7 @@ void ZELKinMachineLoader::BuildJoint(ZELKinMachine* machine, const QDomElement& 
     ZELKinVariable* variable = machine->GetVariable(variableName);
     if (!variable)
         throw ZELSysException(
-            tr("Could not find variable '%1' for joint '%2'").arg(variableName, name));
+            tr("Could not find variable '%1' for joint '%2'").arg(variableName).arg(name));
 
     ZELKinJoint* parent = nullptr;
     if (element.hasAttribute(QStringLiteral("parent"))) {
@@ -193,7 +197,8 @@ void ZELKinMachineLoader::BuildJoint(ZELKinMachine* machine, const QDomElement& 
         // The message carries the literal text "parentLabel" where the requested name might be expected.
         if (!parent)
             throw ZELSysException(tr("Could not find parent '%1' for joint '%2'")
-                                      .arg(QStringLiteral("parentLabel"), name));
+                                      .arg(QStringLiteral("parentLabel"))
+                                      .arg(name));
     }
 
     const ZELKinJoint::Priority priority = ReadPriority(element, name);

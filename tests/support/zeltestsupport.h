@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cmath>
+#include <ostream>
 #include <string>
 #include <type_traits>
 
@@ -71,5 +72,24 @@ inline std::string Literally(const QString& text)
 //! EXPECT that `statement` throws `Exception` whose what() is exactly `message`.
 #define EXPECT_THROW_MESSAGE(statement, Exception, message) \
     EXPECT_TRUE(::ZELTest::ThrowsWithMessage<Exception>([&] { statement; }, QString(message)))
+
+//! Lets GoogleTest print a test case struct as its `name` member alone.
+//!
+//! Without a printer GoogleTest prints a struct parameter as a dump of its bytes,
+//! pointers included, and gtest_discover_tests puts the printed parameter into the
+//! CTest test name, which then changes from run to run. Write
+//! `ZELTEST_PRINT_CASE_BY_NAME(CaseType);` right after the struct, in the struct's
+//! own namespace (an anonymous one included), so that argument-dependent lookup
+//! finds the printer. The name must be a short UpperCamelCase phrase of what the case is:
+//! letters, digits, underscores, dots and minus signs only, so that it reads well
+//! in a test name and needs no quoting in a `ctest -R` pattern. The printer is a
+//! plain function, not a template, so it is chosen over GoogleTest's own PrintTo
+//! template without ambiguity.
+#define ZELTEST_PRINT_CASE_BY_NAME(CaseType)                          \
+    inline void PrintTo(const CaseType& testCase, std::ostream* os) \
+    {                                                                 \
+        *os << testCase.name;                                         \
+    }                                                                 \
+    static_assert(std::is_class_v<CaseType>, #CaseType " is a test case struct with a name")
 
 #endif // ZELTESTSUPPORT_H

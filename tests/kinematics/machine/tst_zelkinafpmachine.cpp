@@ -13,6 +13,7 @@ struct HeadCase
     std::function<void(Head&)> change;
     const char* message; // empty when the head is accepted
 };
+ZELTEST_PRINT_CASE_BY_NAME(HeadCase);
 
 class ZELKinAFPMachineHead : public ::testing::TestWithParam<HeadCase>
 {

@@ -31,6 +31,7 @@ struct IndexCase
     int index;
     int upperBound;
 };
+ZELTEST_PRINT_CASE_BY_NAME(IndexCase);
 
 class ZELKinMachineJointIndex : public ::testing::TestWithParam<IndexCase>
 {
@@ -80,20 +81,30 @@ TEST(ZELKinMachine, FindsTheFirstVariableByExactName)
     EXPECT_EQ(machine->GetVariable(QString()), nullptr);
 }
 
-class ZELKinMachineSolverName : public ::testing::TestWithParam<QString>
+struct SolverNameCase
+{
+    const char* name;
+    QString solverName;
+};
+ZELTEST_PRINT_CASE_BY_NAME(SolverNameCase);
+
+class ZELKinMachineSolverName : public ::testing::TestWithParam<SolverNameCase>
 {
 };
 
 TEST_P(ZELKinMachineSolverName, CreatesNoSolverWhileTheLibraryHasNone)
 {
     ZELGeoContainer container;
-    const ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container, ZELKinTestAccess::Head(), GetParam());
-    EXPECT_EQ(machine->GetSolverName(), GetParam());
+    const ZELKinAFPMachine* machine =
+        ZELKinTestAccess::CreateMachine(&container, ZELKinTestAccess::Head(), GetParam().solverName);
+    EXPECT_EQ(machine->GetSolverName(), GetParam().solverName);
     EXPECT_EQ(machine->CreateSolver(), nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, ZELKinMachineSolverName,
-                         ::testing::Values(QStringLiteral("RBR"), QStringLiteral("rbr"), QString()));
+                         ::testing::Values(SolverNameCase{"UpperCase", QStringLiteral("RBR")},
+                                           SolverNameCase{"LowerCase", QStringLiteral("rbr")},
+                                           SolverNameCase{"Empty", QString()}));
 
 TEST(ZELKinMachine, KeepsItsSolverAndNCSettings)
 {

@@ -299,10 +299,7 @@ struct VariableCase
     double tolerance;
 };
 
-void PrintTo(const VariableCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
+ZELTEST_PRINT_CASE_BY_NAME(VariableCase);
 
 class ZELKinMachineLoaderVariable : public ::testing::TestWithParam<VariableCase>
 {
@@ -384,10 +381,7 @@ struct PriorityCase
     const char* warning; // empty when none is expected
 };
 
-void PrintTo(const PriorityCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
+ZELTEST_PRINT_CASE_BY_NAME(PriorityCase);
 
 class ZELKinMachineLoaderPriority : public ::testing::TestWithParam<PriorityCase>
 {
@@ -447,10 +441,7 @@ struct TripleCase
     double x, y, z;
 };
 
-void PrintTo(const TripleCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
+ZELTEST_PRINT_CASE_BY_NAME(TripleCase);
 
 class ZELKinMachineLoaderTriple : public ::testing::TestWithParam<TripleCase>
 {
@@ -498,10 +489,7 @@ struct HeadCase
     const char* message;
 };
 
-void PrintTo(const HeadCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
+ZELTEST_PRINT_CASE_BY_NAME(HeadCase);
 
 class ZELKinMachineLoaderHead : public ::testing::TestWithParam<HeadCase>
 {
@@ -614,10 +602,7 @@ struct RootCase
     const char* xml;
 };
 
-void PrintTo(const RootCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
+ZELTEST_PRINT_CASE_BY_NAME(RootCase);
 
 class ZELKinMachineLoaderRoot : public ::testing::TestWithParam<RootCase>
 {
@@ -690,10 +675,7 @@ struct RejectCase
     int numGeometries;
 };
 
-void PrintTo(const RejectCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
+ZELTEST_PRINT_CASE_BY_NAME(RejectCase);
 
 class ZELKinMachineLoaderReject : public ::testing::TestWithParam<RejectCase>
 {
@@ -938,10 +920,7 @@ struct FatalCase
     const char* message;
 };
 
-void PrintTo(const FatalCase& c, std::ostream* os)
-{
-    *os << c.name;
-}
+ZELTEST_PRINT_CASE_BY_NAME(FatalCase);
 
 class ZELKinMachineLoaderDeathTest : public ::testing::TestWithParam<FatalCase>
 {

@@ -72,6 +72,7 @@ struct LimitsCase
     double minimum, maximum;
     bool infinite;
 };
+ZELTEST_PRINT_CASE_BY_NAME(LimitsCase);
 
 class ZELKinVariableLimits : public ::testing::TestWithParam<LimitsCase>
 {

@@ -13,6 +13,8 @@
 #include <QMetaObject>
 #include <QPointer>
 
+#include <ostream>
+
 namespace {
 
 const QMetaObject* const ConcreteClasses[] = {&ZELKinAFPMachine::staticMetaObject, &ZELKinVariable::staticMetaObject,
@@ -35,6 +37,14 @@ std::string ClassName(const ::testing::TestParamInfo<const QMetaObject*>& info)
 }
 
 } // namespace
+
+// Prints a class parameter as its class name rather than its address, which
+// changes from run to run. In the global namespace, where argument-dependent
+// lookup looks for a QMetaObject pointer.
+void PrintTo(const QMetaObject* metaObject, std::ostream* os)
+{
+    *os << (metaObject ? metaObject->className() : "nullptr");
+}
 
 TEST_P(ZELKinConcreteClass, DeclaresTheLoadingConstructorAsConstructorZero)
 {

@@ -4,7 +4,14 @@
 
 #include <zeltestsupport.h>
 
-class ZELKinResourceLabel : public ::testing::TestWithParam<QString>
+struct LabelCase
+{
+    const char* name;
+    QString label;
+};
+ZELTEST_PRINT_CASE_BY_NAME(LabelCase);
+
+class ZELKinResourceLabel : public ::testing::TestWithParam<LabelCase>
 {
 };
 
@@ -12,18 +19,20 @@ TEST_P(ZELKinResourceLabel, IsUnchangedBySavingAndLoading)
 {
     ZELGeoContainer source;
     ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&source);
-    ZELKinTestAccess::CreateVariable(machine, GetParam());
+    ZELKinTestAccess::CreateVariable(machine, GetParam().label);
 
     ZELGeoContainer target;
     ZELTest::CopyContainer(source, target);
     const ZELKinVariable* loaded = ZELTest::FirstOf<ZELKinVariable>(target);
     ASSERT_NE(loaded, nullptr);
-    EXPECT_EQ(loaded->GetLabel(), GetParam());
+    EXPECT_EQ(loaded->GetLabel(), GetParam().label);
 }
 
 INSTANTIATE_TEST_SUITE_P(Labels, ZELKinResourceLabel,
-                         ::testing::Values(QString(), QStringLiteral("X"), QStringLiteral("Kopf \u00c4\u00df\u00b0"),
-                                           QStringLiteral("\u30ed\u30fc\u30eb C1")));
+                         ::testing::Values(LabelCase{"Empty", QString()}, LabelCase{"OneLetter", QStringLiteral("X")},
+                                           LabelCase{"GermanLettersAndDegreeSign",
+                                                     QStringLiteral("Kopf \u00c4\u00df\u00b0")},
+                                           LabelCase{"KatakanaWithSpace", QStringLiteral("\u30ed\u30fc\u30eb C1")}));
 
 TEST(ZELKinResource, LoadingConstructionLeavesTheLabelEmptyUntilLoad)
 {

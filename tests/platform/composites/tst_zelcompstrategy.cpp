@@ -18,6 +18,7 @@ struct ModeCase {
     //! The enumerator's name in the meta-object; null for a value outside the enumeration.
     const char* key;
 };
+ZELTEST_PRINT_CASE_BY_NAME(ModeCase);
 
 } // namespace
 

@@ -88,6 +88,7 @@ struct ConstructionCase {
     int expectedNumEnabled;
     quint64 expectedRawValue;
 };
+ZELTEST_PRINT_CASE_BY_NAME(ConstructionCase);
 
 class ZELCompTowMaskConstructionTest : public ::testing::TestWithParam<ConstructionCase> {};
 
@@ -143,6 +144,7 @@ struct TowOutOfBoundsCase {
     int tow;
     const char* message;
 };
+ZELTEST_PRINT_CASE_BY_NAME(TowOutOfBoundsCase);
 
 class ZELCompTowMaskTowOutOfBoundsTest : public ::testing::TestWithParam<TowOutOfBoundsCase> {};
 
@@ -176,6 +178,7 @@ struct TextCase {
     ZELCompTowMask mask;
     const char* text;
 };
+ZELTEST_PRINT_CASE_BY_NAME(TextCase);
 
 class ZELCompTowMaskTextTest : public ::testing::TestWithParam<TextCase> {};
 
@@ -228,6 +231,7 @@ struct AcceptedTextCase {
     const char* text;
     quint64 expectedRawValue;
 };
+ZELTEST_PRINT_CASE_BY_NAME(AcceptedTextCase);
 
 class ZELCompTowMaskAcceptedTextTest : public ::testing::TestWithParam<AcceptedTextCase> {};
 
@@ -261,6 +265,7 @@ struct RejectedTextCase {
     const char* text;
     const char* message;
 };
+ZELTEST_PRINT_CASE_BY_NAME(RejectedTextCase);
 
 class ZELCompTowMaskRejectedTextTest : public ::testing::TestWithParam<RejectedTextCase> {};
 
@@ -320,6 +325,7 @@ struct SetOperationCase {
     ZELCompTowMask expectedIntersection;
     ZELCompTowMask expectedDifference;
 };
+ZELTEST_PRINT_CASE_BY_NAME(SetOperationCase);
 
 class ZELCompTowMaskSetOperationTest : public ::testing::TestWithParam<SetOperationCase> {};
 
@@ -375,6 +381,7 @@ struct SingleTowCase {
     int tow;
     quint64 expectedRawValue;
 };
+ZELTEST_PRINT_CASE_BY_NAME(SingleTowCase);
 
 class ZELCompTowMaskSingleTowTest : public ::testing::TestWithParam<SingleTowCase> {};
 
@@ -411,6 +418,7 @@ struct SingleTowOutOfBoundsCase {
     int tow;
     const char* message;
 };
+ZELTEST_PRINT_CASE_BY_NAME(SingleTowOutOfBoundsCase);
 
 class ZELCompTowMaskSingleTowOutOfBoundsTest : public ::testing::TestWithParam<SingleTowOutOfBoundsCase> {};
 
@@ -435,6 +443,7 @@ struct EqualityCase {
     ZELCompTowMask right;
     bool equal;
 };
+ZELTEST_PRINT_CASE_BY_NAME(EqualityCase);
 
 class ZELCompTowMaskEqualityTest : public ::testing::TestWithParam<EqualityCase> {};
 
@@ -459,6 +468,7 @@ struct StreamRoundTripCase {
     const char* name;
     ZELCompTowMask mask;
 };
+ZELTEST_PRINT_CASE_BY_NAME(StreamRoundTripCase);
 
 class ZELCompTowMaskStreamRoundTripTest : public ::testing::TestWithParam<StreamRoundTripCase> {};
 
@@ -490,6 +500,7 @@ struct UntrustedStreamCase {
     quint64 bits;
     ZELCompTowMask expected;
 };
+ZELTEST_PRINT_CASE_BY_NAME(UntrustedStreamCase);
 
 class ZELCompTowMaskUntrustedStreamTest : public ::testing::TestWithParam<UntrustedStreamCase> {};
 

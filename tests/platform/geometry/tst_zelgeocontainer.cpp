@@ -212,6 +212,7 @@ struct BrokenFileCase
     QByteArray bytes;
     const char* message;
 };
+ZELTEST_PRINT_CASE_BY_NAME(BrokenFileCase);
 
 class ZELGeoContainerBrokenFile : public ::testing::TestWithParam<BrokenFileCase>
 {

@@ -4,7 +4,10 @@
 
 #include <cmath>
 #include <limits>
+#include <ostream>
 #include <random>
+#include <string>
+#include <tuple>
 #include <vector>
 
 using ZELMathTest::SameBits;
@@ -83,7 +86,14 @@ const NumberedPlane kPlanes[] = {
 
 void PrintTo(const NumberedPlane& plane, std::ostream* out)
 {
-    *out << "plane " << plane.number;
+    *out << "Plane" << plane.number;
+}
+
+//! A plane and a tilt angle as one word, such as Plane2_Angle-1.2.
+void PrintTo(const std::tuple<NumberedPlane, double>& planeAndAngle, std::ostream* out)
+{
+    PrintTo(std::get<0>(planeAndAngle), out);
+    *out << "_Angle" << std::get<1>(planeAndAngle);
 }
 
 std::string PlaneName(const ::testing::TestParamInfo<NumberedPlane>& info)
@@ -365,6 +375,7 @@ struct EqualCase
     ZELMathAxis other;
     bool expected;
 };
+ZELTEST_PRINT_CASE_BY_NAME(EqualCase);
 
 class ZELMathAxisIsEqual : public ::testing::TestWithParam<EqualCase>
 {

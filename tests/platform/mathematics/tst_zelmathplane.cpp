@@ -51,6 +51,7 @@ struct NormalCase
     ZELMathVector expectedY;
     double tolerance;
 };
+ZELTEST_PRINT_CASE_BY_NAME(NormalCase);
 
 class ZELMathPlaneFromNormal : public ::testing::TestWithParam<NormalCase>
 {
@@ -91,6 +92,7 @@ struct XDirectionCase
     ZELMathVector expectedX;
     ZELMathVector expectedY;
 };
+ZELTEST_PRINT_CASE_BY_NAME(XDirectionCase);
 
 class ZELMathPlaneFromNormalAndX : public ::testing::TestWithParam<XDirectionCase>
 {
@@ -124,19 +126,28 @@ TEST(ZELMathPlane, ZeroNormalThrows)
                          ZELSysException, "plane normal has zero length");
 }
 
-class ZELMathPlaneParallelX : public ::testing::TestWithParam<ZELMathVector>
+struct ParallelXCase
+{
+    const char* name;
+    ZELMathVector xDirection;
+};
+ZELTEST_PRINT_CASE_BY_NAME(ParallelXCase);
+
+class ZELMathPlaneParallelX : public ::testing::TestWithParam<ParallelXCase>
 {
 };
 
 TEST_P(ZELMathPlaneParallelX, ThrowsForAnXDirectionAlongTheNormal)
 {
-    EXPECT_THROW_MESSAGE(ZELMathPlane(ZELMathPoint(), ZELMathVector(0.0, 0.0, 2.0), GetParam()), ZELSysException,
-                         "plane x direction is parallel to the normal");
+    EXPECT_THROW_MESSAGE(ZELMathPlane(ZELMathPoint(), ZELMathVector(0.0, 0.0, 2.0), GetParam().xDirection),
+                         ZELSysException, "plane x direction is parallel to the normal");
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, ZELMathPlaneParallelX,
-                         ::testing::Values(ZELMathVector(0.0, 0.0, 3.0), ZELMathVector(0.0, 0.0, -1.0),
-                                           ZELMathVector(), ZELMathVector(1e-13, 0.0, 1.0)));
+                         ::testing::Values(ParallelXCase{"AlongTheNormal", ZELMathVector(0.0, 0.0, 3.0)},
+                                           ParallelXCase{"AgainstTheNormal", ZELMathVector(0.0, 0.0, -1.0)},
+                                           ParallelXCase{"ZeroVector", ZELMathVector()},
+                                           ParallelXCase{"WithinRoundingOfTheNormal", ZELMathVector(1e-13, 0.0, 1.0)}));
 
 struct ProjectCase
 {
@@ -146,6 +157,7 @@ struct ProjectCase
     int expectedStatus;
     ZELMathVector2D expected;
 };
+ZELTEST_PRINT_CASE_BY_NAME(ProjectCase);
 
 class ZELMathPlaneProject : public ::testing::TestWithParam<ProjectCase>
 {

@@ -70,6 +70,7 @@ struct EqualCase
     ZELMathPoint other;
     bool expected;
 };
+ZELTEST_PRINT_CASE_BY_NAME(EqualCase);
 
 class ZELMathPointIsEqual : public ::testing::TestWithParam<EqualCase>
 {

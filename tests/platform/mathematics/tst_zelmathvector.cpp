@@ -84,9 +84,11 @@ TEST(ZELMathVector, LengthIsTheEuclideanNorm)
 
 struct NormalizeCase
 {
+    const char* name;
     ZELMathVector vector;
     ZELMathVector expected;
 };
+ZELTEST_PRINT_CASE_BY_NAME(NormalizeCase);
 
 class ZELMathVectorNormalized : public ::testing::TestWithParam<NormalizeCase>
 {
@@ -99,10 +101,11 @@ TEST_P(ZELMathVectorNormalized, HasUnitLengthAlongTheVectorAndZeroStaysZero)
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, ZELMathVectorNormalized,
-    ::testing::Values(NormalizeCase{ZELMathVector(0.0, 0.0, 5.0), ZELMathVector(0.0, 0.0, 1.0)},
-                      NormalizeCase{ZELMathVector(2.0, -3.0, 6.0), ZELMathVector(2.0 / 7.0, -3.0 / 7.0, 6.0 / 7.0)},
-                      NormalizeCase{ZELMathVector(-4e-3, 0.0, 3e-3), ZELMathVector(-0.8, 0.0, 0.6)},
-                      NormalizeCase{ZELMathVector(), ZELMathVector()}));
+    ::testing::Values(
+        NormalizeCase{"AlongZ", ZELMathVector(0.0, 0.0, 5.0), ZELMathVector(0.0, 0.0, 1.0)},
+        NormalizeCase{"General", ZELMathVector(2.0, -3.0, 6.0), ZELMathVector(2.0 / 7.0, -3.0 / 7.0, 6.0 / 7.0)},
+        NormalizeCase{"ShorterThanOne", ZELMathVector(-4e-3, 0.0, 3e-3), ZELMathVector(-0.8, 0.0, 0.6)},
+        NormalizeCase{"ZeroStaysZero", ZELMathVector(), ZELMathVector()}));
 
 struct AngleCase
 {
@@ -111,6 +114,7 @@ struct AngleCase
     ZELMathVector to;
     double expected;
 };
+ZELTEST_PRINT_CASE_BY_NAME(AngleCase);
 
 class ZELMathVectorAngle : public ::testing::TestWithParam<AngleCase>
 {
@@ -146,6 +150,7 @@ struct EqualCase
     ZELMathVector other;
     bool expected;
 };
+ZELTEST_PRINT_CASE_BY_NAME(EqualCase);
 
 class ZELMathVectorIsEqual : public ::testing::TestWithParam<EqualCase>
 {

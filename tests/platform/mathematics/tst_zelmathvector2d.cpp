@@ -53,6 +53,7 @@ struct EqualCase
     ZELMathVector2D other;
     bool expected;
 };
+ZELTEST_PRINT_CASE_BY_NAME(EqualCase);
 
 class ZELMathVector2DIsEqual : public ::testing::TestWithParam<EqualCase>
 {
@@ -79,6 +80,7 @@ struct AngleCase
     ZELMathVector2D to;
     double expected;
 };
+ZELTEST_PRINT_CASE_BY_NAME(AngleCase);
 
 class ZELMathVector2DAngle : public ::testing::TestWithParam<AngleCase>
 {

@@ -14,10 +14,12 @@ TEST(ZELSysOutOfBoundsException, CarriesValueBoundsAndInclusiveness)
 
 struct BoundsMessageCase
 {
+    const char* name;
     QVariant value, lower, upper;
     bool lowerInclusive, upperInclusive;
     const char* message;
 };
+ZELTEST_PRINT_CASE_BY_NAME(BoundsMessageCase);
 
 class ZELSysOutOfBoundsExceptionMessage : public ::testing::TestWithParam<BoundsMessageCase>
 {
@@ -32,10 +34,12 @@ TEST_P(ZELSysOutOfBoundsExceptionMessage, WritesBracketsForInclusiveAndParenthes
 
 INSTANTIATE_TEST_SUITE_P(
     Bounds, ZELSysOutOfBoundsExceptionMessage,
-    ::testing::Values(BoundsMessageCase{5, 0, 4, true, true, "value 5 is out of bounds [0, 4]"},
-                      BoundsMessageCase{0, 0, -1, true, true, "value 0 is out of bounds [0, -1]"},
-                      BoundsMessageCase{-1, 0, 3, false, false, "value -1 is out of bounds (0, 3)"},
-                      BoundsMessageCase{70, 1, 64, true, false, "value 70 is out of bounds [1, 64)"}));
+    ::testing::Values(
+        BoundsMessageCase{"BothInclusive", 5, 0, 4, true, true, "value 5 is out of bounds [0, 4]"},
+        BoundsMessageCase{"UpperBelowLower", 0, 0, -1, true, true, "value 0 is out of bounds [0, -1]"},
+        BoundsMessageCase{"BothExclusive", -1, 0, 3, false, false, "value -1 is out of bounds (0, 3)"},
+        BoundsMessageCase{"InclusiveLowerExclusiveUpper", 70, 1, 64, true, false,
+                          "value 70 is out of bounds [1, 64)"}));
 
 TEST(ZELSysOutOfBoundsException, IsAZELSysException)
 {

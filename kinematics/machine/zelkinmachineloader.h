@@ -17,7 +17,7 @@ class ZELKinMachineLoaderPrivate;
 /*!
     Reads a machine description in XML and builds the machine, its variables
     and its joints in a geometry container. It is the only creator of machine
-    objects. The format is described in docs/machine-description.md.
+    objects. The format is described for users in docs/machine-description.md.
 
     Rotary limits are given in degrees, rotary speeds in degrees per minute
     and accelerations in degrees per second squared; linear limits in mm,

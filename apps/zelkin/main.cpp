@@ -1,0 +1,23 @@
+#include "zelkinapplication.h"
+#include "zelkincommandregistry.h"
+#include "zelkinconsole.h"
+#include "zelkinhelpcommand.h"
+#include "zelkinmachinecommand.h"
+
+#include <QCoreApplication>
+
+#include <memory>
+
+int main(int argc, char* argv[])
+{
+    // Before anything can log: the loader reports some broken descriptions
+    // through Qt's messages.
+    ZELKinConsole::InstallMessageHandler();
+    const QCoreApplication application(argc, argv);
+
+    ZELKinCommandRegistry registry;
+    registry.Add(std::make_unique<ZELKinHelpCommand>(registry));
+    registry.Add(std::make_unique<ZELKinMachineCommand>());
+
+    return ZELKinApplication(registry, QStringLiteral(ZELKIN_VERSION)).Run(QCoreApplication::arguments().mid(1));
+}

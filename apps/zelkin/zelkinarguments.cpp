@@ -1,0 +1,79 @@
+#include "zelkinarguments.h"
+
+#include "zelkincommand.h"
+
+namespace {
+
+const QString EndOfOptions = QStringLiteral("--");
+
+// The parser reports option names without their dashes; give them back the
+// way the user typed them.
+QString AsTyped(const QString& optionName)
+{
+    return (optionName.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + optionName;
+}
+
+// The parser's messages are sentences ("Missing value after '--x'."); the
+// tool's diagnostics are phrases, as in "zelkin: error: missing value after '--x'".
+QString AsPhrase(const QString& sentence)
+{
+    QString phrase = sentence;
+    if (phrase.endsWith(QLatin1Char('.')))
+        phrase.chop(1);
+    if (!phrase.isEmpty())
+        phrase[0] = phrase.at(0).toLower();
+    return phrase;
+}
+
+} // namespace
+
+ZELKinArguments::ZELKinArguments(const QString& command, const QStringList& arguments,
+                                 const QList<QCommandLineOption>& options)
+    : m_command(command)
+{
+    m_parser.addOptions(options);
+    // The parser skips the first entry, where it expects the program name.
+    if (!m_parser.parse(QStringList(QStringLiteral("zelkin")) + arguments))
+        throw ZELKinUsageError(DescribeParseError(), m_command);
+}
+
+bool ZELKinArguments::IsSet(const QString& option) const
+{
+    return m_parser.isSet(option);
+}
+
+QStringList ZELKinArguments::GetPositionals() const
+{
+    return m_parser.positionalArguments();
+}
+
+QString ZELKinArguments::GetSinglePositional(const QString& what) const
+{
+    RequireAtMostPositionals(1);
+    const QStringList positionals = GetPositionals();
+    if (positionals.isEmpty())
+        throw ZELKinUsageError(QStringLiteral("missing the %1").arg(what), m_command);
+    return positionals.first();
+}
+
+void ZELKinArguments::RequireAtMostPositionals(int count) const
+{
+    const QStringList positionals = GetPositionals();
+    if (positionals.size() > count)
+        throw ZELKinUsageError(QStringLiteral("unexpected argument '%1'").arg(positionals.at(count)), m_command);
+}
+
+bool ZELKinArguments::AsksForHelp(const QStringList& arguments)
+{
+    const QStringList options = arguments.mid(0, arguments.indexOf(EndOfOptions));
+    return options.contains(QStringLiteral("--help")) || options.contains(QStringLiteral("-h"));
+}
+
+QString ZELKinArguments::DescribeParseError() const
+{
+    // One unknown option is enough to name: the user fixes one at a time.
+    const QStringList unknown = m_parser.unknownOptionNames();
+    if (!unknown.isEmpty())
+        return QStringLiteral("unknown option '%1'").arg(AsTyped(unknown.first()));
+    return AsPhrase(m_parser.errorText());
+}

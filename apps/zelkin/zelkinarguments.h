@@ -1,0 +1,45 @@
+#ifndef ZELKINARGUMENTS_H
+#define ZELKINARGUMENTS_H
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+/*!
+    A command's arguments read against the options it accepts. Everything
+    the command cannot accept is a ZELKinUsageError naming the command, so
+    that commands report bad command lines alike. "--" ends the options: the
+    arguments after it are positional even when they start with a dash.
+*/
+class ZELKinArguments
+{
+public:
+    //! Throws ZELKinUsageError "unknown option '<option>'" for an option not
+    //! in `options`, and the parser's own message for an option that lacks
+    //! its value or has one it does not take.
+    ZELKinArguments(const QString& command, const QStringList& arguments, const QList<QCommandLineOption>& options);
+
+    bool IsSet(const QString& option) const;
+    //! The positional arguments, in order.
+    QStringList GetPositionals() const;
+    //! The only positional argument. Throws ZELKinUsageError "missing the
+    //! <what>" when there is none and "unexpected argument '<argument>'" for
+    //! a second one.
+    QString GetSinglePositional(const QString& what) const;
+    //! Throws ZELKinUsageError "unexpected argument '<argument>'" for the
+    //! first positional argument beyond `count`.
+    void RequireAtMostPositionals(int count) const;
+
+    //! Whether "--help" or "-h" stands among `arguments` before any "--".
+    static bool AsksForHelp(const QStringList& arguments);
+
+private:
+    QString DescribeParseError() const;
+
+    QString m_command;
+    QCommandLineParser m_parser;
+};
+
+#endif // ZELKINARGUMENTS_H

@@ -1,0 +1,65 @@
+#ifndef ZELKINTOOLRUN_H
+#define ZELKINTOOLRUN_H
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+//! What one run of zelkin left behind.
+struct ZELKinToolRun
+{
+    //! NormalExit unless the process crashed or aborted.
+    QProcess::ExitStatus exitStatus = QProcess::CrashExit;
+    int exitCode = -1;
+    QString standardOutput;
+    QString standardError;
+
+    //! stderr as lines, without their line breaks.
+    QStringList GetErrorLines() const
+    {
+        QStringList lines = standardError.split(QLatin1Char('\n'));
+        if (lines.last().isEmpty())
+            lines.removeLast();
+        return lines;
+    }
+};
+
+//! Runs zelkin with `arguments` and waits for it to end.
+inline ZELKinToolRun RunZelkin(const QStringList& arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral(ZELKIN_EXECUTABLE), arguments);
+    ZELKinToolRun run;
+    if (!process.waitForFinished(60000)) {
+        ADD_FAILURE() << "zelkin did not run to its end: " << process.errorString().toStdString();
+        return run;
+    }
+    run.exitStatus = process.exitStatus();
+    run.exitCode = process.exitCode();
+    run.standardOutput = QString::fromUtf8(process.readAllStandardOutput());
+    run.standardError = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+//! The shipped example machine.
+inline QString GetExampleMachinePath()
+{
+    return QStringLiteral(ZELKIN_EXAMPLES_DIR "/machines/gantry-rbr.xml");
+}
+
+//! Writes `text` to the file `name` in `directory` and returns its path.
+inline QString WriteFile(const QTemporaryDir& directory, const QString& name, const QString& text)
+{
+    const QString path = QDir(directory.path()).filePath(name);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0)
+        ADD_FAILURE() << "cannot write " << path.toStdString();
+    return path;
+}
+
+#endif // ZELKINTOOLRUN_H

@@ -11,10 +11,10 @@
 
 /*!
     A list of links that each hold one container reference on their target:
-    AddReference when an entry is appended, RemoveReference when the list
-    releases it (Clear, Load, destruction) and the target still exists.
-    Entries read as null once their target is destroyed; a null entry keeps
-    its place.
+    AddReference when an entry is appended or inserted, RemoveReference when
+    the list releases it (RemoveAt, Clear, Load, destruction) and the target
+    still exists. Entries read as null once their target is destroyed; a null
+    entry keeps its place.
 
     Record: the entry count (qint32), then one reference per entry (an empty
     one for a null entry).
@@ -27,11 +27,39 @@ public:
     ~ZELKinCountedLinkList() { Clear(); }
     Q_DISABLE_COPY_MOVE(ZELKinCountedLinkList)
 
-    void Append(T* object)
+    void Append(T* object) { Insert(GetCount(), object); }
+
+    //! Puts `object` before the entry at `index`; an index equal to the count
+    //! appends. The caller keeps the index within 0..GetCount().
+    void Insert(int index, T* object)
     {
+        Q_ASSERT(index >= 0 && index <= GetCount());
         if (object)
             object->AddReference();
-        m_entries.append(object);
+        m_entries.insert(index, object);
+    }
+
+    //! Releases the entry at `index` and closes the gap. The caller keeps the
+    //! index within 0..GetCount() - 1.
+    void RemoveAt(int index)
+    {
+        Q_ASSERT(index >= 0 && index < GetCount());
+        if (T* target = m_entries.at(index).data())
+            target->RemoveReference();
+        m_entries.removeAt(index);
+    }
+
+    //! The index of the first entry whose target is `object` (by identity),
+    //! or -1. Null matches nothing: a null entry has no target to compare.
+    int IndexOf(const T* object) const
+    {
+        if (!object)
+            return -1;
+        for (int index = 0; index < GetCount(); ++index) {
+            if (m_entries.at(index).data() == object)
+                return index;
+        }
+        return -1;
     }
 
     void Clear()

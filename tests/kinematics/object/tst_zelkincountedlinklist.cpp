@@ -1,7 +1,9 @@
 // Counted link lists (a machine's joints and variables, a joint's variables
-// and children), seen through the classes that hold them.
+// and children, a program's procedures, a script's commands), seen through
+// the classes that hold them.
 
-#include <zelkintestaccess.h>
+#include <zelkintestcommand.h>
+#include <zelkintestprograms.h>
 
 #include <zelgeogeometrynotfoundexception.h>
 #include <zelgeostream.h>
@@ -18,6 +20,18 @@ QByteArray MachineRecord(qint32 jointCount, const QList<ZELGeoGeometryRef>& join
     out << QStringLiteral("gantry") << jointCount;
     for (const ZELGeoGeometryRef& joint : joints)
         out << joint;
+    return record;
+}
+
+// The record of `program` with its procedure list replaced by `procedures`.
+QByteArray ProgramWithProcedures(const ZELKinProgram* program, const QList<ZELKinProcedure*>& procedures)
+{
+    QByteArray record;
+    ZELGeoStream out(&record, nullptr);
+    out << program->GetMachine()->GetReference() << qint32(procedures.size());
+    for (const ZELKinProcedure* procedure : procedures)
+        out << procedure->GetReference();
+    out << program->GetDate() << program->GetAuthor();
     return record;
 }
 
@@ -119,4 +133,44 @@ TEST(ZELKinCountedLinkList, LoadingReplacesTheEntriesAndTakesNewReferences)
     machine->SetCurrentState(machine->GetCurrentState());
     EXPECT_EQ(machine->GetNumJoints(), 1);
     EXPECT_EQ(joint->GetReferenceCount(), 1);
+}
+
+TEST(ZELKinCountedLinkList, InsertedEntryHoldsAReferenceAndGoesBeforeTheEntryAtItsIndex)
+{
+    ZELGeoContainer container;
+    auto* script = new ZELKinTestScript(&container);
+    ZELKinCommand* last = new ZELKinTestCommand(script);
+    ZELKinCommand* first = new ZELKinTestCommand(script, 0);
+    ZELKinCommand* middle = new ZELKinTestCommand(script, 1);
+    EXPECT_EQ(ZELTest::CommandsByIndex(*script), QList<ZELKinCommand*>({first, middle, last}));
+    EXPECT_EQ(first->GetReferenceCount(), 1);
+    EXPECT_EQ(middle->GetReferenceCount(), 1);
+    EXPECT_EQ(last->GetReferenceCount(), 1);
+}
+
+TEST(ZELKinCountedLinkList, RemovedEntryReleasesItsReferenceAndClosesTheGap)
+{
+    ZELGeoContainer container;
+    ZELKinProgram* program = ZELKinTestAccess::CreateProgram(ZELKinTestAccess::CreateMachine(&container));
+    ZELKinProcedure* first = new ZELKinTestProcedure(program);
+    ZELKinProcedure* middle = new ZELKinTestProcedure(program);
+    ZELKinProcedure* last = new ZELKinTestProcedure(program);
+    program->RemoveProcedure(middle);
+    EXPECT_EQ(program->GetProcedures(), QList<ZELKinProcedure*>({first, last}));
+    EXPECT_EQ(middle->GetReferenceCount(), 0);
+    EXPECT_EQ(first->GetReferenceCount(), 1);
+    EXPECT_EQ(last->GetReferenceCount(), 1);
+}
+
+TEST(ZELKinCountedLinkList, RemovingTheFirstOfTwoEntriesOfOneTargetKeepsTheSecond)
+{
+    ZELGeoContainer container;
+    ZELKinProgram* program = ZELKinTestAccess::CreateProgram(ZELKinTestAccess::CreateMachine(&container));
+    ZELKinProcedure* procedure = new ZELKinTestProcedure(program);
+    ZELKinProcedure* other = new ZELKinTestProcedure(program);
+    program->SetCurrentState(ProgramWithProcedures(program, {procedure, other, procedure}));
+    ASSERT_EQ(procedure->GetReferenceCount(), 2);
+    program->RemoveProcedure(procedure);
+    EXPECT_EQ(program->GetProcedures(), QList<ZELKinProcedure*>({other, procedure}));
+    EXPECT_EQ(procedure->GetReferenceCount(), 1);
 }

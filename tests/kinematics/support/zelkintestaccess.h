@@ -2,6 +2,7 @@
 #define ZELKINTESTACCESS_H
 
 #include <zelkinafpmachine.h>
+#include <zelkinprogram.h>
 #include <zelkinrotaryjoint.h>
 #include <zelkintranslationjoint.h>
 #include <zelkinvariable.h>
@@ -66,6 +67,8 @@ public:
     {
         return new ZELKinTranslationJoint(name, machine, variable, priority, vector, parent);
     }
+
+    static ZELKinProgram* CreateProgram(ZELKinMachine* machine) { return new ZELKinProgram(machine); }
 };
 
 namespace ZELTest {

@@ -1,0 +1,157 @@
+#include "zelkinposition.h"
+#include "zelkinposition_p.h"
+
+#include <zelgeocontainer.h>
+
+#include <algorithm>
+#include <cmath>
+
+ZELGEO_REGISTER_CLASS(ZELKinPosition)
+
+ZELKinPositionPrivate::VariableValues::const_iterator ZELKinPositionPrivate::Find(const ZELKinVariable* variable) const
+{
+    if (!variable)
+        return variableValues.cend();
+    return std::find_if(variableValues.cbegin(), variableValues.cend(),
+                        [variable](const VariableValue& entry) { return entry.variable.Get() == variable; });
+}
+
+void ZELKinPositionPrivate::StoreValue(ZELKinVariable* variable, double value)
+{
+    const auto entry = Find(variable);
+    if (std::isnan(value)) {
+        if (entry != variableValues.cend())
+            variableValues.erase(entry);
+    } else if (entry != variableValues.cend()) {
+        variableValues[std::size_t(entry - variableValues.cbegin())].value = value;
+    } else if (variable) {
+        variableValues.push_back(VariableValue{ZELKinCountedLink<ZELKinVariable>(variable), value});
+    }
+}
+
+ZELKinPosition::ZELKinPosition(ZELGeoContainer* container, const ZELGeoGeometryRef& reference)
+    : ZELKinPosition(new ZELKinPositionPrivate(this), container, reference)
+{
+}
+
+ZELKinPosition::ZELKinPosition(ZELKinPositionPrivate* d, ZELKinScript* script, int index)
+    : ZELKinCommand(d, script, index)
+{
+}
+
+ZELKinPosition::ZELKinPosition(ZELKinCommandPrivate* d, ZELGeoContainer* container,
+                               const ZELGeoGeometryRef& reference)
+    : ZELKinCommand(d, container, reference)
+{
+}
+
+ZELKinPosition::~ZELKinPosition() = default;
+
+void ZELKinPosition::_constructor_checker()
+{
+    ZELKinPosition checker(nullptr, ZELGeoGeometryRef());
+}
+
+double ZELKinPosition::GetVariableValue(const ZELKinVariable* variable) const
+{
+    Q_D(const ZELKinPosition);
+    const auto entry = d->Find(variable);
+    return entry != d->variableValues.cend() ? entry->value : std::numeric_limits<double>::quiet_NaN();
+}
+
+bool ZELKinPosition::IsVariableDefined(const ZELKinVariable* variable) const
+{
+    Q_D(const ZELKinPosition);
+    return d->Find(variable) != d->variableValues.cend();
+}
+
+void ZELKinPosition::SetVariableValue(ZELKinVariable* variable, double value)
+{
+    Q_D(ZELKinPosition);
+    AboutToChange();
+    d->StoreValue(variable, value);
+}
+
+double ZELKinPosition::GetFeedrate() const
+{
+    Q_D(const ZELKinPosition);
+    return d->feedrate;
+}
+
+void ZELKinPosition::SetFeedrate(double feedrate)
+{
+    Q_D(ZELKinPosition);
+    AboutToChange();
+    d->feedrate = feedrate;
+}
+
+bool ZELKinPosition::IsTraori() const
+{
+    Q_D(const ZELKinPosition);
+    return d->traori;
+}
+
+void ZELKinPosition::SetTraori(bool traori)
+{
+    Q_D(ZELKinPosition);
+    AboutToChange();
+    d->traori = traori;
+}
+
+const ZELTPPoint* ZELKinPosition::GetToolPathPoint() const
+{
+    Q_D(const ZELKinPosition);
+    return d->toolPathPoint.Get();
+}
+
+void ZELKinPosition::SetToolPathPoint(const ZELTPPoint* point)
+{
+    Q_D(ZELKinPosition);
+    AboutToChange();
+    d->toolPathPoint.Set(point);
+}
+
+double ZELKinPosition::GetLateralPositionAdjustment() const
+{
+    Q_D(const ZELKinPosition);
+    return d->lateralPositionAdjustment;
+}
+
+void ZELKinPosition::SetLateralPositionAdjustment(double adjustment)
+{
+    Q_D(ZELKinPosition);
+    AboutToChange();
+    d->lateralPositionAdjustment = adjustment;
+}
+
+void ZELKinPosition::Save(ZELGeoStream& stream) const
+{
+    Q_D(const ZELKinPosition);
+    ZELKinCommand::Save(stream);
+    stream << d->feedrate << qint32(d->variableValues.size());
+    for (const ZELKinPositionPrivate::VariableValue& entry : d->variableValues) {
+        entry.variable.Save(stream);
+        stream << entry.value;
+    }
+    d->toolPathPoint.Save(stream);
+    stream << d->lateralPositionAdjustment;
+}
+
+void ZELKinPosition::Load(ZELGeoStream& stream)
+{
+    Q_D(ZELKinPosition);
+    ZELKinCommand::Load(stream);
+    qint32 count = 0;
+    stream >> d->feedrate >> count;
+    d->variableValues.clear();
+    for (qint32 entry = 0; entry < count && !stream.atEnd(); ++entry) {
+        ZELGeoGeometryRef saved;
+        double value = std::numeric_limits<double>::quiet_NaN();
+        stream >> saved >> value;
+        ZELKinVariable* variable = ZELKinLinks::Resolve<ZELKinVariable>(stream, saved);
+        ZELKinLinks::ExpectResolved(variable, saved);
+        d->StoreValue(variable, value);
+    }
+    d->toolPathPoint.Load(stream);
+    stream >> d->lateralPositionAdjustment;
+}

@@ -1,0 +1,82 @@
+#ifndef ZELKINPOSITION_H
+#define ZELKINPOSITION_H
+
+#include "zelkincommand.h"
+
+class ZELKinPositionPrivate;
+class ZELKinVariable;
+class ZELTPPoint;
+
+/*!
+    The command that places the machine: a value for some or all of the
+    machine's variables, the toolpath point it realises, the feedrate of the
+    move to it and two output settings. The solver writes its solutions into
+    positions and the NC writer reads them back.
+
+    Variable values are in each variable's own unit (mm for a linear axis,
+    rad for a rotary one). A variable without a value is undefined at the
+    position, and undefined and NaN are the same thing: setting NaN removes
+    the value. A null variable is never defined. The values are keyed by the
+    variable object, so two links to one variable are one key.
+
+    Record (after the command's): feedrate (double); number of variable
+    values (qint32), then per value the variable (reference) and the value
+    (double), in no particular order; toolpath point (reference, empty when
+    there is none); lateral position adjustment (double). The traori flag is
+    not saved: a loaded position is always traori.
+*/
+class ZELKINEMATICS_EXPORT ZELKinPosition : public ZELKinCommand
+{
+    Q_OBJECT
+
+public:
+    //! Loading constructor: no values, NaN feedrate, traori, no toolpath
+    //! point, no lateral adjustment, no script until Load.
+    Q_INVOKABLE ZELKinPosition(ZELGeoContainer* container, const ZELGeoGeometryRef& reference);
+    ~ZELKinPosition() override;
+
+    //! The variable's value here, or NaN when it is undefined.
+    double GetVariableValue(const ZELKinVariable* variable) const;
+    bool IsVariableDefined(const ZELKinVariable* variable) const;
+    //! Sets or replaces the variable's value; NaN removes it (nothing happens
+    //! when it has none). Does nothing for a null variable.
+    void SetVariableValue(ZELKinVariable* variable, double value);
+
+    //! Feedrate of the move to this position (mm/min); NaN when the position
+    //! gives none.
+    double GetFeedrate() const;
+    void SetFeedrate(double feedrate);
+    //! Whether the position is output with the tool-orientation
+    //! transformation (TRAORI) active; true by default.
+    bool IsTraori() const;
+    void SetTraori(bool traori);
+    //! The toolpath point that the position realises; null for positions that
+    //! no point produced (link moves, probing) or once the point has gone.
+    const ZELTPPoint* GetToolPathPoint() const;
+    void SetToolPathPoint(const ZELTPPoint* point);
+    //! Lateral offset of the head at this position (mm); 0 by default.
+    double GetLateralPositionAdjustment() const;
+    void SetLateralPositionAdjustment(double adjustment);
+
+    void Save(ZELGeoStream& stream) const override;
+    //! Replaces the values with the saved ones; a count larger than the
+    //! values present stops at the end of the record, and a value of a
+    //! variable that was destroyed before saving (an empty reference) is
+    //! dropped. Throws ZELGeoGeometryNotFoundException when a saved variable
+    //! or toolpath point reference does not resolve.
+    void Load(ZELGeoStream& stream) override;
+
+protected:
+    //! For subclasses: inserts the new position into `script` at `index`
+    //! (-1 appends), as ZELKinCommand does, and throws what it throws.
+    ZELKinPosition(ZELKinPositionPrivate* d, ZELKinScript* script, int index);
+    //! Loading constructor for subclasses; `d` must be a position private object.
+    ZELKinPosition(ZELKinCommandPrivate* d, ZELGeoContainer* container, const ZELGeoGeometryRef& reference);
+
+private:
+    void _constructor_checker();
+
+    Q_DECLARE_PRIVATE(ZELKinPosition)
+};
+
+#endif // ZELKINPOSITION_H

@@ -1,0 +1,259 @@
+#include "zelkinsolutionseries.h"
+#include "zelkinsolutionseries_p.h"
+
+#include <zelsysoutofboundsexception.h>
+
+#include <QRandomGenerator64>
+
+#include <algorithm>
+
+namespace {
+
+using Chunk = ZELKinSolutionSeriesChunk;
+using Page = ZELKinSolutionSeriesPage;
+using Store = ZELKinSolutionSeriesStore;
+
+// Pages needed for `entries` entries.
+int PagesFor(int entries)
+{
+    return (entries + Page::kEntries - 1) / Page::kEntries;
+}
+
+} // namespace
+
+QExplicitlySharedDataPointer<Chunk> Chunk::Head(int length) const
+{
+    QExplicitlySharedDataPointer<Chunk> head(new Chunk);
+    std::copy_n(entries.cbegin(), length, head->entries.begin());
+    return head;
+}
+
+QExplicitlySharedDataPointer<Page> Page::Head(int length) const
+{
+    QExplicitlySharedDataPointer<Page> head(new Page);
+    const int fullChunks = length / Chunk::kSize;
+    std::copy_n(chunks.cbegin(), fullChunks, head->chunks.begin());
+    if (const int rest = length % Chunk::kSize)
+        head->chunks[fullChunks] = chunks[fullChunks]->Head(rest);
+    return head;
+}
+
+Store::ZELKinSolutionSeriesStore(int pageCapacity)
+    : pages(pageCapacity)
+{
+}
+
+int Store::GetCapacity() const
+{
+    return int(pages.size()) * Page::kEntries;
+}
+
+const ZELKinSolutionSeriesEntry& Store::At(int index) const
+{
+    const Page& page = *pages[index / Page::kEntries];
+    const Chunk& chunk = *page.chunks[index % Page::kEntries / Chunk::kSize];
+    return chunk.entries[index % Chunk::kSize];
+}
+
+bool Store::Claim(int index)
+{
+    if (index >= GetCapacity())
+        return false;
+    int expected = index;
+    return claimed.compare_exchange_strong(expected, index + 1, std::memory_order_acq_rel);
+}
+
+void Store::Write(int index, ZELKinCommand* command, const ZELKinSolution& solution)
+{
+    // Only the claimant of a page's or chunk's first slot creates it; the
+    // claimants of the later slots come after it.
+    QExplicitlySharedDataPointer<Page>& page = pages[index / Page::kEntries];
+    if (!page)
+        page.reset(new Page);
+    QExplicitlySharedDataPointer<Chunk>& chunk = page->chunks[index % Page::kEntries / Chunk::kSize];
+    if (!chunk)
+        chunk.reset(new Chunk);
+    ZELKinSolutionSeriesEntry& entry = chunk->entries[index % Chunk::kSize];
+    entry.command = command;
+    entry.solution = solution;
+}
+
+QExplicitlySharedDataPointer<Store> Store::Fork(int length, int room) const
+{
+    // Doubling the page table when it has to grow keeps the copying of the
+    // table amortised over the appends that filled it.
+    const int capacity = int(pages.size());
+    const int needed = PagesFor(room);
+    QExplicitlySharedDataPointer<Store> fork(new Store(needed <= capacity ? capacity : std::max(2 * capacity, needed)));
+    const int fullPages = length / Page::kEntries;
+    std::copy_n(pages.cbegin(), fullPages, fork->pages.begin());
+    if (const int rest = length % Page::kEntries)
+        fork->pages[fullPages] = pages[fullPages]->Head(rest);
+    fork->claimed.store(length, std::memory_order_relaxed);
+    return fork;
+}
+
+ZELKinSolutionSeriesPrivate::ZELKinSolutionSeriesPrivate()
+    : id(NewId())
+{
+}
+
+quint32 ZELKinSolutionSeriesPrivate::NewId()
+{
+    return quint32(QRandomGenerator64::global()->generate());
+}
+
+const ZELKinSolutionSeriesEntry& ZELKinSolutionSeriesPrivate::At(int index) const
+{
+    return store->At(index);
+}
+
+void ZELKinSolutionSeriesPrivate::CheckIndex(int index) const
+{
+    if (index < 0 || index >= count)
+        throw ZELSysOutOfBoundsException(index, 0, count - 1, true, true);
+}
+
+int ZELKinSolutionSeriesPrivate::IndexOf(const ZELKinCommand* command) const
+{
+    for (int index = 0; index < count; ++index) {
+        if (At(index).command == command)
+            return index;
+    }
+    return -1;
+}
+
+void ZELKinSolutionSeriesPrivate::Append(ZELKinCommand* command, const ZELKinSolution& solution)
+{
+    if (!store || !store->Claim(count)) {
+        store = store ? store->Fork(count, count + 1) : QExplicitlySharedDataPointer<Store>(new Store(1));
+        // The new store is this series' alone, so its next slot is free.
+        store->Claim(count);
+    }
+    store->Write(count, command, solution);
+    ++count;
+}
+
+void ZELKinSolutionSeriesPrivate::Insert(int index, ZELKinCommand* command, const ZELKinSolution& solution)
+{
+    const QExplicitlySharedDataPointer<Store> old = store;
+    const int oldCount = count;
+    store = old->Fork(index, oldCount + 1);
+    count = index;
+    Append(command, solution);
+    for (int i = index; i < oldCount; ++i) {
+        const ZELKinSolutionSeriesEntry& entry = old->At(i);
+        Append(entry.command, entry.solution);
+    }
+}
+
+ZELKinSolutionSeries::ZELKinSolutionSeries()
+    : d_ptr(new ZELKinSolutionSeriesPrivate)
+{
+}
+
+ZELKinSolutionSeries::ZELKinSolutionSeries(ZELKinCommand* command, const ZELKinSolution& solution)
+    : ZELKinSolutionSeries()
+{
+    Append(command, solution);
+}
+
+ZELKinSolutionSeries::ZELKinSolutionSeries(const ZELKinSolutionSeries& other) = default;
+
+ZELKinSolutionSeries& ZELKinSolutionSeries::operator=(const ZELKinSolutionSeries& other) = default;
+
+ZELKinSolutionSeries::~ZELKinSolutionSeries() = default;
+
+void ZELKinSolutionSeries::Append(ZELKinCommand* command, const ZELKinSolution& solution)
+{
+    d_ptr.detach();
+    Q_D(ZELKinSolutionSeries);
+    d->Append(command, solution);
+}
+
+void ZELKinSolutionSeries::InsertBeside(ZELKinCommand* existing, ZELKinCommand* command, bool after)
+{
+    const int index = d_func()->IndexOf(existing);
+    const ZELKinSolution solution = GetSolution(index);
+    d_ptr.detach();
+    Q_D(ZELKinSolutionSeries);
+    d->Insert(after ? index + 1 : index, command, solution);
+}
+
+ZELKinSolution ZELKinSolutionSeries::GetLastSolution() const
+{
+    Q_D(const ZELKinSolutionSeries);
+    return d->count > 0 ? d->At(d->count - 1).solution : ZELKinSolution();
+}
+
+ZELKinSolution ZELKinSolutionSeries::GetSolution(int index) const
+{
+    Q_D(const ZELKinSolutionSeries);
+    d->CheckIndex(index);
+    return d->At(index).solution;
+}
+
+ZELKinCommand* ZELKinSolutionSeries::GetCommand(int index) const
+{
+    Q_D(const ZELKinSolutionSeries);
+    d->CheckIndex(index);
+    return d->At(index).command;
+}
+
+QList<ZELKinCommand*> ZELKinSolutionSeries::GetCommands() const
+{
+    Q_D(const ZELKinSolutionSeries);
+    QList<ZELKinCommand*> commands;
+    commands.reserve(d->count);
+    for (int index = 0; index < d->count; ++index)
+        commands.append(d->At(index).command);
+    return commands;
+}
+
+QList<ZELKinSolution> ZELKinSolutionSeries::GetSolutions() const
+{
+    Q_D(const ZELKinSolutionSeries);
+    QList<ZELKinSolution> solutions;
+    solutions.reserve(d->count);
+    for (int index = 0; index < d->count; ++index)
+        solutions.append(d->At(index).solution);
+    return solutions;
+}
+
+int ZELKinSolutionSeries::GetCount() const
+{
+    Q_D(const ZELKinSolutionSeries);
+    return d->count;
+}
+
+bool ZELKinSolutionSeries::IsEmpty() const
+{
+    Q_D(const ZELKinSolutionSeries);
+    return d->count == 0;
+}
+
+double ZELKinSolutionSeries::GetCost() const
+{
+    Q_D(const ZELKinSolutionSeries);
+    return d->cost;
+}
+
+void ZELKinSolutionSeries::SetCost(double cost)
+{
+    d_ptr.detach();
+    Q_D(ZELKinSolutionSeries);
+    d->cost = cost;
+}
+
+quint32 ZELKinSolutionSeries::GetId() const
+{
+    Q_D(const ZELKinSolutionSeries);
+    return d->id;
+}
+
+void ZELKinSolutionSeries::RenewId()
+{
+    d_ptr.detach();
+    Q_D(ZELKinSolutionSeries);
+    d->id = ZELKinSolutionSeriesPrivate::NewId();
+}

@@ -1,0 +1,106 @@
+#ifndef ZELKINSOLUTIONSERIES_P_H
+#define ZELKINSOLUTIONSERIES_P_H
+
+#include "zelkinsolutionseries.h"
+
+#include "zelkinsolution.h"
+
+#include <QSharedData>
+
+#include <array>
+#include <atomic>
+#include <vector>
+
+//! A command of a series with the solution chosen for it.
+struct ZELKinSolutionSeriesEntry
+{
+    ZELKinCommand* command = nullptr;
+    ZELKinSolution solution;
+};
+
+/*!
+    A run of consecutive entries. A chunk that lies wholly within a series'
+    length is never written again and may be shared by many stores; the
+    chunk a store is filling belongs to that store alone.
+*/
+class ZELKinSolutionSeriesChunk : public QSharedData
+{
+public:
+    static constexpr int kSize = 64;
+
+    //! A new chunk holding copies of the first `length` entries.
+    QExplicitlySharedDataPointer<ZELKinSolutionSeriesChunk> Head(int length) const;
+
+    std::array<ZELKinSolutionSeriesEntry, kSize> entries;
+};
+
+//! A run of consecutive chunks, shared on the same terms as a chunk.
+class ZELKinSolutionSeriesPage : public QSharedData
+{
+public:
+    static constexpr int kSize = 64;
+    static constexpr int kEntries = kSize * ZELKinSolutionSeriesChunk::kSize;
+
+    //! A new page holding the first `length` entries: it shares the chunks
+    //! that lie wholly within them and copies the one that is partly used.
+    QExplicitlySharedDataPointer<ZELKinSolutionSeriesPage> Head(int length) const;
+
+    std::array<QExplicitlySharedDataPointer<ZELKinSolutionSeriesChunk>, kSize> chunks;
+};
+
+/*!
+    The append-only entries that copies of one series share. Its length is
+    the number of slots claimed so far; a series whose own length equals it
+    may claim the next slot and write it. The page table keeps its size for
+    the life of the store, so that one thread may write a slot while others
+    read the slots before it.
+*/
+class ZELKinSolutionSeriesStore : public QSharedData
+{
+public:
+    explicit ZELKinSolutionSeriesStore(int pageCapacity);
+
+    const ZELKinSolutionSeriesEntry& At(int index) const;
+    //! Claims slot `index` for the caller when it is the next free slot and
+    //! the page table has room for it; false otherwise.
+    bool Claim(int index);
+    //! Fills slot `index`, which the caller has claimed.
+    void Write(int index, ZELKinCommand* command, const ZELKinSolution& solution);
+    //! A new store of length `length` holding the first `length` entries of
+    //! this one, with room for at least `room` entries.
+    QExplicitlySharedDataPointer<ZELKinSolutionSeriesStore> Fork(int length, int room) const;
+
+private:
+    int GetCapacity() const;
+
+    //! The store's length: slots below it are taken.
+    std::atomic<int> claimed{0};
+    std::vector<QExplicitlySharedDataPointer<ZELKinSolutionSeriesPage>> pages;
+};
+
+class ZELKinSolutionSeriesPrivate : public QSharedData
+{
+public:
+    //! An empty series with a new id.
+    ZELKinSolutionSeriesPrivate();
+
+    static quint32 NewId();
+
+    const ZELKinSolutionSeriesEntry& At(int index) const;
+    //! Throws ZELSysOutOfBoundsException(index, 0, count - 1, true, true)
+    //! when the index is outside the series.
+    void CheckIndex(int index) const;
+    //! The index of the first entry of `command`, or -1.
+    int IndexOf(const ZELKinCommand* command) const;
+    void Append(ZELKinCommand* command, const ZELKinSolution& solution);
+    void Insert(int index, ZELKinCommand* command, const ZELKinSolution& solution);
+
+    //! Null while the series has never had an entry.
+    QExplicitlySharedDataPointer<ZELKinSolutionSeriesStore> store;
+    //! The series' entries are the first `count` entries of the store.
+    int count = 0;
+    double cost = 0.0;
+    quint32 id;
+};
+
+#endif // ZELKINSOLUTIONSERIES_P_H

@@ -1,0 +1,94 @@
+#ifndef ZELKINSOLVER_H
+#define ZELKINSOLVER_H
+
+#include "zelkinematics_export.h"
+#include "zelkinsolution.h"
+
+#include <zelmathaxis.h>
+#include <zelmathpoint.h>
+
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+class ZELKinMachine;
+class ZELKinSolverPrivate;
+
+/*!
+    The inverse-kinematics solver of a machine: it turns tool frames into
+    joint-space solutions, converts solutions to and from TRAORI form, and
+    judges and prices the moves between solutions.
+
+    A machine creates its solver (ZELKinMachine::CreateSolver) and hands it
+    the machine's solver configuration text through Configure, before any
+    solving; the caller owns the solver. The diagnostic paths may be set at
+    any time before solving.
+
+    ZELKinSolver is abstract and owns the private object of its whole class
+    tree: a derived solver extends ZELKinSolverPrivate and hands its own
+    private object to the protected constructor.
+
+    Lengths are in millimetres and angles in radians, as in the solutions.
+    The calls the base implements do not throw; each solver states what its
+    own operations throw.
+*/
+class ZELKINEMATICS_EXPORT ZELKinSolver
+{
+public:
+    //! How strictly a move must keep the wrist continuous.
+    enum Continuity : qint32 {
+        //! The whole wrist moves continuously (both rolls and the bend).
+        ContinuityFull = 0,
+        //! Only the first roll axis must move continuously.
+        ContinuityFirstRoll = 1,
+        //! Any move counts as contiguous.
+        ContinuityNone = 2
+    };
+
+    virtual ~ZELKinSolver();
+
+    //! Reads the machine's solver configuration text.
+    virtual void Configure(const QString& config) = 0;
+    //! The solution at a point `fraction` (0 to 1) of the way from the
+    //! solved point `from` to the solved point `to`, with tool frame `frame`.
+    virtual ZELKinSolution Solve(const ZELMathAxis& frame, double fraction, const ZELKinSolution& from,
+                                 const ZELKinSolution& to) const = 0;
+    //! Every solution that puts the tool on `frame`, in TRAORI form when
+    //! `traori` is true; empty when the frame cannot be reached.
+    virtual QList<ZELKinSolution> Solve(const ZELMathAxis& frame, bool traori) const = 0;
+    //! The machine axis values of a solution whose linear values are the
+    //! tool tip position.
+    virtual ZELKinSolution FromTraori(const ZELKinSolution& solution) const = 0;
+    //! The inverse of FromTraori.
+    virtual ZELKinSolution ToTraori(const ZELKinSolution& solution) const = 0;
+    //! The tool tip position (millimetres) of a solution.
+    virtual ZELMathPoint GetTipPoint(const ZELKinSolution& solution) const = 0;
+    //! Whether the machine can move from `a` to `b` without a wrist flip
+    //! under `mode`.
+    virtual bool IsContiguous(const ZELKinSolution& a, const ZELKinSolution& b, Continuity mode) const = 0;
+    //! The cost of the move from `a` to `b`; lower is better.
+    virtual double ComputeCost(const ZELKinSolution& a, const ZELKinSolution& b) const = 0;
+
+    //! The machine solved for (not owned).
+    ZELKinMachine* GetMachine() const;
+    //! Folder for the per-procedure diagnostic files of path solving; an
+    //! empty path (the default) writes none.
+    void SetDebugPath(const QString& path);
+    //! Folder for the summary diagnostics of path solving; empty by default.
+    void SetSummaryPath(const QString& path);
+
+protected:
+    //! Takes ownership of `d`, a derived solver's private object.
+    explicit ZELKinSolver(ZELKinSolverPrivate* d);
+    //! Creates a private object of the base for `machine`.
+    explicit ZELKinSolver(ZELKinMachine* machine);
+
+    std::unique_ptr<ZELKinSolverPrivate> const d_ptr;
+
+private:
+    Q_DECLARE_PRIVATE(ZELKinSolver)
+    Q_DISABLE_COPY_MOVE(ZELKinSolver)
+};
+
+#endif // ZELKINSOLVER_H

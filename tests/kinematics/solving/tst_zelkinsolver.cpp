@@ -1,0 +1,209 @@
+#include <zelkinsolver.h>
+#include <zelkinsolver_p.h>
+
+#include <zelkintestaccess.h>
+
+#include <zeltestsupport.h>
+
+#include <cmath>
+#include <memory>
+#include <type_traits>
+
+namespace {
+
+class TestSolverPrivate;
+
+// The smallest concrete solver: it places the X axis at the frame's origin
+// and records what the base hands it, so that the base can be tested alone.
+class TestSolver : public ZELKinSolver
+{
+public:
+    // Built the way a solver with its own private fields is built.
+    TestSolver(ZELKinMachine* machine, bool* privateDeleted);
+    // Built on the base's own private object.
+    explicit TestSolver(ZELKinMachine* machine)
+        : ZELKinSolver(machine)
+    {
+    }
+
+    void Configure(const QString& config) override { configuration = config; }
+
+    ZELKinSolution Solve(const ZELMathAxis& frame, double fraction, const ZELKinSolution& from,
+                         const ZELKinSolution& to) const override
+    {
+        ZELKinSolution solution = from * (1.0 - fraction) + to * fraction;
+        solution.SetVariableValue(X(), frame.GetOrigin().GetX());
+        return solution;
+    }
+
+    QList<ZELKinSolution> Solve(const ZELMathAxis& frame, bool traori) const override
+    {
+        ZELKinSolution solution;
+        solution.SetVariableValue(X(), frame.GetOrigin().GetX());
+        solution.SetTraori(traori);
+        return {solution};
+    }
+
+    ZELKinSolution FromTraori(const ZELKinSolution& solution) const override { return WithTraori(solution, false); }
+    ZELKinSolution ToTraori(const ZELKinSolution& solution) const override { return WithTraori(solution, true); }
+
+    ZELMathPoint GetTipPoint(const ZELKinSolution& solution) const override
+    {
+        return ZELMathPoint(solution.GetVariableValue(X()), 0.0, 0.0);
+    }
+
+    bool IsContiguous(const ZELKinSolution& a, const ZELKinSolution& b, Continuity mode) const override
+    {
+        return mode == ContinuityNone || std::abs(a.GetVariableValue(X()) - b.GetVariableValue(X())) < 1.0;
+    }
+
+    double ComputeCost(const ZELKinSolution& a, const ZELKinSolution& b) const override
+    {
+        return std::abs(a.GetVariableValue(X()) - b.GetVariableValue(X()));
+    }
+
+    const ZELKinSolverPrivate* Private() const { return d_ptr.get(); }
+
+    QString configuration;
+
+private:
+    ZELKinVariable* X() const { return GetMachine()->GetVariable(QStringLiteral("X")); }
+
+    static ZELKinSolution WithTraori(ZELKinSolution solution, bool traori)
+    {
+        solution.SetTraori(traori);
+        return solution;
+    }
+};
+
+// A derived private part, which tells when the base has deleted it.
+class TestSolverPrivate : public ZELKinSolverPrivate
+{
+public:
+    TestSolverPrivate(TestSolver* q, ZELKinMachine* machine, bool* deleted)
+        : ZELKinSolverPrivate(q, machine)
+        , deleted(deleted)
+    {
+    }
+    ~TestSolverPrivate() override { *deleted = true; }
+
+    bool* const deleted;
+};
+
+TestSolver::TestSolver(ZELKinMachine* machine, bool* privateDeleted)
+    : ZELKinSolver(new TestSolverPrivate(this, machine, privateDeleted))
+{
+}
+
+class ZELKinSolverTest : public ::testing::Test
+{
+protected:
+    ZELKinSolverTest()
+        : machine(ZELKinTestAccess::CreateMachine(&container))
+        , x(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X")))
+    {
+    }
+
+    ZELKinSolution At(double value) const
+    {
+        ZELKinSolution solution;
+        solution.SetVariableValue(x, value);
+        return solution;
+    }
+
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine;
+    ZELKinVariable* x;
+};
+
+} // namespace
+
+TEST(ZELKinSolver, IsAbstractAndNotCopyable)
+{
+    EXPECT_TRUE(std::is_abstract_v<ZELKinSolver>);
+    EXPECT_FALSE(std::is_copy_constructible_v<ZELKinSolver>);
+    EXPECT_TRUE(std::has_virtual_destructor_v<ZELKinSolver>);
+}
+
+TEST(ZELKinSolver, ContinuityValuesAreFixed)
+{
+    EXPECT_EQ(int(ZELKinSolver::ContinuityFull), 0);
+    EXPECT_EQ(int(ZELKinSolver::ContinuityFirstRoll), 1);
+    EXPECT_EQ(int(ZELKinSolver::ContinuityNone), 2);
+}
+
+TEST_F(ZELKinSolverTest, BaseConstructionKeepsTheMachineWithEmptyPathsAndAZeroWord)
+{
+    const TestSolver solver(machine);
+    EXPECT_EQ(solver.GetMachine(), machine);
+    const ZELKinSolverPrivate* d = solver.Private();
+    EXPECT_EQ(d->q_ptr, &solver);
+    EXPECT_EQ(d->machine, machine);
+    EXPECT_TRUE(d->debugPath.isEmpty());
+    EXPECT_TRUE(d->summaryPath.isEmpty());
+    EXPECT_EQ(d->pathSolvingState, 0u);
+}
+
+TEST_F(ZELKinSolverTest, ConstructionWithADerivedPrivateKeepsTheMachineWithEmptyPathsAndAZeroWord)
+{
+    bool deleted = false;
+    const TestSolver solver(machine, &deleted);
+    EXPECT_EQ(solver.GetMachine(), machine);
+    const ZELKinSolverPrivate* d = solver.Private();
+    EXPECT_NE(dynamic_cast<const TestSolverPrivate*>(d), nullptr);
+    EXPECT_EQ(d->q_ptr, &solver);
+    EXPECT_TRUE(d->debugPath.isEmpty());
+    EXPECT_TRUE(d->summaryPath.isEmpty());
+    EXPECT_EQ(d->pathSolvingState, 0u);
+}
+
+TEST_F(ZELKinSolverTest, AMachinelessSolverHasNoMachine)
+{
+    const TestSolver solver(nullptr);
+    EXPECT_EQ(solver.GetMachine(), nullptr);
+}
+
+TEST_F(ZELKinSolverTest, DeletingThroughTheBaseDeletesTheDerivedPrivate)
+{
+    bool deleted = false;
+    std::unique_ptr<ZELKinSolver> solver = std::make_unique<TestSolver>(machine, &deleted);
+    EXPECT_FALSE(deleted);
+    solver.reset();
+    EXPECT_TRUE(deleted);
+}
+
+TEST_F(ZELKinSolverTest, SetDebugPathAndSetSummaryPathStoreEachItsOwnPath)
+{
+    TestSolver solver(machine);
+    solver.SetDebugPath(QStringLiteral("/tmp/debug"));
+    EXPECT_EQ(solver.Private()->debugPath, QStringLiteral("/tmp/debug"));
+    EXPECT_TRUE(solver.Private()->summaryPath.isEmpty());
+    solver.SetSummaryPath(QStringLiteral("/tmp/summary"));
+    EXPECT_EQ(solver.Private()->summaryPath, QStringLiteral("/tmp/summary"));
+    EXPECT_EQ(solver.Private()->debugPath, QStringLiteral("/tmp/debug"));
+    solver.SetDebugPath(QString());
+    EXPECT_TRUE(solver.Private()->debugPath.isEmpty());
+}
+
+TEST_F(ZELKinSolverTest, OperationsCalledThroughTheBaseReachTheDerivedSolver)
+{
+    TestSolver derived(machine);
+    ZELKinSolver& solver = derived;
+    solver.Configure(QStringLiteral("tip-point: 0,0,-330"));
+    EXPECT_EQ(derived.configuration, QStringLiteral("tip-point: 0,0,-330"));
+
+    const ZELMathAxis frame(ZELMathPoint(12.0, 0.0, 0.0), ZELMathVector(1, 0, 0), ZELMathVector(0, 1, 0),
+                            ZELMathVector(0, 0, 1));
+    const QList<ZELKinSolution> all = solver.Solve(frame, true);
+    ASSERT_EQ(all.size(), 1);
+    EXPECT_TRUE(all.first() == At(12.0));
+    EXPECT_TRUE(all.first().IsTraori());
+    EXPECT_TRUE(solver.Solve(frame, 0.5, At(0.0), At(4.0)) == At(12.0));
+
+    EXPECT_TRUE(solver.ToTraori(At(3.0)).IsTraori());
+    EXPECT_FALSE(solver.FromTraori(solver.ToTraori(At(3.0))).IsTraori());
+    EXPECT_TRUE(ZELTest::SameDouble(3.0, solver.GetTipPoint(At(3.0)).GetX(), ZELTest::kExact));
+    EXPECT_TRUE(solver.IsContiguous(At(0.0), At(5.0), ZELKinSolver::ContinuityNone));
+    EXPECT_FALSE(solver.IsContiguous(At(0.0), At(5.0), ZELKinSolver::ContinuityFull));
+    EXPECT_TRUE(ZELTest::SameDouble(5.0, solver.ComputeCost(At(0.0), At(5.0)), ZELTest::kExact));
+}

@@ -1,6 +1,9 @@
 #include "zelkinposition.h"
 #include "zelkinposition_p.h"
 
+#include "zelkincourselink.h"
+#include "zelkinprobeprocedure.h"
+
 #include <zelgeocontainer.h>
 
 #include <algorithm>
@@ -36,6 +39,16 @@ ZELKinPosition::ZELKinPosition(ZELGeoContainer* container, const ZELGeoGeometryR
 
 ZELKinPosition::ZELKinPosition(ZELKinPositionPrivate* d, ZELKinScript* script, int index)
     : ZELKinCommand(d, script, index)
+{
+}
+
+ZELKinPosition::ZELKinPosition(ZELKinProbeProcedure* procedure)
+    : ZELKinPosition(new ZELKinPositionPrivate(this), procedure, -1)
+{
+}
+
+ZELKinPosition::ZELKinPosition(ZELKinCourseLink* link, int index)
+    : ZELKinPosition(new ZELKinPositionPrivate(this), link, index)
 {
 }
 

@@ -3,7 +3,9 @@
 
 #include "zelkincommand.h"
 
+class ZELKinCourseLink;
 class ZELKinPositionPrivate;
+class ZELKinProbeProcedure;
 class ZELKinVariable;
 class ZELTPPoint;
 
@@ -74,6 +76,15 @@ protected:
     ZELKinPosition(ZELKinCommandPrivate* d, ZELGeoContainer* container, const ZELGeoGeometryRef& reference);
 
 private:
+    friend class ZELKinTestAccess;
+
+    //! Appends a new position to the probe procedure. A null procedure gives
+    //! a position outside any container and any script.
+    explicit ZELKinPosition(ZELKinProbeProcedure* procedure);
+    //! Inserts a new position into the link at `index` (-1 appends) and
+    //! throws what the link's insertion throws. A null link gives a position
+    //! outside any container and any script.
+    ZELKinPosition(ZELKinCourseLink* link, int index);
     void _constructor_checker();
 
     Q_DECLARE_PRIVATE(ZELKinPosition)

@@ -1,6 +1,26 @@
 #include "zelkinsolver.h"
 #include "zelkinsolver_p.h"
 
+#include "zelkinrolllayupprocedure.h"
+
+#include <zeltpprocedure.h>
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+namespace {
+
+//! The name of the toolpath procedure `procedure` was translated from; empty
+//! when there is none.
+QString ToolPathNameOf(const ZELKinProcedure* procedure)
+{
+    const ZELTPProcedure* source = procedure->GetToolPathProcedure();
+    return source ? source->GetName() : QString();
+}
+
+} // namespace
+
 ZELKinSolver::ZELKinSolver(ZELKinSolverPrivate* d)
     : d_ptr(d)
 {
@@ -29,4 +49,15 @@ void ZELKinSolver::SetSummaryPath(const QString& path)
 {
     Q_D(ZELKinSolver);
     d->summaryPath = path;
+}
+
+ZELKinSolutionSeries ZELKinSolver::Solve(ZELKinProcedure* procedure) const
+{
+    const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure);
+    if (!layup)
+        return ZELKinSolutionSeries();
+    const QString line = QCoreApplication::translate("ZELKinSolver", "  Processing %1").arg(ToolPathNameOf(layup));
+    std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stdout);
+    std::fflush(stdout);
+    return ZELKinSolutionSeries();
 }

@@ -3,6 +3,7 @@
 
 #include "zelkinematics_export.h"
 #include "zelkinsolution.h"
+#include "zelkinsolutionseries.h"
 
 #include <zelmathaxis.h>
 #include <zelmathpoint.h>
@@ -13,6 +14,7 @@
 #include <memory>
 
 class ZELKinMachine;
+class ZELKinProcedure;
 class ZELKinSolverPrivate;
 
 /*!
@@ -77,6 +79,25 @@ public:
     void SetDebugPath(const QString& path);
     //! Folder for the summary diagnostics of path solving; empty by default.
     void SetSummaryPath(const QString& path);
+
+    /*!
+        Solves a whole roll layup procedure into one series of solutions,
+        one per position in path order. Any other procedure (a probe
+        procedure, a null one) gives an empty series and prints nothing.
+
+        For a roll layup procedure it first writes the progress line
+        "  Processing <name>" to standard output, <name> being the name of
+        the procedure's toolpath procedure (empty when it has none).
+
+        Current state: the path solving itself is not part of the library
+        yet, so a roll layup procedure also gives an empty series after its
+        progress line.
+
+        A derived solver that overrides the other Solve overloads hides this
+        one: call it through a ZELKinSolver reference or pointer, or bring
+        it in with a using-declaration. Throws nothing.
+    */
+    ZELKinSolutionSeries Solve(ZELKinProcedure* procedure) const;
 
 protected:
     //! Takes ownership of `d`, a derived solver's private object.

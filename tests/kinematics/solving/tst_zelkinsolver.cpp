@@ -1,7 +1,10 @@
 #include <zelkinsolver.h>
 #include <zelkinsolver_p.h>
 
+#include <zelkinprocedure_p.h>
 #include <zelkintestaccess.h>
+
+#include <zeltpprocedure.h>
 
 #include <zeltestsupport.h>
 
@@ -207,3 +210,94 @@ TEST_F(ZELKinSolverTest, OperationsCalledThroughTheBaseReachTheDerivedSolver)
     EXPECT_FALSE(solver.IsContiguous(At(0.0), At(5.0), ZELKinSolver::ContinuityFull));
     EXPECT_TRUE(ZELTest::SameDouble(5.0, solver.ComputeCost(At(0.0), At(5.0)), ZELTest::kExact));
 }
+
+TEST_F(ZELKinSolverTest, SolvingAProbeProcedureGivesAnEmptySeriesAndPrintsNothing)
+{
+    ZELKinProbeProcedure* probing = ZELKinTestAccess::CreateProbeProcedure(ZELKinTestAccess::CreateProgram(machine));
+    ZELKinTestAccess::CreatePosition(probing)->SetVariableValue(x, 250.0);
+    ZELKinTestAccess::CreateProbeCommand(probing, ZELKinProbeCommand::Sphere, 12.7);
+    TestSolver derived(machine);
+    const ZELKinSolver& solver = derived;
+
+    ::testing::internal::CaptureStdout();
+    const ZELKinSolutionSeries series = solver.Solve(probing);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+    EXPECT_TRUE(series.IsEmpty());
+    EXPECT_EQ(series.GetCount(), 0);
+}
+
+namespace {
+
+// A procedure of a kind that is not roll layup, apart from the library's own.
+class OtherProcedure : public ZELKinProcedure
+{
+    Q_OBJECT
+
+public:
+    explicit OtherProcedure(ZELKinProgram* program)
+        : ZELKinProcedure(new ZELKinProcedurePrivate(this), program)
+    {
+    }
+
+    int GetNumCommands() const override { return 0; }
+    ZELKinCommand* GetCommand(int) const override { return nullptr; }
+};
+
+// Solves `procedure` with a solver of `machine` and keeps what was printed.
+ZELKinSolutionSeries SolveCapturingOutput(ZELKinMachine* machine, ZELKinProcedure* procedure, std::string* output)
+{
+    const TestSolver derived(machine);
+    const ZELKinSolver& solver = derived;
+    ::testing::internal::CaptureStdout();
+    const ZELKinSolutionSeries series = solver.Solve(procedure);
+    *output = ::testing::internal::GetCapturedStdout();
+    return series;
+}
+
+} // namespace
+
+TEST_F(ZELKinSolverTest, SolvingAProcedureThatIsNotRollLayupGivesAnEmptySeriesAndPrintsNothing)
+{
+    auto* procedure = new OtherProcedure(ZELKinTestAccess::CreateProgram(machine));
+    procedure->SetToolPathProcedure(new ZELTPProcedure(&container, QStringLiteral("other")));
+    std::string output = "not run";
+    const ZELKinSolutionSeries series = SolveCapturingOutput(machine, procedure, &output);
+    EXPECT_EQ(output, "");
+    EXPECT_TRUE(series.IsEmpty());
+    EXPECT_EQ(series.GetCount(), 0);
+}
+
+TEST_F(ZELKinSolverTest, SolvingNoProcedureGivesAnEmptySeriesAndPrintsNothing)
+{
+    std::string output = "not run";
+    const ZELKinSolutionSeries series = SolveCapturingOutput(machine, nullptr, &output);
+    EXPECT_EQ(output, "");
+    EXPECT_TRUE(series.IsEmpty());
+}
+
+TEST_F(ZELKinSolverTest, SolvingARollLayupProcedurePrintsItsToolPathNameAndForNowGivesAnEmptySeries)
+{
+    ZELKinRollLayupProcedure* procedure =
+        ZELKinTestAccess::CreateRollLayupProcedure(ZELKinTestAccess::CreateProgram(machine), 2540.0, 1270.0);
+    procedure->SetToolPathProcedure(new ZELTPProcedure(&container, QStringLiteral("Lage 101 – Ø")));
+    ZELKinTestAccess::CreatePosition(ZELKinTestAccess::CreateCourseLink(procedure))->SetVariableValue(x, 10.0);
+    ZELKinTestAccess::CreateTowCourse(procedure, machine->GetMaximumMask());
+    ZELKinTestAccess::CreatePosition(ZELKinTestAccess::CreateCourseLink(procedure))->SetVariableValue(x, 20.0);
+    std::string output;
+    const ZELKinSolutionSeries series = SolveCapturingOutput(machine, procedure, &output);
+    EXPECT_EQ(QString::fromStdString(output), QStringLiteral("  Processing Lage 101 – Ø\n"));
+    EXPECT_TRUE(series.IsEmpty());
+    EXPECT_EQ(series.GetCount(), 0);
+}
+
+TEST_F(ZELKinSolverTest, SolvingARollLayupProcedureWithoutAToolPathProcedurePrintsAnEmptyName)
+{
+    ZELKinRollLayupProcedure* procedure =
+        ZELKinTestAccess::CreateRollLayupProcedure(ZELKinTestAccess::CreateProgram(machine), 2540.0, 1270.0);
+    std::string output;
+    const ZELKinSolutionSeries series = SolveCapturingOutput(machine, procedure, &output);
+    EXPECT_EQ(output, "  Processing \n");
+    EXPECT_TRUE(series.IsEmpty());
+}
+
+#include "tst_zelkinsolver.moc"

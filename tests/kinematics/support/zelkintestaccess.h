@@ -2,8 +2,19 @@
 #define ZELKINTESTACCESS_H
 
 #include <zelkinafpmachine.h>
+#include <zelkincourselink.h>
+#include <zelkinplydescription.h>
+#include <zelkinposition.h>
+#include <zelkinprobecommand.h>
+#include <zelkinprobeprocedure.h>
 #include <zelkinprogram.h>
+#include <zelkinrolllayupposition.h>
+#include <zelkinrolllayupprocedure.h>
 #include <zelkinrotaryjoint.h>
+#include <zelkintoolchange.h>
+#include <zelkintowcommand.h>
+#include <zelkintowcourse.h>
+#include <zelkintowfeedcommand.h>
 #include <zelkintranslationjoint.h>
 #include <zelkinvariable.h>
 
@@ -69,6 +80,72 @@ public:
     }
 
     static ZELKinProgram* CreateProgram(ZELKinMachine* machine) { return new ZELKinProgram(machine); }
+
+    static ZELKinProbeProcedure* CreateProbeProcedure(ZELKinProgram* program)
+    {
+        return new ZELKinProbeProcedure(program);
+    }
+
+    //! Appends a new position to the probe procedure.
+    static ZELKinPosition* CreatePosition(ZELKinProbeProcedure* procedure) { return new ZELKinPosition(procedure); }
+
+    //! Appends a new probe command to the probe procedure.
+    static ZELKinProbeCommand* CreateProbeCommand(ZELKinProbeProcedure* procedure,
+                                                  ZELKinProbeCommand::TargetShape shape, double diameter)
+    {
+        return new ZELKinProbeCommand(procedure, shape, diameter);
+    }
+
+    // Roll layup procedures, their links and courses and what they hold.
+
+    static ZELKinRollLayupProcedure* CreateRollLayupProcedure(ZELKinProgram* program, double addFeedrate,
+                                                              double cutFeedrate)
+    {
+        return new ZELKinRollLayupProcedure(program, addFeedrate, cutFeedrate);
+    }
+
+    static ZELKinCourseLink* CreateCourseLink(ZELKinRollLayupProcedure* procedure)
+    {
+        return new ZELKinCourseLink(procedure);
+    }
+
+    //! Inserts a new position into the link at `index` (-1 appends).
+    static ZELKinPosition* CreatePosition(ZELKinCourseLink* link, int index = -1)
+    {
+        return new ZELKinPosition(link, index);
+    }
+
+    //! Mind the order: roller first, then head.
+    static ZELKinToolChange* CreateToolChange(ZELKinCourseLink* link, const QString& newRoller,
+                                              const QString& newHead)
+    {
+        return new ZELKinToolChange(link, newRoller, newHead);
+    }
+
+    static ZELKinTowCourse* CreateTowCourse(ZELKinRollLayupProcedure* procedure, const ZELCompTowMask& mask)
+    {
+        return new ZELKinTowCourse(procedure, mask);
+    }
+
+    static ZELKinRollLayupPosition* CreateRollLayupPosition(ZELKinCourse* course)
+    {
+        return new ZELKinRollLayupPosition(course);
+    }
+
+    static ZELKinTowCommand* CreateTowCommand(ZELKinTowCourse* course, const ZELCompTowMask& mask,
+                                              ZELKinTowCommand::CommandType type, int index = -1)
+    {
+        return new ZELKinTowCommand(course, mask, type, index);
+    }
+
+    static ZELKinTowFeedCommand* CreateTowFeedCommand(ZELKinTowCourse* course, const QList<double>& rates,
+                                                      int index = -1)
+    {
+        return new ZELKinTowFeedCommand(course, rates, index);
+    }
+
+    //! The body that a ply description shares with its copies.
+    static const void* SharedBodyOf(const ZELKinPlyDescription& ply) { return ply.d_ptr.constData(); }
 };
 
 namespace ZELTest {

@@ -2,6 +2,9 @@
 #include "zelkintestprograms.h"
 #include "zelkintestrolllayup.h"
 
+#include <zelkinprobecommand.h>
+#include <zelkinprobeprocedure.h>
+
 #include <zelkinscript_p.h>
 
 #include <zeltpcourse.h>
@@ -546,6 +549,13 @@ struct WholeProgram : RollLayupFixture
         AddLink(QStringLiteral("transfer"), false);
         AddCourse(QStringLiteral("course 2"), 2);
         AddLink(QStringLiteral("retract"), false);
+
+        // A probing procedure after the layup, as a program measures the laid ply.
+        probe = ZELKinTestAccess::CreateProbeProcedure(program);
+        ZELKinPosition* touch = ZELKinTestAccess::CreatePosition(probe);
+        touch->SetVariableValue(x, 1234.5);
+        touch->SetFeedrate(800.0);
+        ZELKinTestAccess::CreateProbeCommand(probe, ZELKinProbeCommand::Sphere, 25.4);
     }
 
     ZELTPPoint* Point(double along)
@@ -607,6 +617,7 @@ struct WholeProgram : RollLayupFixture
     ZELKinVariable* x = nullptr;
     ZELKinVariable* u = nullptr;
     ZELKinVariable* c = nullptr;
+    ZELKinProbeProcedure* probe = nullptr;
     int step = 0;
 };
 
@@ -635,7 +646,7 @@ TEST(ZELKinRollLayupProcedure, WholeRollLayupProgramSurvivesSaveAndLoadExceptWha
     ASSERT_NE(program, nullptr);
     EXPECT_EQ(program->GetMachine(), machine);
     EXPECT_EQ(program->GetAuthor(), QStringLiteral("jdoe"));
-    ASSERT_EQ(program->GetNumProcedures(), 1);
+    ASSERT_EQ(program->GetNumProcedures(), 2);
     const auto* procedure = qobject_cast<const ZELKinRollLayupProcedure*>(program->GetProcedure(0));
     ASSERT_NE(procedure, nullptr);
 
@@ -753,6 +764,28 @@ TEST(ZELKinRollLayupProcedure, WholeRollLayupProgramSurvivesSaveAndLoadExceptWha
             ADD_FAILURE() << "unexpected command " << savedCommand->metaObject()->className();
         }
     }
+
+    // The probe procedure comes back linked to the program but without its
+    // command list, which is not part of its record; its commands still name it.
+    const auto* probe = qobject_cast<const ZELKinProbeProcedure*>(program->GetProcedure(1));
+    ASSERT_NE(probe, nullptr);
+    EXPECT_EQ(probe->GetProgram(), program);
+    EXPECT_EQ(probe->GetNumCommands(), 0);
+    const ZELKinProbeCommand* probeCommand = ZELTest::FirstOf<ZELKinProbeCommand>(target);
+    ASSERT_NE(probeCommand, nullptr);
+    EXPECT_EQ(probeCommand->GetScript(), probe);
+    EXPECT_EQ(probeCommand->GetTargetShape(), ZELKinProbeCommand::Sphere);
+    EXPECT_TRUE(ZELTest::SameDouble(25.4, probeCommand->GetDiameter(), ZELTest::kExact));
+    int probePositions = 0;
+    for (ZELGeoGeometry* geometry : target.GetGeometries()) {
+        const auto* touch = qobject_cast<const ZELKinPosition*>(geometry);
+        if (!touch || touch->GetScript() != probe)
+            continue;
+        ++probePositions;
+        EXPECT_TRUE(ZELTest::SameDouble(1234.5, touch->GetVariableValue(x), ZELTest::kExact));
+        EXPECT_TRUE(ZELTest::SameDouble(800.0, touch->GetFeedrate(), ZELTest::kExact));
+    }
+    EXPECT_EQ(probePositions, 1);
 }
 
 TEST(ZELKinRollLayupProcedure, WholeRollLayupProgramHoldsEveryKindOfCommandInLayingOrder)
@@ -767,5 +800,6 @@ TEST(ZELKinRollLayupProcedure, WholeRollLayupProgramHoldsEveryKindOfCommandInLay
                                   "ZELKinRollLayupPosition", "ZELKinTowCommand",        "ZELKinRollLayupPosition",
                                   "ZELKinPosition",          "ZELKinPosition",          "ZELKinTowFeedCommand",
                                   "ZELKinRollLayupPosition", "ZELKinTowCommand",        "ZELKinTowCommand",
-                                  "ZELKinRollLayupPosition", "ZELKinPosition",          "ZELKinPosition"}));
+                                  "ZELKinRollLayupPosition", "ZELKinPosition",          "ZELKinPosition",
+                                  "ZELKinPosition",          "ZELKinProbeCommand"}));
 }

@@ -1,7 +1,11 @@
 #include "zelkinmachine.h"
 #include "zelkinmachine_p.h"
 
+#include "zelkinrbrsolver.h"
+
 #include <zelsysoutofboundsexception.h>
+
+#include <memory>
 
 namespace {
 
@@ -126,8 +130,13 @@ QString ZELKinMachine::GetSolverConfig() const
 
 ZELKinSolver* ZELKinMachine::CreateSolver() const
 {
-    // No wrist solver is built into the library yet, so no name is known.
-    return nullptr;
+    Q_D(const ZELKinMachine);
+    if (d->solver != QLatin1String("RBR"))
+        return nullptr;
+    // The solver refers to its machine but never changes it.
+    auto solver = std::make_unique<ZELKinRBRSolver>(const_cast<ZELKinMachine*>(this));
+    solver->Configure(d->solverConfig);
+    return solver.release();
 }
 
 void ZELKinMachine::Save(ZELGeoStream& stream) const

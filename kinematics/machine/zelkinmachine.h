@@ -54,7 +54,10 @@ public:
 
     //! A new solver for this machine, configured with the solver
     //! configuration text and owned by the caller; null when the solver name
-    //! is not one this library provides.
+    //! is not one this library provides ("RBR", the roll-bend-roll wrist
+    //! solver, spelled exactly so). Throws what the solver's construction and
+    //! configuration throw, e.g. ZELSysException for a joint tree without a
+    //! roll-bend-roll wrist.
     ZELKinSolver* CreateSolver() const;
 
     void Save(ZELGeoStream& stream) const override;

@@ -1,6 +1,7 @@
 #include "zelkinsolver.h"
 #include "zelkinsolver_p.h"
 
+#include "zelkinpathsolving_p.h"
 #include "zelkinrolllayupprocedure.h"
 
 #include <zeltpprocedure.h>
@@ -20,6 +21,12 @@ QString ToolPathNameOf(const ZELKinProcedure* procedure)
 }
 
 } // namespace
+
+void ZELKinSolverPrivate::PrintLine(const QString& line)
+{
+    std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stdout);
+    std::fflush(stdout);
+}
 
 ZELKinSolver::ZELKinSolver(ZELKinSolverPrivate* d)
     : d_ptr(d)
@@ -53,11 +60,11 @@ void ZELKinSolver::SetSummaryPath(const QString& path)
 
 ZELKinSolutionSeries ZELKinSolver::Solve(ZELKinProcedure* procedure) const
 {
-    const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure);
+    Q_D(const ZELKinSolver);
+    auto* layup = qobject_cast<ZELKinRollLayupProcedure*>(procedure);
     if (!layup)
         return ZELKinSolutionSeries();
-    const QString line = QCoreApplication::translate("ZELKinSolver", "  Processing %1").arg(ToolPathNameOf(layup));
-    std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stdout);
-    std::fflush(stdout);
-    return ZELKinSolutionSeries();
+    const QString name = ToolPathNameOf(layup);
+    ZELKinSolverPrivate::PrintLine(QCoreApplication::translate("ZELKinSolver", "  Processing %1").arg(name));
+    return ZELKinPathSolving(*d, layup, name).Run();
 }

@@ -74,10 +74,22 @@ public:
 
     //! The machine solved for (not owned).
     ZELKinMachine* GetMachine() const;
-    //! Folder for the per-procedure diagnostic files of path solving; an
-    //! empty path (the default) writes none.
+    /*!
+        Folder for the diagnostic files of path solving; an empty path (the
+        default) writes none. Under it, Solve(procedure) writes one folder
+        per toolpath procedure name (left out when the name is empty), in it
+        one folder per course or course link that holds positions, named
+        "course <n>" or "link <n>" (n = index + 1), holding:
+        - "solutions.txt": the solver's candidates at each solved position;
+        - "seriesList.txt": the ids of the live series after each step;
+        - "series <id>.txt": the entries of each live series, rewritten
+          after each step, with "<aborted>" appended when the series dies.
+        Folders are made as needed and files overwritten. The formats are
+        described in docs/path-solving-diagnostics.md.
+    */
     void SetDebugPath(const QString& path);
-    //! Folder for the summary diagnostics of path solving; empty by default.
+    //! Folder for summary diagnostics; empty by default. Path solving
+    //! writes nothing there.
     void SetSummaryPath(const QString& path);
 
     /*!
@@ -87,15 +99,30 @@ public:
 
         For a roll layup procedure it first writes the progress line
         "  Processing <name>" to standard output, <name> being the name of
-        the procedure's toolpath procedure (empty when it has none).
+        the procedure's toolpath procedure (empty when it has none). It then
+        returns the cheapest continuous series: one solution per position,
+        in path order (link 0, course 0, link 1, ...), chosen among the
+        candidates of Solve(frame, false) at each course position and each
+        position of a link of full points detail, so that every move is
+        contiguous (IsContiguous) and the sum of ComputeCost along the
+        series is least; on equal costs the series met first wins. The
+        other positions (a free wrist, links of lower detail) get wrist
+        values blended by arc length between their neighbours through
+        Solve(frame, fraction, from, to), or keep the last solved ones at
+        the end of the procedure. The solutions are not applied to the
+        positions.
 
-        Current state: the path solving itself is not part of the library
-        yet, so a roll layup procedure also gives an empty series after its
-        progress line.
+        When some position cannot be chained, the line "    Kinematics
+        solving failed for course <n> at point <m>" ("course link <n>" for
+        a link; n = index + 1, m = the position's number within it, from
+        1) goes to standard output, the walk goes on, and the result is an
+        empty series. A procedure without positions also gives an empty
+        series.
 
         A derived solver that overrides the other Solve overloads hides this
         one: call it through a ZELKinSolver reference or pointer, or bring
-        it in with a using-declaration. Throws nothing.
+        it in with a using-declaration. Throws nothing of its own; what the
+        derived solver's operations throw passes through.
     */
     ZELKinSolutionSeries Solve(ZELKinProcedure* procedure) const;
 

@@ -18,6 +18,10 @@ public:
     }
     virtual ~ZELKinSolverPrivate() = default;
 
+    //! Writes `line` and a line end to standard output at once, so that
+    //! progress and failure lines keep their order with other output.
+    static void PrintLine(const QString& line);
+
     ZELKinSolver* const q_ptr;
     //! The machine solved for; not owned.
     ZELKinMachine* const machine;
@@ -25,8 +29,9 @@ public:
     QString debugPath;
     //! Folder of the summary diagnostics of path solving; none when empty.
     QString summaryPath;
-    //! Working state that procedure path solving keeps with the solver;
-    //! zero until path solving sets it.
+    //! Room for state that path solving might keep between procedures. It
+    //! keeps none today (each Solve(procedure) starts from scratch), so the
+    //! word stays zero.
     quint64 pathSolvingState = 0;
 };
 

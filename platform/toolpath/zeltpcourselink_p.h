@@ -13,6 +13,8 @@ public:
         : ZELTPObjectPrivate(q)
     {
     }
+
+    ZELTPCourseLink::PointsDetail pointsDetail = ZELTPCourseLink::PointsDetailFull;
 };
 
 #endif // ZELTPCOURSELINK_P_H

@@ -1,8 +1,12 @@
 #include <zelkintestaccess.h>
 
+#include <zelkinrbrsolver.h>
+
 #include <zelsysoutofboundsexception.h>
 
 #include <zeltestsupport.h>
+
+#include <memory>
 
 TEST(ZELKinMachine, WithoutJointsHasNoRootJoints)
 {
@@ -81,6 +85,31 @@ TEST(ZELKinMachine, FindsTheFirstVariableByExactName)
     EXPECT_EQ(machine->GetVariable(QString()), nullptr);
 }
 
+namespace {
+
+constexpr double kHalfPi = 1.57079632679489661923;
+
+// Gives the machine made by ZELKinTestAccess::CreateMachine a gantry X, Y, Z
+// carrying a wrist C (about Z), A (about Y), C1 (about Z), all pivots at the
+// origin; the machine's solver configuration only sets the tip point, so the
+// default zero directions suit these axes.
+void AddGantryWithWrist(ZELKinMachine* machine)
+{
+    ZELKinJoint* parent = nullptr;
+    for (const char* axis : {"X", "Y", "Z"}) {
+        ZELKinVariable* variable = ZELKinTestAccess::CreateVariable(machine, QString::fromLatin1(axis));
+        parent = ZELKinTestAccess::CreateTranslationJoint(QString::fromLatin1(axis), machine, variable, parent);
+    }
+    const ZELMathVector axes[] = {ZELMathVector(0, 0, 1), ZELMathVector(0, 1, 0), ZELMathVector(0, 0, 1)};
+    const char* names[] = {"C", "A", "C1"};
+    for (int i = 0; i < 3; ++i) {
+        ZELKinVariable* variable = ZELKinTestAccess::CreateVariable(machine, QString::fromLatin1(names[i]),
+                                                                    ZELKinVariable::Rotary, -3.5, 3.5);
+        parent = ZELKinTestAccess::CreateRotaryJoint(QString::fromLatin1(names[i]), machine, variable, parent,
+                                                     axes[i]);
+    }
+}
+
 struct SolverNameCase
 {
     const char* name;
@@ -88,23 +117,58 @@ struct SolverNameCase
 };
 ZELTEST_PRINT_CASE_BY_NAME(SolverNameCase);
 
-class ZELKinMachineSolverName : public ::testing::TestWithParam<SolverNameCase>
+class ZELKinMachineUnknownSolverName : public ::testing::TestWithParam<SolverNameCase>
 {
 };
 
-TEST_P(ZELKinMachineSolverName, CreatesNoSolverWhileTheLibraryHasNone)
+} // namespace
+
+TEST_P(ZELKinMachineUnknownSolverName, CreatesNoSolver)
 {
     ZELGeoContainer container;
-    const ZELKinAFPMachine* machine =
+    ZELKinAFPMachine* machine =
         ZELKinTestAccess::CreateMachine(&container, ZELKinTestAccess::Head(), GetParam().solverName);
+    AddGantryWithWrist(machine);
     EXPECT_EQ(machine->GetSolverName(), GetParam().solverName);
     EXPECT_EQ(machine->CreateSolver(), nullptr);
 }
 
-INSTANTIATE_TEST_SUITE_P(Names, ZELKinMachineSolverName,
-                         ::testing::Values(SolverNameCase{"UpperCase", QStringLiteral("RBR")},
-                                           SolverNameCase{"LowerCase", QStringLiteral("rbr")},
-                                           SolverNameCase{"Empty", QString()}));
+INSTANTIATE_TEST_SUITE_P(Names, ZELKinMachineUnknownSolverName,
+                         ::testing::Values(SolverNameCase{"LowerCase", QStringLiteral("rbr")},
+                                           SolverNameCase{"MixedCase", QStringLiteral("Rbr")},
+                                           SolverNameCase{"Blanks", QStringLiteral(" RBR")},
+                                           SolverNameCase{"Other", QStringLiteral("RRR")},
+                                           SolverNameCase{"Empty", QString()}),
+                         [](const ::testing::TestParamInfo<SolverNameCase>& info) { return std::string(info.param.name); });
+
+TEST(ZELKinMachine, CreatesARollBendRollSolverConfiguredWithTheSolverText)
+{
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    AddGantryWithWrist(machine);
+    const std::unique_ptr<ZELKinSolver> solver(machine->CreateSolver());
+    ASSERT_NE(dynamic_cast<ZELKinRBRSolver*>(solver.get()), nullptr);
+    EXPECT_EQ(solver->GetMachine(), machine);
+
+    // Bending A a quarter turn about Y swings the tip point (0, 0, -330) of
+    // the configuration text to (-330, 0, 0), once Configure has built the
+    // joint frames.
+    ZELKinSolution solution;
+    for (const char* name : {"X", "Y", "Z", "C", "C1"})
+        solution.SetVariableValue(machine->GetVariable(QString::fromLatin1(name)), 0.0);
+    solution.SetVariableValue(machine->GetVariable(QStringLiteral("A")), kHalfPi);
+    const ZELMathPoint tip = solver->GetTipPoint(solution);
+    EXPECT_TRUE(ZELTest::SameDouble(-330.0, tip.GetX(), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(0.0, tip.GetY(), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(330.0, tip.GetZ(), ZELTest::kTight));
+}
+
+TEST(ZELKinMachine, CreatingTheRollBendRollSolverWithoutAWristThrows)
+{
+    ZELGeoContainer container;
+    const ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    EXPECT_THROW_MESSAGE(machine->CreateSolver(), ZELSysException, "not a rotary joint");
+}
 
 TEST(ZELKinMachine, KeepsItsSolverAndNCSettings)
 {

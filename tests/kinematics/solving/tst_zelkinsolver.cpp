@@ -4,6 +4,7 @@
 #include <zelkinprocedure_p.h>
 #include <zelkintestaccess.h>
 
+#include <zeltppoint.h>
 #include <zeltpprocedure.h>
 
 #include <zeltestsupport.h>
@@ -275,19 +276,24 @@ TEST_F(ZELKinSolverTest, SolvingNoProcedureGivesAnEmptySeriesAndPrintsNothing)
     EXPECT_TRUE(series.IsEmpty());
 }
 
-TEST_F(ZELKinSolverTest, SolvingARollLayupProcedurePrintsItsToolPathNameAndForNowGivesAnEmptySeries)
+// The chaining itself is tested in tst_zelkinpathsolving.cpp; here the base
+// hands a roll layup procedure to it after the progress line.
+TEST_F(ZELKinSolverTest, SolvingARollLayupProcedurePrintsItsToolPathNameAndGivesASolutionPerPosition)
 {
     ZELKinRollLayupProcedure* procedure =
         ZELKinTestAccess::CreateRollLayupProcedure(ZELKinTestAccess::CreateProgram(machine), 2540.0, 1270.0);
     procedure->SetToolPathProcedure(new ZELTPProcedure(&container, QStringLiteral("Lage 101 – Ø")));
-    ZELKinTestAccess::CreatePosition(ZELKinTestAccess::CreateCourseLink(procedure))->SetVariableValue(x, 10.0);
+    ZELKinPosition* first = ZELKinTestAccess::CreatePosition(ZELKinTestAccess::CreateCourseLink(procedure));
     ZELKinTestAccess::CreateTowCourse(procedure, machine->GetMaximumMask());
-    ZELKinTestAccess::CreatePosition(ZELKinTestAccess::CreateCourseLink(procedure))->SetVariableValue(x, 20.0);
+    ZELKinPosition* second = ZELKinTestAccess::CreatePosition(ZELKinTestAccess::CreateCourseLink(procedure));
+    second->SetToolPathPoint(new ZELTPPoint(&container, ZELMathAxis(ZELMathPoint(0.5, 0.0, 0.0), ZELMathVector(1, 0, 0),
+                                                                    ZELMathVector(0, 1, 0), ZELMathVector(0, 0, 1))));
     std::string output;
     const ZELKinSolutionSeries series = SolveCapturingOutput(machine, procedure, &output);
     EXPECT_EQ(QString::fromStdString(output), QStringLiteral("  Processing Lage 101 – Ø\n"));
-    EXPECT_TRUE(series.IsEmpty());
-    EXPECT_EQ(series.GetCount(), 0);
+    EXPECT_EQ(series.GetCommands(), (QList<ZELKinCommand*>{first, second}));
+    EXPECT_TRUE(series.GetSolution(0) == At(0.0));
+    EXPECT_TRUE(series.GetSolution(1) == At(0.5));
 }
 
 TEST_F(ZELKinSolverTest, SolvingARollLayupProcedureWithoutAToolPathProcedurePrintsAnEmptyName)

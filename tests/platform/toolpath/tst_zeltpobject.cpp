@@ -56,7 +56,26 @@ TYPED_TEST(ZELTPObjectName, IsReplacedBySetNameWhichMarksTheContainerModified)
     EXPECT_TRUE(container.IsModified());
 }
 
-TYPED_TEST(ZELTPObjectName, IsTheWholeRecord)
+TYPED_TEST(ZELTPObjectName, OpensTheRecord)
+{
+    const TypeParam object(nullptr, QStringLiteral("Lage 1"));
+    ZELGeoStream record(object.GetCurrentState(), nullptr);
+    QString name;
+    record >> name;
+    EXPECT_EQ(name, QStringLiteral("Lage 1"));
+}
+
+// Procedures and courses keep nothing but their name; a course link's own
+// fields follow it (tst_zeltpcourselink.cpp).
+template <typename T>
+class ZELTPObjectNameOnly : public ::testing::Test
+{
+};
+
+using NameOnlyClasses = ::testing::Types<ZELTPProcedure, ZELTPCourse>;
+TYPED_TEST_SUITE(ZELTPObjectNameOnly, NameOnlyClasses, ClassName);
+
+TYPED_TEST(ZELTPObjectNameOnly, IsTheWholeRecord)
 {
     const TypeParam object(nullptr, QStringLiteral("Lage 1"));
     ZELGeoStream record(object.GetCurrentState(), nullptr);

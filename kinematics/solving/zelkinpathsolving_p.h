@@ -1,0 +1,142 @@
+#ifndef ZELKINPATHSOLVING_P_H
+#define ZELKINPATHSOLVING_P_H
+
+#include "zelkinpathsolvingdiagnostics_p.h"
+#include "zelkinsolutionseries.h"
+#include "zelkinsolver.h"
+
+#include <zelmathaxis.h>
+#include <zelmathpoint.h>
+
+#include <QList>
+
+#include <vector>
+
+class ZELKinPosition;
+class ZELKinRollLayupProcedure;
+class ZELKinScript;
+class ZELKinSolverPrivate;
+
+/*!
+    Solves one roll layup procedure into one continuous series of solutions,
+    one per position in path order, for ZELKinSolver::Solve(procedure). It
+    asks the solver only through its abstract operations.
+
+    The positions are walked link 0, course 0, link 1, ... Each course
+    position, and each position of a link whose toolpath link asks for full
+    points detail, is solved at the tool frame of its toolpath point: every
+    candidate that the solver gives either starts a new series (while there
+    is none) or extends a copy of the live series it continues most cheaply.
+    Of equally cheap predecessors the first live series wins, and of equally
+    cheap series at the end the first one. The live series form the beam;
+    a candidate that continues none of them is dropped.
+
+    Positions whose wrist is free (the solver gives one infinite solution)
+    and the positions of links of lower detail wait, and get the wrist
+    values blended by arc length between the solutions before and after
+    them once the next position is chained; those at the very end keep the
+    last solved wrist values, those at the start the first ones.
+
+    How strictly a step keeps the wrist continuous:
+    - with positions waiting: the first roll when one of them lies on a
+      link of medium detail, else not at all;
+    - else ContinuityFull, but a course that follows a script without
+      positions (an empty link, or nothing at the start of the procedure)
+      starts afresh: its first step without positions waiting takes what
+      the last link asks for (full detail: ContinuityFull, medium:
+      ContinuityFirstRoll, low or any other value: ContinuityNone, and
+      ContinuityNone before any link). A link with positions cancels a
+      fresh start that has not been used yet.
+
+    A position that no candidate can chain does not end the walk: the line
+    "    Kinematics solving failed for course <n> at point <m>" (or "course
+    link <n>") goes to standard output, n being the script's index + 1 and
+    m the position's number within its script from 1, the beam starts
+    afresh at the next solved position, and the procedure's result is an
+    empty series.
+
+    Choices where the procedure's data leaves it open: a position without a
+    toolpath point is solved at the world frame, and a link without a
+    toolpath link counts as one of full points detail.
+
+    Cost: each step costs the number of candidates times the number of live
+    series, plus one append per waiting position; series share their
+    history, so the whole walk is linear in the number of positions.
+    Diagnostics (ZELKinPathSolvingDiagnostics) are written only under a
+    debug path and cost nothing without one.
+*/
+class ZELKinPathSolving
+{
+public:
+    //! Solves `procedure` (not null) with the solver of `solver`;
+    //! `procedureName` names the procedure's diagnostics folder.
+    ZELKinPathSolving(const ZELKinSolverPrivate& solver, ZELKinRollLayupProcedure* procedure,
+                      const QString& procedureName);
+
+    //! The cheapest continuous series; empty when a position could not be
+    //! chained or the procedure has no position. Call it once. Throws
+    //! nothing of its own; what the solver's operations throw passes
+    //! through.
+    ZELKinSolutionSeries Run();
+
+private:
+    //! A position whose solution is still open, with the path length (mm)
+    //! from the last chained position to it.
+    struct WaitingPosition
+    {
+        ZELKinPosition* position;
+        ZELMathAxis frame;
+        double arcLength;
+    };
+
+    //! The script being walked and what its points detail asks for.
+    struct Script
+    {
+        bool isLink = false;
+        int index = 0;
+        //! Its positions are solved, not interpolated.
+        bool solved = true;
+        //! Its positions keep only the first roll continuous.
+        bool firstRollOnly = false;
+        ZELKinSolver::Continuity continuity = ZELKinSolver::ContinuityNone;
+    };
+
+    static Script Describe(ZELKinScript* script);
+    static ZELMathAxis FrameOf(const ZELKinPosition* position);
+
+    void EnterScript(ZELKinScript* script);
+    void TakePosition(ZELKinPosition* position);
+    void Wait(ZELKinPosition* position, const ZELMathAxis& frame);
+    void Chain(ZELKinPosition* position, const ZELMathAxis& frame, const QList<ZELKinSolution>& candidates);
+    ZELKinSolver::Continuity ContinuityOfStep();
+    QList<ZELKinSolutionSeries> StartSeries(ZELKinPosition* position,
+                                            const QList<ZELKinSolution>& candidates) const;
+    QList<ZELKinSolutionSeries> ExtendSeries(ZELKinPosition* position, const ZELMathAxis& frame,
+                                             const QList<ZELKinSolution>& candidates,
+                                             ZELKinSolver::Continuity continuity) const;
+    void ReportFailure() const;
+    ZELKinSolutionSeries Finish();
+    static int Cheapest(const QList<ZELKinSolutionSeries>& series);
+
+    const ZELKinSolver& solver;
+    ZELKinRollLayupProcedure* const procedure;
+    ZELKinPathSolvingDiagnostics diagnostics;
+
+    QList<ZELKinSolutionSeries> live;
+    std::vector<WaitingPosition> waiting;
+    //! Some waiting position lies on a link of medium detail.
+    bool waitingOnFirstRollLink = false;
+    //! What the last link asks for, used by a fresh start.
+    ZELKinSolver::Continuity scriptContinuity = ZELKinSolver::ContinuityNone;
+    bool freshStart = false;
+    Script current;
+    //! The current position's number within its script, from 1.
+    int pointNumber = 0;
+    bool failed = false;
+    //! The frame origin of the last position taken, and the path length
+    //! (mm) from the last chained position to it.
+    ZELMathPoint pathEnd;
+    double pathLength = 0.0;
+};
+
+#endif // ZELKINPATHSOLVING_P_H

@@ -1,0 +1,436 @@
+#include "zelkinrbrsolver.h"
+#include "zelkinrbrsolver_p.h"
+
+#include "zelkinafpmachine.h"
+#include "zelkinrotaryjoint.h"
+#include "zelkinvariable.h"
+
+#include <zelmathplane.h>
+#include <zelmathvector2d.h>
+#include <zelsysexception.h>
+
+#include <QStringList>
+#include <QtDebug>
+
+#include <cmath>
+#include <limits>
+#include <tuple>
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kRadiansPerDegree = 0.017453292519943295;
+// Real wrist axes travel a turn or two either way; capping every candidate
+// loop at a few turns covers them and keeps infinite or huge limits from
+// listing candidates without end.
+constexpr int kMaxStepsEachWay = 8;
+// A joint frame turns about its third direction w, which is the frame's axis
+// number 1 and the normal of its plane number 1.
+constexpr int kRotationAxis = 1;
+
+bool IsFinite(const ZELMathVector& vector)
+{
+    return std::isfinite(vector.GetX()) && std::isfinite(vector.GetY()) && std::isfinite(vector.GetZ());
+}
+
+bool IsFinite(const ZELMathAxis& frame)
+{
+    return IsFinite(frame.GetOrigin() - ZELMathPoint()) && IsFinite(frame.GetUDirection())
+        && IsFinite(frame.GetVDirection()) && IsFinite(frame.GetWDirection());
+}
+
+// The signed angle from `zero` to `direction` seen in the plane across the
+// rotation axis of `joint`. A direction along the axis has no angle there: it
+// gives 0, and `projected` (when asked for) says false.
+double AngleAbout(const ZELMathAxis& joint, const ZELMathVector& direction, const ZELMathVector2D& zero,
+                  bool* projected = nullptr)
+{
+    ZELMathVector2D inPlane;
+    const int status = ZELMathAxis::GetPlane(joint, kRotationAxis).Project(direction, inPlane);
+    if (projected)
+        *projected = status == ZELMathPlane::kProjected;
+    return zero.GetAngleTo(inPlane);
+}
+
+// Turns `joint` about its rotation axis and carries along what is mounted on
+// it (frames and points in world coordinates), so that child joints and the
+// tool tip follow their parent.
+template <typename... Mounted>
+void Turn(ZELMathAxis& joint, double angle, Mounted&... mounted)
+{
+    const auto local = std::make_tuple((mounted / joint)...);
+    ZELMathAxis::Tilt(joint, kRotationAxis, angle);
+    std::apply([&](const auto&... each) { ((mounted = joint * each), ...); }, local);
+}
+
+// A NaN limit is no limit on its side, as is an infinite one.
+double MinimumOf(const ZELKinVariable* variable)
+{
+    const double minimum = variable->GetMinimum();
+    return std::isnan(minimum) ? -std::numeric_limits<double>::infinity() : minimum;
+}
+
+double MaximumOf(const ZELKinVariable* variable)
+{
+    const double maximum = variable->GetMaximum();
+    return std::isnan(maximum) ? std::numeric_limits<double>::infinity() : maximum;
+}
+
+// An angle known modulo half a turn, moved by half turns into the range
+// where the range allows it.
+double IntoRange(double angle, const ZELKinVariable* variable)
+{
+    for (int step = 0; step < kMaxStepsEachWay && angle < MinimumOf(variable); ++step)
+        angle += kPi;
+    for (int step = 0; step < kMaxStepsEachWay && angle > MaximumOf(variable); ++step)
+        angle -= kPi;
+    return angle;
+}
+
+// The angles `step` apart from `angle`: first those below it while above the
+// minimum, then those above it while below the maximum.
+QList<double> TurnsFrom(double angle, double step, const ZELKinVariable* variable)
+{
+    QList<double> angles;
+    for (int k = 1; k <= kMaxStepsEachWay && angle - k * step > MinimumOf(variable); ++k)
+        angles.append(angle - k * step);
+    for (int k = 1; k <= kMaxStepsEachWay && angle + k * step < MaximumOf(variable); ++k)
+        angles.append(angle + k * step);
+    return angles;
+}
+
+QList<double> FirstRollCandidates(double theta, const ZELKinVariable* variable)
+{
+    // Half a turn of the first roll brings the bend plane back onto the
+    // normal, which another bend may then reach.
+    return QList<double>{theta} + TurnsFrom(theta, kPi, variable);
+}
+
+QList<double> SecondRollCandidates(double angle, const ZELKinVariable* variable)
+{
+    QList<double> angles;
+    if (angle > MinimumOf(variable) && angle < MaximumOf(variable))
+        angles.append(angle);
+    return angles + TurnsFrom(angle, 2.0 * kPi, variable);
+}
+
+bool IsOutside(double angle, const ZELKinVariable* variable)
+{
+    return angle < MinimumOf(variable) || angle > MaximumOf(variable);
+}
+
+// The only child of `joint`, which must be rotary; throws `countMessage` when
+// there is not exactly one child and `typeMessage` when it is not rotary.
+ZELKinRotaryJoint* OnlyRotaryChild(const ZELKinJoint* joint, const QString& countMessage,
+                                   const QString& typeMessage)
+{
+    const QList<ZELKinJoint*> children = joint->GetChildJoints();
+    if (children.size() != 1)
+        throw ZELSysException(countMessage);
+    auto* child = qobject_cast<ZELKinRotaryJoint*>(children.first());
+    if (!child)
+        throw ZELSysException(typeMessage);
+    return child;
+}
+
+// The frame of a rotary joint: origin at the pivot, w along the rotation
+// axis, u along the zero direction made perpendicular to it.
+ZELMathAxis JointFrame(const ZELKinRotaryJoint* joint, const ZELMathVector& reference)
+{
+    // The wrist walk keeps rotary joints only, so a joint that is not there
+    // is the one that fails here.
+    if (!joint)
+        throw ZELSysException(ZELKinRBRSolver::tr("not a rotary joint"));
+    const ZELMathVector w = joint->GetVector();
+    const ZELMathVector v = w.Cross(reference);
+    ZELMathAxis frame;
+    frame.SetOrigin(joint->GetPivot());
+    frame.SetDirections(v.Cross(w), v, w);
+    return frame;
+}
+
+ZELMathVector ReadVector(const QString& value)
+{
+    const QStringList coordinates = value.split(QLatin1Char(','));
+    if (coordinates.size() != 3)
+        qFatal("%s", qPrintable(ZELKinRBRSolver::tr("Variable not 3 coordinates separated by ','")));
+    return ZELMathVector(coordinates.at(0).simplified().toDouble(), coordinates.at(1).simplified().toDouble(),
+                         coordinates.at(2).simplified().toDouble());
+}
+
+ZELKinVariable* DrivingVariable(const ZELKinRotaryJoint* joint)
+{
+    return joint ? joint->GetVariable(0) : nullptr;
+}
+
+} // namespace
+
+ZELKinVariable* ZELKinRBRSolverPrivate::FirstRollVariable() const
+{
+    return DrivingVariable(firstRoll);
+}
+
+ZELKinVariable* ZELKinRBRSolverPrivate::BendVariable() const
+{
+    return DrivingVariable(bend);
+}
+
+ZELKinVariable* ZELKinRBRSolverPrivate::SecondRollVariable() const
+{
+    return DrivingVariable(secondRoll);
+}
+
+void ZELKinRBRSolverPrivate::FindWrist()
+{
+    if (!machine)
+        return;
+    for (const ZELKinJoint* root : machine->GetRootJoints()) {
+        for (const ZELKinJoint* second : root->GetChildJoints()) {
+            if (!second)
+                continue;
+            for (const ZELKinJoint* carrier : second->GetChildJoints()) {
+                if (!carrier)
+                    continue;
+                firstRoll = OnlyRotaryChild(carrier, ZELKinRBRSolver::tr("there must only be one first roll joint"),
+                                            ZELKinRBRSolver::tr("first roll joint is not rotary"));
+                bend = OnlyRotaryChild(firstRoll, ZELKinRBRSolver::tr("there must be only one bend joint"),
+                                       ZELKinRBRSolver::tr("the bend joint is not rotary"));
+                secondRoll = OnlyRotaryChild(bend, ZELKinRBRSolver::tr("there must only be one second roll joint"),
+                                             ZELKinRBRSolver::tr("the second roll joint is not rotary"));
+            }
+        }
+    }
+}
+
+void ZELKinRBRSolverPrivate::FindCarrier()
+{
+    if (!machine)
+        return;
+    for (ZELKinVariable* variable : machine->GetVariables()) {
+        if (!variable)
+            continue;
+        const QString label = variable->GetLabel();
+        if (label == QLatin1String("X"))
+            x = variable;
+        else if (label == QLatin1String("Y"))
+            y = variable;
+        else if (label == QLatin1String("Z"))
+            z = variable;
+    }
+    if (const auto* afpMachine = qobject_cast<const ZELKinAFPMachine*>(machine))
+        rollerRadius = afpMachine->GetRollerRadius();
+}
+
+void ZELKinRBRSolverPrivate::ReadItem(const QString& item)
+{
+    const QStringList parts = item.split(QLatin1Char(':'));
+    const QString key = parts.at(0).simplified();
+    const QString value = parts.value(1).simplified();
+    if (key == QLatin1String("normal-tolerance"))
+        normalTolerance = value.toDouble() * kRadiansPerDegree;
+    else if (key == QLatin1String("first-roll-reference"))
+        firstRollReference = ReadVector(value);
+    else if (key == QLatin1String("second-roll-reference"))
+        secondRollReference = ReadVector(value);
+    else if (key == QLatin1String("bend-reference"))
+        bendReference = ReadVector(value);
+    else if (key == QLatin1String("tip-point"))
+        tipPoint = ZELMathPoint() + ReadVector(value);
+    else
+        qWarning().noquote().nospace() << ZELKinRBRSolver::tr("Unknown solver variable: ") << key;
+}
+
+void ZELKinRBRSolverPrivate::BuildFrames()
+{
+    firstRollFrame = JointFrame(firstRoll, firstRollReference);
+    bendFrame = JointFrame(bend, bendReference);
+    secondRollFrame = JointFrame(secondRoll, secondRollReference);
+}
+
+ZELMathVector ZELKinRBRSolverPrivate::TipOffset(const ZELKinSolution& solution) const
+{
+    ZELKinVariable* const wrist[] = {FirstRollVariable(), BendVariable(), SecondRollVariable()};
+    for (ZELKinVariable* variable : {wrist[0], wrist[1], wrist[2], x, y, z}) {
+        if (!solution.IsDefined(variable))
+            qFatal("%s", qPrintable(ZELKinRBRSolver::tr("Solution is not complete.")));
+    }
+    ZELMathAxis first = firstRollFrame;
+    ZELMathAxis middle = bendFrame;
+    ZELMathAxis second = secondRollFrame;
+    ZELMathPoint tip = tipPoint;
+    Turn(first, solution.GetVariableValue(wrist[0]), middle, second, tip);
+    Turn(middle, solution.GetVariableValue(wrist[1]), second, tip);
+    Turn(second, solution.GetVariableValue(wrist[2]), tip);
+    return tip - tipPoint;
+}
+
+ZELMathPoint ZELKinRBRSolverPrivate::RollerCentre(const ZELMathAxis& frame) const
+{
+    return frame.GetOrigin() + rollerRadius * frame.GetWDirection();
+}
+
+ZELMathPoint ZELKinRBRSolverPrivate::LinearPoint(const ZELKinSolution& solution) const
+{
+    return ZELMathPoint(solution.GetVariableValue(x), solution.GetVariableValue(y), solution.GetVariableValue(z));
+}
+
+ZELKinSolution ZELKinRBRSolverPrivate::WithLinear(ZELKinSolution solution, const ZELMathPoint& point) const
+{
+    solution.SetVariableValue(x, point.GetX());
+    solution.SetVariableValue(y, point.GetY());
+    solution.SetVariableValue(z, point.GetZ());
+    return solution;
+}
+
+ZELKinSolution ZELKinRBRSolverPrivate::WristSolution(double firstRollValue, double bendValue,
+                                                     double secondRollValue, const ZELMathPoint& point) const
+{
+    ZELKinSolution solution;
+    solution.SetVariableValue(FirstRollVariable(), firstRollValue);
+    solution.SetVariableValue(BendVariable(), bendValue);
+    solution.SetVariableValue(SecondRollVariable(), secondRollValue);
+    solution.SetTraori(true);
+    return WithLinear(solution, point);
+}
+
+ZELKinRBRSolver::ZELKinRBRSolver(ZELKinMachine* machine)
+    : ZELKinRBRSolver(new ZELKinRBRSolverPrivate(this, machine))
+{
+}
+
+ZELKinRBRSolver::ZELKinRBRSolver(ZELKinRBRSolverPrivate* d)
+    : ZELKinSolver(d)
+{
+    d->FindWrist();
+    d->FindCarrier();
+}
+
+ZELKinRBRSolver::~ZELKinRBRSolver() = default;
+
+void ZELKinRBRSolver::Configure(const QString& config)
+{
+    Q_D(ZELKinRBRSolver);
+    // Empty items are read too: each logs the unknown-key warning.
+    for (const QString& item : config.split(QLatin1Char(';')))
+        d->ReadItem(item);
+    d->BuildFrames();
+}
+
+ZELKinSolution ZELKinRBRSolver::Solve(const ZELMathAxis& frame, double fraction, const ZELKinSolution& from,
+                                      const ZELKinSolution& to) const
+{
+    Q_D(const ZELKinRBRSolver);
+    if (from.IsInfinite())
+        return to.IsInfinite() ? ZELKinSolution() : d->WithLinear(to, frame.GetOrigin());
+    if (to.IsInfinite())
+        return d->WithLinear(from, frame.GetOrigin());
+    const auto blend = [&](ZELKinVariable* variable) {
+        return to.GetVariableValue(variable) * fraction + from.GetVariableValue(variable) * (1.0 - fraction);
+    };
+    return d->WristSolution(blend(d->FirstRollVariable()), blend(d->BendVariable()),
+                            blend(d->SecondRollVariable()), d->RollerCentre(frame));
+}
+
+QList<ZELKinSolution> ZELKinRBRSolver::Solve(const ZELMathAxis& frame, bool traori) const
+{
+    Q_D(const ZELKinRBRSolver);
+    if (!d->firstRoll || !d->bend || !d->secondRoll || !IsFinite(frame))
+        return {};
+    const ZELMathVector normal = frame.GetWDirection();
+    const ZELMathVector travel = frame.GetUDirection();
+    const ZELMathVector2D firstRollZero(0.0, 1.0);
+    const ZELMathVector2D wristZero(1.0, 0.0);
+    const ZELKinVariable* firstRollVariable = d->FirstRollVariable();
+    const ZELKinVariable* bendVariable = d->BendVariable();
+    const ZELKinVariable* secondRollVariable = d->SecondRollVariable();
+
+    // The first roll turns the bend axis across the normal; along the first
+    // roll axis any turn does, and the direction of travel decides it.
+    double theta = 0.0;
+    bool bringIntoRange = true;
+    if (normal.GetAngleTo(d->firstRoll->GetVector()) < d->normalTolerance) {
+        if (!traori)
+            return {ZELKinSolution()};
+        theta = AngleAbout(d->firstRollFrame, travel, firstRollZero, &bringIntoRange);
+    } else {
+        theta = AngleAbout(d->firstRollFrame, normal, firstRollZero);
+    }
+    if (std::isnan(theta))
+        return {};
+    if (bringIntoRange)
+        theta = IntoRange(theta, firstRollVariable);
+
+    const ZELMathPoint rollerCentre = d->RollerCentre(frame);
+    QList<ZELKinSolution> solutions;
+    for (const double firstRoll : FirstRollCandidates(theta, firstRollVariable)) {
+        ZELMathAxis firstRollFrame = d->firstRollFrame;
+        ZELMathAxis bendFrame = d->bendFrame;
+        ZELMathAxis secondRollFrame = d->secondRollFrame;
+        Turn(firstRollFrame, firstRoll, bendFrame, secondRollFrame);
+
+        double bend = AngleAbout(bendFrame, -normal, wristZero);
+        if (std::isnan(bend) || IsOutside(bend, bendVariable))
+            continue;
+        if (std::abs(bend) < d->normalTolerance)
+            bend = 0.0;
+        Turn(bendFrame, bend, secondRollFrame);
+
+        const double secondRoll = AngleAbout(secondRollFrame, travel, wristZero);
+        if (std::isnan(secondRoll))
+            continue;
+        for (const double candidate : SecondRollCandidates(secondRoll, secondRollVariable))
+            solutions.append(d->WristSolution(firstRoll, bend, candidate, rollerCentre));
+    }
+    return solutions;
+}
+
+ZELKinSolution ZELKinRBRSolver::FromTraori(const ZELKinSolution& solution) const
+{
+    Q_D(const ZELKinRBRSolver);
+    return d->WithLinear(solution, d->LinearPoint(solution) - d->TipOffset(solution));
+}
+
+ZELKinSolution ZELKinRBRSolver::ToTraori(const ZELKinSolution& solution) const
+{
+    Q_D(const ZELKinRBRSolver);
+    return d->WithLinear(solution, d->LinearPoint(solution) + d->TipOffset(solution));
+}
+
+ZELMathPoint ZELKinRBRSolver::GetTipPoint(const ZELKinSolution& solution) const
+{
+    Q_D(const ZELKinRBRSolver);
+    return d->LinearPoint(solution.IsTraori() ? solution : ToTraori(solution));
+}
+
+bool ZELKinRBRSolver::IsContiguous(const ZELKinSolution& a, const ZELKinSolution& b, Continuity mode) const
+{
+    Q_D(const ZELKinRBRSolver);
+    const double firstRollChange =
+        a.GetVariableValue(d->FirstRollVariable()) - b.GetVariableValue(d->FirstRollVariable());
+    const double secondRollChange =
+        a.GetVariableValue(d->SecondRollVariable()) - b.GetVariableValue(d->SecondRollVariable());
+    if (mode == ContinuityFull) {
+        const bool bendKeepsItsSide =
+            (a.GetVariableValue(d->BendVariable()) < 0.0) == (b.GetVariableValue(d->BendVariable()) < 0.0);
+        // While the bend keeps its side, turning both rolls the same way cancels out.
+        if (bendKeepsItsSide)
+            return std::abs(firstRollChange + secondRollChange) < kPi / 2.0 && std::abs(firstRollChange) < kPi;
+        return std::abs(firstRollChange) < kPi / 2.0 && std::abs(secondRollChange) < kPi / 2.0;
+    }
+    if (mode == ContinuityFirstRoll)
+        return std::abs(firstRollChange) < kPi;
+    return true;
+}
+
+double ZELKinRBRSolver::ComputeCost(const ZELKinSolution& a, const ZELKinSolution& b) const
+{
+    Q_D(const ZELKinRBRSolver);
+    return std::abs(a.GetVariableValue(d->FirstRollVariable()) - b.GetVariableValue(d->FirstRollVariable()))
+        + std::abs(a.GetVariableValue(d->SecondRollVariable()) - b.GetVariableValue(d->SecondRollVariable()));
+}
+
+void ZELKinRBRSolver::SetAngleTolerance(double tolerance)
+{
+    Q_D(ZELKinRBRSolver);
+    d->normalTolerance = tolerance;
+}

@@ -1,0 +1,146 @@
+#ifndef ZELKINRBRSOLVER_H
+#define ZELKINRBRSOLVER_H
+
+#include "zelkinsolver.h"
+
+#include <QCoreApplication>
+
+class ZELKinRBRSolverPrivate;
+
+/*!
+    The solver of a fibre placement head carried by three linear axes, whose
+    variables are labelled "X", "Y" and "Z", and a roll-bend-roll wrist: a
+    first roll joint, a bend joint and a second roll joint, all rotary, each
+    driven by its variable 0.
+
+    A tool frame has its origin at the compaction point on the part, its
+    first direction (u) along the direction of travel and its third
+    direction (w) along the surface normal. Solutions come in TRAORI form:
+    their X, Y and Z are the roller centre, the compaction point moved by the
+    roller radius along the normal; FromTraori turns them into machine axis
+    values and ToTraori back.
+
+    Lengths are in millimetres, angles in radians (the configuration text
+    gives the normal tolerance in degrees).
+
+    The wrist is found when the solver is built: below every joint of the
+    third level of the joint tree (the carriers of the wrist) hangs a chain of
+    three rotary joints, first roll, bend, second roll, each the only child of
+    the one before; when several third-level joints exist, the last one walked
+    wins. The joints' reference frames are built by Configure, which must run
+    before any solving.
+
+    Each candidate loop of Solve takes at most eight steps either way (eight
+    half turns of the first roll, eight full turns of the second), so
+    infinite or huge limits still give a short list. A NaN limit is no limit
+    on its side, the same as an infinite one.
+*/
+class ZELKINEMATICS_EXPORT ZELKinRBRSolver : public ZELKinSolver
+{
+    Q_DECLARE_TR_FUNCTIONS(ZELKinRBRSolver)
+
+public:
+    /*!
+        Finds the wrist, the X, Y and Z variables and, for an AFP machine,
+        the roller radius of `machine` (not owned). A null machine gives a
+        solver without wrist, which Configure refuses.
+
+        Throws ZELSysException when a third-level joint does not carry a
+        roll-bend-roll chain: "there must only be one first roll joint",
+        "first roll joint is not rotary", "there must be only one bend
+        joint", "the bend joint is not rotary", "there must only be one second
+        roll joint" or "the second roll joint is not rotary".
+    */
+    explicit ZELKinRBRSolver(ZELKinMachine* machine);
+    ~ZELKinRBRSolver() override;
+
+    /*!
+        Reads the configuration text: items separated by ";", each a key, a
+        ":" and a value, with surrounding and doubled blanks ignored. Keys:
+        "normal-tolerance" (degrees; text that is not a number gives 0),
+        "first-roll-reference", "bend-reference", "second-roll-reference"
+        (zero directions of the joints) and "tip-point" (the tool tip with
+        every axis at zero, mm), each of the last four three numbers
+        separated by ",". Then builds each joint's frame: origin at the
+        pivot, third direction along the rotation axis, first direction along
+        the reference made perpendicular to the axis.
+
+        An unknown key, the empty one of an empty item included, logs the
+        warning "Unknown solver variable: <key>" and is ignored. A vector that
+        is not three numbers ends the process through Qt's fatal message
+        "Variable not 3 coordinates separated by ','". Throws ZELSysException
+        "not a rotary joint" when the machine has no wrist.
+    */
+    void Configure(const QString& config) override;
+
+    /*!
+        The solution `fraction` (0 to 1) of the way from `from` to `to`: the
+        wrist values blended linearly, X, Y and Z the roller centre of
+        `frame`, in TRAORI form. When one end is infinite (defines nothing),
+        a copy of the other with X, Y and Z at the frame's origin; when both
+        are, an infinite solution. Throws nothing.
+    */
+    ZELKinSolution Solve(const ZELMathAxis& frame, double fraction, const ZELKinSolution& from,
+                         const ZELKinSolution& to) const override;
+
+    /*!
+        Every wrist configuration that puts the head on `frame`, in TRAORI
+        form: first roll candidates from the angle that turns the bend axis
+        across the normal, then half a turn less, a whole turn less, ...,
+        then half a turn more, ...; for each, the bend (dropped outside its
+        range, snapped to 0 below the normal tolerance) and the second roll
+        candidates, the angle in range, then whole turns less, then whole
+        turns more.
+
+        When the normal lies within the normal tolerance of the first roll
+        axis the wrist is free: without `traori` the list holds one infinite
+        solution; with it the first roll is taken from the direction of
+        travel instead. The list is empty when no candidate fits the ranges,
+        when the frame has a coordinate that is not finite, and for a solver
+        without wrist. Throws nothing.
+    */
+    QList<ZELKinSolution> Solve(const ZELMathAxis& frame, bool traori) const override;
+    using ZELKinSolver::Solve;
+
+    /*!
+        `solution` with the wrist's tip offset taken off X, Y and Z: the
+        machine axis values of a TRAORI solution. The traori flag is kept as
+        it is. A solution that does not define X, Y, Z and the three wrist
+        variables ends the process through Qt's fatal message "Solution is
+        not complete.".
+    */
+    ZELKinSolution FromTraori(const ZELKinSolution& solution) const override;
+    //! The inverse of FromTraori, with the same fatal message.
+    ZELKinSolution ToTraori(const ZELKinSolution& solution) const override;
+    //! The TRAORI X, Y, Z of `solution` (mm), converted with ToTraori first
+    //! unless it is in TRAORI form; fatal as ToTraori.
+    ZELMathPoint GetTipPoint(const ZELKinSolution& solution) const override;
+
+    /*!
+        Whether the wrist moves from `a` to `b` without a flip. Under
+        ContinuityFull, when both bends lie on the same side (both negative,
+        or both zero or positive) the rolls' changes must sum to less than a
+        quarter turn and the first roll change be under half a turn (turning
+        both rolls the same way cancels out); when the bend changes side both
+        roll changes must be under a quarter turn. Under ContinuityFirstRoll
+        the first roll change must be under half a turn. Any other mode
+        allows every move. Throws nothing.
+    */
+    bool IsContiguous(const ZELKinSolution& a, const ZELKinSolution& b, Continuity mode) const override;
+    //! The rolls' travel |Δ first roll| + |Δ second roll| (rad); the bend and
+    //! the linear axes are not counted. Throws nothing.
+    double ComputeCost(const ZELKinSolution& a, const ZELKinSolution& b) const override;
+
+    //! Sets the normal tolerance (radians). Throws nothing.
+    void SetAngleTolerance(double tolerance);
+
+protected:
+    //! Takes ownership of `d` and finds the wrist of its machine; throws as
+    //! the public constructor.
+    explicit ZELKinRBRSolver(ZELKinRBRSolverPrivate* d);
+
+private:
+    Q_DECLARE_PRIVATE(ZELKinRBRSolver)
+};
+
+#endif // ZELKINRBRSOLVER_H

@@ -1,0 +1,1208 @@
+#include <zelkinrbrsolver.h>
+#include <zelkinrbrsolver_p.h>
+
+#include <zelkintestaccess.h>
+
+#include <zeltestsupport.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+using ZELTest::kNaN;
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kDefaultTolerance = 0.001;
+const QString kExampleConfig = QStringLiteral(
+    "first-roll-reference: 0,1,0; bend-reference: 0,0,-1; second-roll-reference: 1,0,0; tip-point: 0,0,-330");
+
+template <typename Case>
+std::string CaseName(const ::testing::TestParamInfo<Case>& info)
+{
+    return info.param.name;
+}
+
+struct Range
+{
+    double minimum;
+    double maximum;
+};
+
+// The wrist ranges of the example gantry.
+struct WristRanges
+{
+    Range firstRoll{-3.4994, 3.4994};
+    Range bend{-1.6581, 1.6581};
+    Range secondRoll{-3.2376, 3.2376};
+};
+
+// The example gantry: X, Y, Z carry the first roll C about X through the
+// origin, the bend A about Y through (0, 0, -150) and the second roll C1
+// about Z through (0, 0, -300). With every axis at zero the head's normal is
+// +Z and it travels along +X.
+struct Gantry
+{
+    explicit Gantry(const WristRanges& ranges = WristRanges(), double rollerRadius = 30.0)
+    {
+        ZELKinTestAccess::Head head;
+        head.rollerRadius = rollerRadius;
+        machine = ZELKinTestAccess::CreateMachine(&container, head);
+        x = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"), ZELKinVariable::Linear, -1e5, 1e5);
+        y = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Y"), ZELKinVariable::Linear, -1e5, 1e5);
+        z = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Z"), ZELKinVariable::Linear, -1e5, 1e5);
+        c = Rotary(QStringLiteral("C"), ranges.firstRoll);
+        a = Rotary(QStringLiteral("A"), ranges.bend);
+        c1 = Rotary(QStringLiteral("C1"), ranges.secondRoll);
+        ZELKinJoint* xJoint = ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("X"), machine, x);
+        ZELKinJoint* yJoint =
+            ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("Y"), machine, y, xJoint, ZELMathVector(0, 1, 0));
+        carrier =
+            ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("Z"), machine, z, yJoint, ZELMathVector(0, 0, 1));
+        firstRoll = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("C"), machine, c, carrier,
+                                                        ZELMathVector(1, 0, 0), ZELMathPoint(0, 0, 0));
+        bend = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("A"), machine, a, firstRoll, ZELMathVector(0, 1, 0),
+                                                   ZELMathPoint(0, 0, -150));
+        secondRoll = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("C1"), machine, c1, bend,
+                                                         ZELMathVector(0, 0, 1), ZELMathPoint(0, 0, -300));
+    }
+
+    ZELKinVariable* Rotary(const QString& name, const Range& range)
+    {
+        return ZELKinTestAccess::CreateVariable(machine, name, ZELKinVariable::Rotary, range.minimum, range.maximum);
+    }
+
+    //! A solution with every axis of the gantry set.
+    ZELKinSolution Solution(const ZELMathPoint& linear, double first, double middle, double second) const
+    {
+        ZELKinSolution solution;
+        solution.SetVariableValue(x, linear.GetX());
+        solution.SetVariableValue(y, linear.GetY());
+        solution.SetVariableValue(z, linear.GetZ());
+        solution.SetVariableValue(c, first);
+        solution.SetVariableValue(a, middle);
+        solution.SetVariableValue(c1, second);
+        return solution;
+    }
+
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine = nullptr;
+    ZELKinVariable* x = nullptr;
+    ZELKinVariable* y = nullptr;
+    ZELKinVariable* z = nullptr;
+    ZELKinVariable* c = nullptr;
+    ZELKinVariable* a = nullptr;
+    ZELKinVariable* c1 = nullptr;
+    ZELKinJoint* carrier = nullptr;
+    ZELKinRotaryJoint* firstRoll = nullptr;
+    ZELKinRotaryJoint* bend = nullptr;
+    ZELKinRotaryJoint* secondRoll = nullptr;
+};
+
+// Lets the tests read what the solver keeps.
+class InspectedSolver : public ZELKinRBRSolver
+{
+public:
+    using ZELKinRBRSolver::ZELKinRBRSolver;
+
+    const ZELKinRBRSolverPrivate* Private() const { return static_cast<const ZELKinRBRSolverPrivate*>(d_ptr.get()); }
+};
+
+// Records every Qt log message while it lives and puts the previous handler
+// back when it goes.
+class MessageLog
+{
+public:
+    MessageLog()
+        : m_previous(qInstallMessageHandler(&MessageLog::Record))
+    {
+        s_active = this;
+    }
+
+    ~MessageLog()
+    {
+        s_active = nullptr;
+        qInstallMessageHandler(m_previous);
+    }
+
+    QStringList warnings;
+
+private:
+    static void Record(QtMsgType type, const QMessageLogContext&, const QString& text)
+    {
+        if (s_active && type == QtWarningMsg)
+            s_active->warnings.append(text);
+    }
+
+    static inline MessageLog* s_active = nullptr;
+    const QtMessageHandler m_previous;
+};
+
+ZELMathVector Unit(double x, double y, double z)
+{
+    return ZELMathVector(x, y, z).GetNormalized();
+}
+
+// A tool frame: origin, travel direction u and normal w (v completes them).
+ZELMathAxis Frame(const ZELMathPoint& origin, const ZELMathVector& travel, const ZELMathVector& normal)
+{
+    return ZELMathAxis(origin, travel, normal.Cross(travel), normal);
+}
+
+// The values of `variable` in solution order, a run of equal values counted once.
+std::vector<double> DistinctRuns(const QList<ZELKinSolution>& solutions, ZELKinVariable* variable)
+{
+    std::vector<double> values;
+    for (const ZELKinSolution& solution : solutions) {
+        const double value = solution.GetVariableValue(variable);
+        if (values.empty() || std::abs(values.back() - value) > ZELTest::kTight)
+            values.push_back(value);
+    }
+    return values;
+}
+
+::testing::AssertionResult SameValues(const std::vector<double>& expected, const std::vector<double>& actual,
+                                      double tolerance)
+{
+    bool same = expected.size() == actual.size();
+    for (std::size_t i = 0; same && i < expected.size(); ++i)
+        same = ZELTest::SameDouble(expected[i], actual[i], tolerance);
+    if (same)
+        return ::testing::AssertionSuccess();
+    auto failure = ::testing::AssertionFailure() << "expected";
+    for (const double value : expected)
+        failure << " " << value;
+    failure << ", got";
+    for (const double value : actual)
+        failure << " " << value;
+    return failure;
+}
+
+::testing::AssertionResult SameVector(const ZELMathVector& expected, const ZELMathVector& actual, double tolerance)
+{
+    if (actual.IsEqual(expected, tolerance))
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "expected (" << expected.GetX() << ", " << expected.GetY() << ", "
+                                         << expected.GetZ() << "), got (" << actual.GetX() << ", " << actual.GetY()
+                                         << ", " << actual.GetZ() << ")";
+}
+
+::testing::AssertionResult SamePoint(const ZELMathPoint& expected, const ZELMathPoint& actual, double tolerance)
+{
+    return SameVector(expected - ZELMathPoint(), actual - ZELMathPoint(), tolerance);
+}
+
+::testing::AssertionResult SameFrame(const ZELMathAxis& expected, const ZELMathAxis& actual)
+{
+    if (actual.IsEqual(expected, ZELTest::kTight))
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure()
+        << "origin " << SamePoint(expected.GetOrigin(), actual.GetOrigin(), ZELTest::kTight).message() << "; u "
+        << SameVector(expected.GetUDirection(), actual.GetUDirection(), ZELTest::kTight).message() << "; v "
+        << SameVector(expected.GetVDirection(), actual.GetVDirection(), ZELTest::kTight).message() << "; w "
+        << SameVector(expected.GetWDirection(), actual.GetWDirection(), ZELTest::kTight).message();
+}
+
+} // namespace
+
+// Finding the wrist.
+
+TEST(ZELKinRBRSolver, FindsTheWristBelowTheThirdLevelAndTheLinearAxesByLabel)
+{
+    Gantry gantry;
+    const InspectedSolver solver(gantry.machine);
+    const ZELKinRBRSolverPrivate* d = solver.Private();
+    EXPECT_EQ(solver.GetMachine(), gantry.machine);
+    EXPECT_EQ(d->firstRoll, gantry.firstRoll);
+    EXPECT_EQ(d->bend, gantry.bend);
+    EXPECT_EQ(d->secondRoll, gantry.secondRoll);
+    EXPECT_EQ(d->x, gantry.x);
+    EXPECT_EQ(d->y, gantry.y);
+    EXPECT_EQ(d->z, gantry.z);
+    EXPECT_TRUE(ZELTest::SameDouble(30.0, d->rollerRadius, ZELTest::kExact));
+}
+
+TEST(ZELKinRBRSolver, StartsWithTheDefaultToleranceReferencesAndTipPointAndUnbuiltFrames)
+{
+    Gantry gantry;
+    const InspectedSolver solver(gantry.machine);
+    const ZELKinRBRSolverPrivate* d = solver.Private();
+    EXPECT_TRUE(ZELTest::SameDouble(0.001, d->normalTolerance, ZELTest::kExact));
+    EXPECT_TRUE(SameVector(ZELMathVector(1, 0, 0), d->firstRollReference, ZELTest::kExact));
+    EXPECT_TRUE(SameVector(ZELMathVector(0, 0, 1), d->bendReference, ZELTest::kExact));
+    EXPECT_TRUE(SameVector(ZELMathVector(1, 0, 0), d->secondRollReference, ZELTest::kExact));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(), d->tipPoint, ZELTest::kExact));
+    for (const ZELMathAxis* frame : {&d->firstRollFrame, &d->bendFrame, &d->secondRollFrame})
+        EXPECT_TRUE(SameFrame(ZELMathAxis(), *frame));
+}
+
+TEST(ZELKinRBRSolver, LabelsOfTheLinearAxesAreCaseSensitive)
+{
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    ZELKinTestAccess::CreateVariable(machine, QStringLiteral("x"));
+    ZELKinVariable* y = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Y"));
+    const InspectedSolver solver(machine);
+    EXPECT_EQ(solver.Private()->x, nullptr);
+    EXPECT_EQ(solver.Private()->y, y);
+    EXPECT_EQ(solver.Private()->z, nullptr);
+}
+
+TEST(ZELKinRBRSolver, TheLastThirdLevelJointWalkedWins)
+{
+    Gantry gantry;
+    // A second carrier beside Z, with a wrist of its own.
+    ZELKinJoint* yJoint = gantry.carrier->GetParent();
+    ZELKinJoint* otherCarrier =
+        ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("W"), gantry.machine, gantry.z, yJoint);
+    ZELKinRotaryJoint* first =
+        ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("C'"), gantry.machine, gantry.c, otherCarrier);
+    ZELKinRotaryJoint* middle = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("A'"), gantry.machine, gantry.a, first);
+    ZELKinRotaryJoint* last = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("C1'"), gantry.machine, gantry.c1, middle);
+    const InspectedSolver solver(gantry.machine);
+    EXPECT_EQ(solver.Private()->firstRoll, first);
+    EXPECT_EQ(solver.Private()->bend, middle);
+    EXPECT_EQ(solver.Private()->secondRoll, last);
+}
+
+TEST(ZELKinRBRSolver, ATreeLessThanThreeLevelsDeepLeavesTheWristMissingAndConfigureRefusesIt)
+{
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    ZELKinVariable* x = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"));
+    ZELKinVariable* c = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("C"), ZELKinVariable::Rotary);
+    ZELKinJoint* root = ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("X"), machine, x);
+    ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("C"), machine, c, root);
+    InspectedSolver solver(machine);
+    EXPECT_EQ(solver.Private()->firstRoll, nullptr);
+    EXPECT_EQ(solver.Private()->bend, nullptr);
+    EXPECT_EQ(solver.Private()->secondRoll, nullptr);
+    EXPECT_THROW_MESSAGE(solver.Configure(kExampleConfig), ZELSysException, "not a rotary joint");
+    EXPECT_TRUE(solver.Solve(ZELMathAxis(), true).isEmpty());
+}
+
+TEST(ZELKinRBRSolver, WithoutAMachineConfigureRefusesTheMissingWrist)
+{
+    ZELKinRBRSolver solver(static_cast<ZELKinMachine*>(nullptr));
+    EXPECT_THROW_MESSAGE(solver.Configure(QStringLiteral("normal-tolerance: 1")), ZELSysException,
+                         "not a rotary joint");
+}
+
+namespace {
+
+// A gantry whose wrist chain is broken in one place.
+struct WalkCase
+{
+    const char* name;
+    std::function<void(Gantry&)> breakChain;
+    const char* message;
+};
+ZELTEST_PRINT_CASE_BY_NAME(WalkCase);
+
+class ZELKinRBRSolverWalk : public ::testing::TestWithParam<WalkCase>
+{
+};
+
+// A second child of `parent`, rotary or not.
+void AddChild(Gantry& gantry, ZELKinJoint* parent, bool rotary)
+{
+    if (rotary)
+        ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("extra"), gantry.machine, gantry.c, parent);
+    else
+        ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("extra"), gantry.machine, gantry.x, parent);
+}
+
+// A gantry with only a translation joint where the wrist joint `level`
+// (0 first roll, 1 bend, 2 second roll) should be, and no wrist below it.
+// The chain hangs from a second carrier beside Z, walked after it.
+void TranslationAt(Gantry& g, int level)
+{
+    ZELKinJoint* parent = ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("Z2"), g.machine, g.z,
+                                                                   g.carrier->GetParent());
+    for (int i = 0; i < level; ++i)
+        parent = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("R%1").arg(i), g.machine, g.c, parent);
+    ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("T"), g.machine, g.x, parent);
+}
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverWalk, ThrowsItsMessage)
+{
+    Gantry gantry;
+    GetParam().breakChain(gantry);
+    EXPECT_THROW_MESSAGE(ZELKinRBRSolver solver(gantry.machine), ZELSysException, GetParam().message);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    BrokenChains, ZELKinRBRSolverWalk,
+    ::testing::Values(
+        WalkCase{"CarrierWithoutChild",
+                 [](Gantry& g) {
+                     ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("Z2"), g.machine, g.z,
+                                                              g.carrier->GetParent());
+                 },
+                 "there must only be one first roll joint"},
+        WalkCase{"CarrierWithTwoChildren", [](Gantry& g) { AddChild(g, g.carrier, true); },
+                 "there must only be one first roll joint"},
+        WalkCase{"FirstRollThatIsATranslation", [](Gantry& g) { TranslationAt(g, 0); },
+                 "first roll joint is not rotary"},
+        WalkCase{"FirstRollWithTwoChildren", [](Gantry& g) { AddChild(g, g.firstRoll, true); },
+                 "there must be only one bend joint"},
+        WalkCase{"FirstRollWithoutChild",
+                 [](Gantry& g) {
+                     ZELKinJoint* carrier = ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("Z2"), g.machine,
+                                                                                     g.z, g.carrier->GetParent());
+                     ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("R"), g.machine, g.c, carrier);
+                 },
+                 "there must be only one bend joint"},
+        WalkCase{"BendThatIsATranslation", [](Gantry& g) { TranslationAt(g, 1); }, "the bend joint is not rotary"},
+        WalkCase{"BendWithTwoChildren", [](Gantry& g) { AddChild(g, g.bend, false); },
+                 "there must only be one second roll joint"},
+        WalkCase{"SecondRollThatIsATranslation", [](Gantry& g) { TranslationAt(g, 2); },
+                 "the second roll joint is not rotary"}),
+    CaseName<WalkCase>);
+
+// Configuration.
+
+TEST(ZELKinRBRSolver, ConfigureBuildsEachJointFrameFromPivotAxisAndReference)
+{
+    Gantry gantry;
+    InspectedSolver solver(gantry.machine);
+    solver.Configure(kExampleConfig);
+    const ZELKinRBRSolverPrivate* d = solver.Private();
+    EXPECT_TRUE(SameFrame(ZELMathAxis(ZELMathPoint(0, 0, 0), ZELMathVector(0, 1, 0), ZELMathVector(0, 0, 1),
+                                      ZELMathVector(1, 0, 0)),
+                          d->firstRollFrame));
+    EXPECT_TRUE(SameFrame(ZELMathAxis(ZELMathPoint(0, 0, -150), ZELMathVector(0, 0, -1), ZELMathVector(-1, 0, 0),
+                                      ZELMathVector(0, 1, 0)),
+                          d->bendFrame));
+    EXPECT_TRUE(SameFrame(ZELMathAxis(ZELMathPoint(0, 0, -300), ZELMathVector(1, 0, 0), ZELMathVector(0, 1, 0),
+                                      ZELMathVector(0, 0, 1)),
+                          d->secondRollFrame));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(0, 0, -330), d->tipPoint, ZELTest::kExact));
+}
+
+TEST(ZELKinRBRSolver, AReferenceIsMadePerpendicularToAnAxisOfAnyLength)
+{
+    Gantry gantry;
+    ZELKinRotaryJoint* first =
+        ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("C"), gantry.machine, gantry.c,
+                                            ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("Z2"),
+                                                                                     gantry.machine, gantry.z,
+                                                                                     gantry.carrier->GetParent()),
+                                            ZELMathVector(0, 0, 2), ZELMathPoint(1, 2, 3));
+    ZELKinRotaryJoint* middle = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("A"), gantry.machine, gantry.a, first);
+    ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("C1"), gantry.machine, gantry.c1, middle);
+    InspectedSolver solver(gantry.machine);
+    solver.Configure(QStringLiteral("first-roll-reference: 1, 0, 5"));
+    EXPECT_TRUE(SameFrame(ZELMathAxis(ZELMathPoint(1, 2, 3), ZELMathVector(1, 0, 0), ZELMathVector(0, 1, 0),
+                                      ZELMathVector(0, 0, 1)),
+                          solver.Private()->firstRollFrame));
+}
+
+namespace {
+
+struct KeyCase
+{
+    const char* name;
+    const char* config;
+    std::function<::testing::AssertionResult(const ZELKinRBRSolverPrivate*)> check;
+};
+ZELTEST_PRINT_CASE_BY_NAME(KeyCase);
+
+class ZELKinRBRSolverKey : public ::testing::TestWithParam<KeyCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverKey, SetsItsValue)
+{
+    Gantry gantry;
+    InspectedSolver solver(gantry.machine);
+    MessageLog log;
+    solver.Configure(QString::fromUtf8(GetParam().config));
+    EXPECT_TRUE(GetParam().check(solver.Private()));
+    EXPECT_TRUE(log.warnings.isEmpty()) << log.warnings.join(QLatin1Char('|')).toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Keys, ZELKinRBRSolverKey,
+    ::testing::Values(
+        KeyCase{"NormalToleranceInDegrees", "normal-tolerance: 0.5",
+                [](const ZELKinRBRSolverPrivate* d) {
+                    return ZELTest::SameDouble(0.5 * kPi / 180.0, d->normalTolerance, ZELTest::kTight);
+                }},
+        KeyCase{"NormalToleranceThatIsNotANumberIsZero", "normal-tolerance: wide",
+                [](const ZELKinRBRSolverPrivate* d) {
+                    return ZELTest::SameDouble(0.0, d->normalTolerance, ZELTest::kExact);
+                }},
+        KeyCase{"FirstRollReference", "first-roll-reference: 0,1,0",
+                [](const ZELKinRBRSolverPrivate* d) {
+                    return SameVector(ZELMathVector(0, 1, 0), d->firstRollReference, ZELTest::kExact);
+                }},
+        KeyCase{"BendReference", "bend-reference: 0, 0, -1",
+                [](const ZELKinRBRSolverPrivate* d) {
+                    return SameVector(ZELMathVector(0, 0, -1), d->bendReference, ZELTest::kExact);
+                }},
+        KeyCase{"SecondRollReference", "second-roll-reference:1,1,0",
+                [](const ZELKinRBRSolverPrivate* d) {
+                    return SameVector(ZELMathVector(1, 1, 0), d->secondRollReference, ZELTest::kExact);
+                }},
+        KeyCase{"TipPointWithBlanksEverywhere", "  tip-point  :   1.5 ,  -2 ,\t-330  ",
+                [](const ZELKinRBRSolverPrivate* d) {
+                    return SamePoint(ZELMathPoint(1.5, -2, -330), d->tipPoint, ZELTest::kExact);
+                }},
+        KeyCase{"CoordinateThatIsNotANumberIsZero", "tip-point: 1,two,3",
+                [](const ZELKinRBRSolverPrivate* d) {
+                    return SamePoint(ZELMathPoint(1, 0, 3), d->tipPoint, ZELTest::kExact);
+                }},
+        KeyCase{"LaterItemsWin", "tip-point: 1,2,3; tip-point: 4,5,6",
+                [](const ZELKinRBRSolverPrivate* d) {
+                    return SamePoint(ZELMathPoint(4, 5, 6), d->tipPoint, ZELTest::kExact);
+                }}),
+    CaseName<KeyCase>);
+
+TEST(ZELKinRBRSolver, SetAngleToleranceWritesTheNormalToleranceInRadians)
+{
+    Gantry gantry;
+    InspectedSolver solver(gantry.machine);
+    solver.SetAngleTolerance(0.25);
+    EXPECT_TRUE(ZELTest::SameDouble(0.25, solver.Private()->normalTolerance, ZELTest::kExact));
+}
+
+TEST(ZELKinRBRSolver, AnUnknownKeyLogsAWarningAndChangesNothing)
+{
+    Gantry gantry;
+    InspectedSolver configured(gantry.machine);
+    configured.Configure(kExampleConfig);
+    InspectedSolver solver(gantry.machine);
+    MessageLog log;
+    solver.Configure(kExampleConfig + QStringLiteral("; foo: 1,2,3"));
+    EXPECT_EQ(log.warnings, QStringList{QStringLiteral("Unknown solver variable: foo")});
+    const ZELKinRBRSolverPrivate* expected = configured.Private();
+    const ZELKinRBRSolverPrivate* actual = solver.Private();
+    EXPECT_TRUE(ZELTest::SameDouble(expected->normalTolerance, actual->normalTolerance, ZELTest::kExact));
+    EXPECT_TRUE(SameVector(expected->firstRollReference, actual->firstRollReference, ZELTest::kExact));
+    EXPECT_TRUE(SameVector(expected->bendReference, actual->bendReference, ZELTest::kExact));
+    EXPECT_TRUE(SameVector(expected->secondRollReference, actual->secondRollReference, ZELTest::kExact));
+    EXPECT_TRUE(SamePoint(expected->tipPoint, actual->tipPoint, ZELTest::kExact));
+    EXPECT_TRUE(SameFrame(expected->firstRollFrame, actual->firstRollFrame));
+}
+
+TEST(ZELKinRBRSolver, KeysAreCaseSensitive)
+{
+    Gantry gantry;
+    InspectedSolver solver(gantry.machine);
+    MessageLog log;
+    solver.Configure(QStringLiteral("Tip-Point: 1,2,3"));
+    EXPECT_EQ(log.warnings, QStringList{QStringLiteral("Unknown solver variable: Tip-Point")});
+    EXPECT_TRUE(SamePoint(ZELMathPoint(), solver.Private()->tipPoint, ZELTest::kExact));
+}
+
+TEST(ZELKinRBRSolver, EmptyItemsAreReadAsAnEmptyKeyAndTheFramesAreStillBuilt)
+{
+    Gantry gantry;
+    InspectedSolver solver(gantry.machine);
+    MessageLog log;
+    solver.Configure(QString());
+    solver.Configure(QStringLiteral("tip-point: 0,0,-330;"));
+    EXPECT_EQ(log.warnings, QStringList({QStringLiteral("Unknown solver variable: "),
+                                         QStringLiteral("Unknown solver variable: ")}));
+    EXPECT_TRUE(SameVector(ZELMathVector(0, 1, 0), solver.Private()->bendFrame.GetWDirection(), ZELTest::kExact));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(0, 0, -300), solver.Private()->secondRollFrame.GetOrigin(), ZELTest::kExact));
+}
+
+namespace {
+
+struct FatalConfigCase
+{
+    const char* name;
+    const char* config;
+};
+ZELTEST_PRINT_CASE_BY_NAME(FatalConfigCase);
+
+class ZELKinRBRSolverConfigDeathTest : public ::testing::TestWithParam<FatalConfigCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverConfigDeathTest, AVectorThatIsNotThreeNumbersEndsTheProcess)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    Gantry gantry;
+    ZELKinRBRSolver solver(gantry.machine);
+    EXPECT_DEATH(solver.Configure(QString::fromUtf8(GetParam().config)),
+                 ZELTest::Literally(QStringLiteral("Variable not 3 coordinates separated by ','")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Vectors, ZELKinRBRSolverConfigDeathTest,
+                         ::testing::Values(FatalConfigCase{"TipPointWithTwoCoordinates", "tip-point: 0,-330"},
+                                           FatalConfigCase{"FirstRollReferenceWithFour", "first-roll-reference: 0,1,0,0"},
+                                           FatalConfigCase{"BendReferenceWithoutValue", "bend-reference"},
+                                           FatalConfigCase{"SecondRollReferenceWithOne", "second-roll-reference: 1"}),
+                         CaseName<FatalConfigCase>);
+
+// Solving one frame.
+
+namespace {
+
+// A configured example gantry.
+struct Configured
+{
+    explicit Configured(const WristRanges& ranges = WristRanges(), double rollerRadius = 30.0)
+        : gantry(ranges, rollerRadius)
+        , solver(gantry.machine)
+    {
+        solver.Configure(kExampleConfig);
+    }
+
+    Gantry gantry;
+    ZELKinRBRSolver solver;
+};
+
+} // namespace
+
+TEST(ZELKinRBRSolver, TheHomeFrameGivesTheHomeWristWithTheRollerCentreInTraoriForm)
+{
+    Configured configured;
+    const ZELMathAxis frame = Frame(ZELMathPoint(100, 200, -900), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1));
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(frame, false);
+    // Half a turn of C would need a bend of half a turn: only C = 0 is left.
+    ASSERT_EQ(solutions.size(), 1);
+    const ZELKinSolution& solution = solutions.first();
+    const Gantry& g = configured.gantry;
+    EXPECT_TRUE(solution.IsTraori());
+    EXPECT_TRUE(ZELTest::SameDouble(0.0, solution.GetVariableValue(g.c), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(0.0, solution.GetVariableValue(g.a), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(0.0, solution.GetVariableValue(g.c1), ZELTest::kTight));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(100, 200, -870), configured.solver.GetTipPoint(solution), ZELTest::kTight));
+    EXPECT_EQ(solution.GetDefinedVariables().size(), 6);
+}
+
+TEST(ZELKinRBRSolver, EverySolutionPlacesTheRollerCentreAlongTheNormal)
+{
+    Configured configured(WristRanges(), 12.5);
+    const ZELMathVector normal = Unit(0.3, -0.4, 0.8);
+    const ZELMathVector travel = Unit(0.0, 0.8, 0.4);
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(Frame(ZELMathPoint(1, 2, 3), travel, normal), false);
+    ASSERT_FALSE(solutions.isEmpty());
+    for (const ZELKinSolution& solution : solutions) {
+        EXPECT_TRUE(solution.IsTraori());
+        EXPECT_TRUE(SamePoint(ZELMathPoint(1, 2, 3) + 12.5 * normal, configured.solver.GetTipPoint(solution),
+                              ZELTest::kTight));
+    }
+}
+
+namespace {
+
+struct SingularCase
+{
+    const char* name;
+    //! Angle of the normal from the first roll axis, in normal tolerances.
+    double tolerances;
+    bool infinite;
+};
+ZELTEST_PRINT_CASE_BY_NAME(SingularCase);
+
+class ZELKinRBRSolverSingular : public ::testing::TestWithParam<SingularCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverSingular, WithoutTraoriANormalAlongTheFirstRollAxisGivesOneInfiniteSolution)
+{
+    Configured configured;
+    const double angle = GetParam().tolerances * kDefaultTolerance;
+    const ZELMathVector normal(std::cos(angle), 0.0, std::sin(angle));
+    const ZELMathVector travel(-std::sin(angle), 0.0, std::cos(angle));
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(Frame(ZELMathPoint(), travel, normal), false);
+    ASSERT_FALSE(solutions.isEmpty());
+    if (GetParam().infinite) {
+        ASSERT_EQ(solutions.size(), 1);
+        EXPECT_TRUE(solutions.first().IsInfinite());
+    } else {
+        for (const ZELKinSolution& solution : solutions)
+            EXPECT_FALSE(solution.IsInfinite());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Normals, ZELKinRBRSolverSingular,
+                         ::testing::Values(SingularCase{"AlongTheAxis", 0.0, true},
+                                           SingularCase{"WithinTheTolerance", 0.99, true},
+                                           SingularCase{"JustOutsideTheTolerance", 1.01, false}),
+                         CaseName<SingularCase>);
+
+TEST(ZELKinRBRSolver, WithTraoriANormalAlongTheFirstRollAxisTakesTheFirstRollFromTheTravel)
+{
+    Configured configured;
+    // Seen along X the travel lies 0.4 rad counter-clockwise of the first roll's
+    // zero direction +Z.
+    const ZELMathVector travel(0.0, -std::sin(0.4), std::cos(0.4));
+    const QList<ZELKinSolution> solutions =
+        configured.solver.Solve(Frame(ZELMathPoint(), travel, ZELMathVector(1, 0, 0)), true);
+    // 0.4 + pi lies beyond the maximum of 3.4994.
+    EXPECT_TRUE(SameValues({0.4, 0.4 - kPi}, DistinctRuns(solutions, configured.gantry.c), ZELTest::kTight));
+    for (const ZELKinSolution& solution : solutions)
+        EXPECT_TRUE(ZELTest::SameDouble(kPi / 2.0, std::abs(solution.GetVariableValue(configured.gantry.a)),
+                                        ZELTest::kTight));
+}
+
+TEST(ZELKinRBRSolver, ATravelWithoutDirectionAcrossASingularFirstRollStartsAtZeroOutsideTheRange)
+{
+    WristRanges ranges;
+    ranges.firstRoll = {0.5, 4.0};
+    Configured configured(ranges);
+    // A frame whose travel is its normal: nothing of it shows across the first roll.
+    const ZELMathAxis frame(ZELMathPoint(), ZELMathVector(1, 0, 0), ZELMathVector(0, 1, 0), ZELMathVector(1, 0, 0));
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(frame, true);
+    EXPECT_TRUE(SameValues({0.0, kPi}, DistinctRuns(solutions, configured.gantry.c), ZELTest::kTight));
+}
+
+TEST(ZELKinRBRSolver, ANormalAtTheOppositePoleStartsAtZeroBroughtIntoTheRange)
+{
+    WristRanges ranges;
+    ranges.firstRoll = {0.5, 4.0};
+    Configured configured(ranges);
+    const QList<ZELKinSolution> solutions =
+        configured.solver.Solve(Frame(ZELMathPoint(), ZELMathVector(0, 0, 1), ZELMathVector(-1, 0, 0)), false);
+    EXPECT_TRUE(SameValues({kPi}, DistinctRuns(solutions, configured.gantry.c), ZELTest::kTight));
+}
+
+namespace {
+
+struct FirstRollCase
+{
+    const char* name;
+    Range range;
+    std::vector<double> expected;
+};
+ZELTEST_PRINT_CASE_BY_NAME(FirstRollCase);
+
+class ZELKinRBRSolverFirstRoll : public ::testing::TestWithParam<FirstRollCase>
+{
+};
+
+std::vector<double> Turns(double start, double step, int count)
+{
+    std::vector<double> values;
+    for (int k = 1; k <= count; ++k)
+        values.push_back(start + k * step);
+    return values;
+}
+
+std::vector<double> EightHalfTurnsEachWay()
+{
+    std::vector<double> values{0.3};
+    for (const double value : Turns(0.3, -kPi, 8))
+        values.push_back(value);
+    for (const double value : Turns(0.3, kPi, 8))
+        values.push_back(value);
+    return values;
+}
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverFirstRoll, CandidatesComeInHalfTurnsDownThenUp)
+{
+    WristRanges ranges;
+    ranges.firstRoll = GetParam().range;
+    // Every half turn of C keeps the bend plane, which takes a bend of about
+    // 0.2 rad at the even turns and about pi - 0.2 at the odd ones: a bend
+    // range of a whole turn keeps them all.
+    ranges.bend = {-3.2, 3.2};
+    Configured configured(ranges);
+    // Seen along X the normal lies 0.3 rad counter-clockwise of +Z.
+    const ZELMathVector normal = Unit(0.2, -std::sin(0.3), std::cos(0.3));
+    const ZELMathVector travel = Unit(0.0, std::cos(0.3), std::sin(0.3));
+    const QList<ZELKinSolution> solutions =
+        configured.solver.Solve(Frame(ZELMathPoint(), travel, normal), false);
+    EXPECT_TRUE(SameValues(GetParam().expected, DistinctRuns(solutions, configured.gantry.c), 1e-12));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Ranges, ZELKinRBRSolverFirstRoll,
+    ::testing::Values(
+        FirstRollCase{"TwoTurnsWide", {-2.0 * kPi, 2.0 * kPi}, {0.3, 0.3 - kPi, 0.3 - 2.0 * kPi, 0.3 + kPi}},
+        FirstRollCase{"AboveTheAngle", {2.0, 9.0}, {0.3 + kPi, 0.3 + 2.0 * kPi}},
+        FirstRollCase{"BelowTheAngle", {-9.0, -2.0}, {0.3 - kPi, 0.3 - 2.0 * kPi}},
+        FirstRollCase{"NarrowerThanHalfATurnKeepsTheLastAngleTried", {-0.5, 0.2}, {0.3 - kPi}},
+        FirstRollCase{"InfiniteLimitsStopAfterEightHalfTurnsEachWay", {-kInfinity, kInfinity},
+                      EightHalfTurnsEachWay()},
+        FirstRollCase{"HugeLimitsStopAfterEightHalfTurnsEachWay", {-1e300, 1e300}, EightHalfTurnsEachWay()},
+        FirstRollCase{"NaNLimitsAreNoLimits", {kNaN, kNaN}, EightHalfTurnsEachWay()},
+        FirstRollCase{"HugeMinimumStopsBringingTheAngleUpAfterEightHalfTurns", {1e300, kInfinity},
+                      Turns(0.3 + 7.0 * kPi, kPi, 9)}),
+    CaseName<FirstRollCase>);
+
+namespace {
+
+struct SecondRollCase
+{
+    const char* name;
+    Range range;
+    double angle;
+    std::vector<double> expected;
+};
+ZELTEST_PRINT_CASE_BY_NAME(SecondRollCase);
+
+class ZELKinRBRSolverSecondRoll : public ::testing::TestWithParam<SecondRollCase>
+{
+};
+
+std::vector<double> EightTurnsEachWayFromOne()
+{
+    std::vector<double> values{1.0};
+    for (const double value : Turns(1.0, -2.0 * kPi, 8))
+        values.push_back(value);
+    for (const double value : Turns(1.0, 2.0 * kPi, 8))
+        values.push_back(value);
+    return values;
+}
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverSecondRoll, CandidatesComeInWholeTurnsDownThenUp)
+{
+    WristRanges ranges;
+    ranges.secondRoll = GetParam().range;
+    Configured configured(ranges);
+    const double angle = GetParam().angle;
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(
+        Frame(ZELMathPoint(), ZELMathVector(std::cos(angle), std::sin(angle), 0.0), ZELMathVector(0, 0, 1)), false);
+    std::vector<double> values;
+    for (const ZELKinSolution& solution : solutions) {
+        EXPECT_TRUE(ZELTest::SameDouble(0.0, solution.GetVariableValue(configured.gantry.c), ZELTest::kTight));
+        values.push_back(solution.GetVariableValue(configured.gantry.c1));
+    }
+    EXPECT_TRUE(SameValues(GetParam().expected, values, 1e-12));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Ranges, ZELKinRBRSolverSecondRoll,
+    ::testing::Values(
+        SecondRollCase{"ExampleRange", {-3.2376, 3.2376}, 3.1, {3.1, 3.1 - 2.0 * kPi}},
+        SecondRollCase{"FourTurnsWide", {-4.0 * kPi, 4.0 * kPi}, 1.0, {1.0, 1.0 - 2.0 * kPi, 1.0 - 4.0 * kPi, 1.0 + 2.0 * kPi}},
+        SecondRollCase{"AngleBelowTheRange", {4.0, 10.0}, 1.0, {1.0 + 2.0 * kPi}},
+        SecondRollCase{"NoTurnFits", {1.5, 2.0}, 1.0, {}},
+        SecondRollCase{"InfiniteLimitsStopAfterEightTurnsEachWay", {-kInfinity, kInfinity}, 1.0,
+                       EightTurnsEachWayFromOne()},
+        SecondRollCase{"NaNLimitsAreNoLimits", {kNaN, kNaN}, 1.0, EightTurnsEachWayFromOne()},
+        SecondRollCase{"OneNaNLimit", {0.5, kNaN}, 1.0, {1.0, 1.0 + 2.0 * kPi, 1.0 + 4.0 * kPi, 1.0 + 6.0 * kPi,
+                                                          1.0 + 8.0 * kPi, 1.0 + 10.0 * kPi, 1.0 + 12.0 * kPi,
+                                                          1.0 + 14.0 * kPi, 1.0 + 16.0 * kPi}}),
+    CaseName<SecondRollCase>);
+
+namespace {
+
+struct BendCase
+{
+    const char* name;
+    double bend;
+    double tolerance;
+    double expected;
+};
+ZELTEST_PRINT_CASE_BY_NAME(BendCase);
+
+class ZELKinRBRSolverBend : public ::testing::TestWithParam<BendCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverBend, ABendBelowTheNormalToleranceIsSnappedToZero)
+{
+    WristRanges ranges;
+    ranges.firstRoll = {-1.0, 1.0};
+    Configured configured(ranges);
+    if (!std::isnan(GetParam().tolerance))
+        configured.solver.SetAngleTolerance(GetParam().tolerance);
+    // Bending A by b about Y turns the home normal +Z to (sin b, 0, cos b).
+    const double bend = GetParam().bend;
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(
+        Frame(ZELMathPoint(), ZELMathVector(std::cos(bend), 0, -std::sin(bend)), ZELMathVector(std::sin(bend), 0, std::cos(bend))),
+        false);
+    ASSERT_EQ(solutions.size(), 1);
+    const double tolerance = GetParam().expected == 0.0 ? ZELTest::kExact : ZELTest::kTight;
+    EXPECT_TRUE(ZELTest::SameDouble(GetParam().expected, solutions.first().GetVariableValue(configured.gantry.a),
+                                    tolerance));
+}
+
+INSTANTIATE_TEST_SUITE_P(Bends, ZELKinRBRSolverBend,
+                         ::testing::Values(BendCase{"BelowTheDefaultTolerance", 0.0005, kNaN, 0.0},
+                                           BendCase{"NegativeBelowTheDefaultTolerance", -0.0005, kNaN, 0.0},
+                                           BendCase{"AboveTheDefaultTolerance", 0.0015, kNaN, 0.0015},
+                                           BendCase{"BelowAWiderTolerance", 0.0015, 0.002, 0.0},
+                                           BendCase{"ZeroTolerance", 0.0005, 0.0, 0.0005}),
+                         CaseName<BendCase>);
+
+TEST(ZELKinRBRSolver, ABendOutsideItsRangeDropsTheFirstRollCandidate)
+{
+    WristRanges ranges;
+    ranges.bend = {0.0, 1.6};
+    Configured configured(ranges);
+    const ZELMathVector normal(std::sin(0.5), 0.0, std::cos(0.5));
+    const QList<ZELKinSolution> solutions =
+        configured.solver.Solve(Frame(ZELMathPoint(), ZELMathVector(std::cos(0.5), 0, -std::sin(0.5)), normal), false);
+    // C = 0 bends by +0.5; C = +-pi would bend by -0.5.
+    EXPECT_TRUE(SameValues({0.0}, DistinctRuns(solutions, configured.gantry.c), ZELTest::kTight));
+    for (const ZELKinSolution& solution : solutions)
+        EXPECT_TRUE(ZELTest::SameDouble(0.5, solution.GetVariableValue(configured.gantry.a), ZELTest::kTight));
+}
+
+TEST(ZELKinRBRSolver, AFrameNoBendReachesGivesNoSolution)
+{
+    WristRanges ranges;
+    ranges.bend = {0.6, 0.7};
+    Configured configured(ranges);
+    const ZELMathVector normal(std::sin(0.5), 0.0, std::cos(0.5));
+    EXPECT_TRUE(configured.solver
+                    .Solve(Frame(ZELMathPoint(), ZELMathVector(std::cos(0.5), 0, -std::sin(0.5)), normal), true)
+                    .isEmpty());
+}
+
+namespace {
+
+struct NonFiniteCase
+{
+    const char* name;
+    ZELMathAxis frame;
+};
+ZELTEST_PRINT_CASE_BY_NAME(NonFiniteCase);
+
+class ZELKinRBRSolverNonFinite : public ::testing::TestWithParam<NonFiniteCase>
+{
+};
+
+ZELMathAxis HomeFrameWith(const ZELMathPoint& origin, const ZELMathVector& travel, const ZELMathVector& normal)
+{
+    return ZELMathAxis(origin, travel, ZELMathVector(0, 1, 0), normal);
+}
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverNonFinite, FrameGivesNoSolutionAndEndsEveryLoop)
+{
+    WristRanges ranges;
+    ranges.firstRoll = {-kInfinity, kInfinity};
+    ranges.bend = {kNaN, kNaN};
+    ranges.secondRoll = {-kInfinity, kInfinity};
+    Configured configured(ranges);
+    EXPECT_TRUE(configured.solver.Solve(GetParam().frame, true).isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Frames, ZELKinRBRSolverNonFinite,
+    ::testing::Values(
+        NonFiniteCase{"NaNOrigin", HomeFrameWith(ZELMathPoint(kNaN, 0, 0), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1))},
+        NonFiniteCase{"InfiniteOrigin",
+                      HomeFrameWith(ZELMathPoint(0, kInfinity, 0), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1))},
+        NonFiniteCase{"NaNNormal", HomeFrameWith(ZELMathPoint(), ZELMathVector(1, 0, 0), ZELMathVector(0, kNaN, 1))},
+        NonFiniteCase{"NaNTravel", HomeFrameWith(ZELMathPoint(), ZELMathVector(kNaN, 0, 0), ZELMathVector(0, 0, 1))},
+        NonFiniteCase{"InfiniteNormal",
+                      HomeFrameWith(ZELMathPoint(), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, kInfinity))}),
+    CaseName<NonFiniteCase>);
+
+TEST(ZELKinRBRSolver, ANaNNormalToleranceNeitherSnapsNorFindsTheAxisAndStillEnds)
+{
+    Configured configured;
+    configured.solver.SetAngleTolerance(kNaN);
+    const QList<ZELKinSolution> solutions =
+        configured.solver.Solve(Frame(ZELMathPoint(), ZELMathVector(0, 0, 1), ZELMathVector(1, 0, 0)), false);
+    ASSERT_FALSE(solutions.isEmpty());
+    EXPECT_FALSE(solutions.first().IsInfinite());
+}
+
+// Solving between two solved points.
+
+namespace {
+
+struct BetweenCase
+{
+    const char* name;
+    bool fromInfinite;
+    bool toInfinite;
+};
+ZELTEST_PRINT_CASE_BY_NAME(BetweenCase);
+
+class ZELKinRBRSolverBetween : public ::testing::TestWithParam<BetweenCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverBetween, AnInfiniteEndGivesTheOtherEndAtTheFrameOrigin)
+{
+    Configured configured;
+    const Gantry& g = configured.gantry;
+    ZELKinSolution from = g.Solution(ZELMathPoint(1, 2, 3), 0.1, 0.2, 0.3);
+    ZELKinSolution to = g.Solution(ZELMathPoint(4, 5, 6), 0.4, 0.5, 0.6);
+    to.SetTraori(true);
+    if (GetParam().fromInfinite)
+        from = ZELKinSolution();
+    if (GetParam().toInfinite)
+        to = ZELKinSolution();
+    const ZELMathAxis frame = Frame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1));
+    const ZELKinSolution result = configured.solver.Solve(frame, 0.25, from, to);
+    if (GetParam().fromInfinite && GetParam().toInfinite) {
+        EXPECT_TRUE(result.IsInfinite());
+        return;
+    }
+    const ZELKinSolution& kept = GetParam().fromInfinite ? to : from;
+    EXPECT_EQ(result.IsTraori(), kept.IsTraori());
+    EXPECT_TRUE(SamePoint(ZELMathPoint(7, 8, 9),
+                          ZELMathPoint(result.GetVariableValue(g.x), result.GetVariableValue(g.y),
+                                       result.GetVariableValue(g.z)),
+                          ZELTest::kExact));
+    for (ZELKinVariable* wrist : {g.c, g.a, g.c1})
+        EXPECT_TRUE(ZELTest::SameDouble(kept.GetVariableValue(wrist), result.GetVariableValue(wrist), ZELTest::kExact));
+}
+
+INSTANTIATE_TEST_SUITE_P(Ends, ZELKinRBRSolverBetween,
+                         ::testing::Values(BetweenCase{"FromInfinite", true, false},
+                                           BetweenCase{"ToInfinite", false, true},
+                                           BetweenCase{"BothInfinite", true, true}),
+                         CaseName<BetweenCase>);
+
+TEST(ZELKinRBRSolver, BetweenTwoSolvedPointsTheWristIsBlendedAndTheRollerCentreTaken)
+{
+    Configured configured;
+    const Gantry& g = configured.gantry;
+    ZELKinSolution from = g.Solution(ZELMathPoint(1, 2, 3), 0.0, 0.2, 1.0);
+    from.SetVariableValue(ZELKinTestAccess::CreateVariable(g.machine, QStringLiteral("U")), 1.0);
+    const ZELKinSolution to = g.Solution(ZELMathPoint(4, 5, 6), 1.0, 0.4, -1.0);
+    const ZELMathVector normal = Unit(0, 0.6, 0.8);
+    const ZELKinSolution result =
+        configured.solver.Solve(Frame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), normal), 0.25, from, to);
+    EXPECT_TRUE(result.IsTraori());
+    EXPECT_EQ(result.GetDefinedVariables().size(), 6);
+    EXPECT_TRUE(ZELTest::SameDouble(0.25, result.GetVariableValue(g.c), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(0.25, result.GetVariableValue(g.a), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(0.5, result.GetVariableValue(g.c1), ZELTest::kTight));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(7, 8, 9) + 30.0 * normal, configured.solver.GetTipPoint(result), ZELTest::kTight));
+}
+
+// TRAORI conversions.
+
+namespace {
+
+struct OffsetCase
+{
+    const char* name;
+    double c;
+    double a;
+    double c1;
+    const char* tipPoint;
+    ZELMathVector offset;
+};
+ZELTEST_PRINT_CASE_BY_NAME(OffsetCase);
+
+class ZELKinRBRSolverOffset : public ::testing::TestWithParam<OffsetCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverOffset, ToTraoriAddsAndFromTraoriTakesOffTheTipOffset)
+{
+    Configured configured;
+    configured.solver.Configure(QStringLiteral("tip-point: ") + QString::fromUtf8(GetParam().tipPoint));
+    const Gantry& g = configured.gantry;
+    const OffsetCase& offsetCase = GetParam();
+    ZELKinSolution machine = g.Solution(ZELMathPoint(10, 20, 30), offsetCase.c, offsetCase.a, offsetCase.c1);
+    const ZELKinSolution traori = configured.solver.ToTraori(machine);
+    EXPECT_FALSE(traori.IsTraori());
+    EXPECT_TRUE(SamePoint(ZELMathPoint(10, 20, 30) + offsetCase.offset, configured.solver.GetTipPoint(machine),
+                          ZELTest::kTight));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(10, 20, 30) + offsetCase.offset,
+                          ZELMathPoint(traori.GetVariableValue(g.x), traori.GetVariableValue(g.y),
+                                       traori.GetVariableValue(g.z)),
+                          ZELTest::kTight));
+    machine.SetTraori(true);
+    const ZELKinSolution back = configured.solver.FromTraori(machine);
+    EXPECT_TRUE(back.IsTraori());
+    EXPECT_TRUE(SamePoint(ZELMathPoint(10, 20, 30) - offsetCase.offset,
+                          ZELMathPoint(back.GetVariableValue(g.x), back.GetVariableValue(g.y), back.GetVariableValue(g.z)),
+                          ZELTest::kTight));
+    for (ZELKinVariable* wrist : {g.c, g.a, g.c1})
+        EXPECT_TRUE(ZELTest::SameDouble(machine.GetVariableValue(wrist), back.GetVariableValue(wrist), ZELTest::kExact));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Wrists, ZELKinRBRSolverOffset,
+    ::testing::Values(OffsetCase{"Home", 0.0, 0.0, 0.0, "0,0,-330", ZELMathVector(0, 0, 0)},
+                      // C turns the tip about X through the origin.
+                      OffsetCase{"FirstRollQuarterTurn", kPi / 2.0, 0.0, 0.0, "0,0,-330", ZELMathVector(0, 330, 330)},
+                      OffsetCase{"FirstRollHalfTurn", kPi, 0.0, 0.0, "0,0,-330", ZELMathVector(0, 0, 660)},
+                      // A turns the tip about Y through (0, 0, -150).
+                      OffsetCase{"BendQuarterTurn", 0.0, kPi / 2.0, 0.0, "0,0,-330", ZELMathVector(-180, 0, 180)},
+                      // C1 turns a tip beside its axis about Z through (0, 0, -300).
+                      OffsetCase{"SecondRollQuarterTurnOffAxis", 0.0, 0.0, kPi / 2.0, "10,0,-330",
+                                 ZELMathVector(-10, 10, 0)},
+                      OffsetCase{"SecondRollOnItsAxis", 0.0, 0.0, 1.234, "0,0,-330", ZELMathVector(0, 0, 0)},
+                      // A bends the tip to (-180, 0, -150), then C turns it about X.
+                      OffsetCase{"BendThenFirstRoll", kPi / 2.0, kPi / 2.0, 0.0, "0,0,-330",
+                                 ZELMathVector(-180, 150, 330)}),
+    CaseName<OffsetCase>);
+
+TEST(ZELKinRBRSolver, FromTraoriUndoesToTraori)
+{
+    Configured configured;
+    const Gantry& g = configured.gantry;
+    const ZELKinSolution machine = g.Solution(ZELMathPoint(100, -250, 75), 2.1, -1.2, 0.7);
+    const ZELKinSolution back = configured.solver.FromTraori(configured.solver.ToTraori(machine));
+    for (ZELKinVariable* variable : {g.x, g.y, g.z, g.c, g.a, g.c1})
+        EXPECT_TRUE(ZELTest::SameDouble(machine.GetVariableValue(variable), back.GetVariableValue(variable), 1e-12));
+}
+
+TEST(ZELKinRBRSolver, SolvedFramesRoundTripThroughMachineAxesBackToTheRollerCentre)
+{
+    Configured configured;
+    const ZELMathVector normal = Unit(0.3, -0.4, 0.8);
+    const ZELMathVector travel = Unit(0.0, 0.8, 0.4);
+    const ZELMathPoint origin(500, 2000, -1500);
+    for (const ZELKinSolution& solution : configured.solver.Solve(Frame(origin, travel, normal), true)) {
+        ZELKinSolution machine = configured.solver.FromTraori(solution);
+        machine.SetTraori(false);
+        EXPECT_TRUE(SamePoint(origin + 30.0 * normal, configured.solver.GetTipPoint(machine), 1e-9));
+    }
+}
+
+TEST(ZELKinRBRSolver, TheTipPointOfATraoriSolutionIsItsLinearValues)
+{
+    Configured configured;
+    ZELKinSolution solution = configured.gantry.Solution(ZELMathPoint(1, 2, 3), kPi, 0.0, 0.0);
+    solution.SetTraori(true);
+    EXPECT_TRUE(SamePoint(ZELMathPoint(1, 2, 3), configured.solver.GetTipPoint(solution), ZELTest::kExact));
+}
+
+namespace {
+
+struct IncompleteCase
+{
+    const char* name;
+    int missing;
+    int conversion;
+};
+ZELTEST_PRINT_CASE_BY_NAME(IncompleteCase);
+
+class ZELKinRBRSolverIncompleteDeathTest : public ::testing::TestWithParam<IncompleteCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverIncompleteDeathTest, ConvertingEndsTheProcess)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    Configured configured;
+    const Gantry& g = configured.gantry;
+    ZELKinSolution solution = g.Solution(ZELMathPoint(1, 2, 3), 0.1, 0.2, 0.3);
+    ZELKinVariable* const variables[] = {g.x, g.y, g.z, g.c, g.a, g.c1};
+    solution.SetVariableValue(variables[GetParam().missing], kNaN);
+    const std::function<void()> conversions[] = {
+        [&] { configured.solver.ToTraori(solution); },
+        [&] { configured.solver.FromTraori(solution); },
+        [&] { configured.solver.GetTipPoint(solution); },
+    };
+    EXPECT_DEATH(conversions[GetParam().conversion](), ZELTest::Literally(QStringLiteral("Solution is not complete.")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Solutions, ZELKinRBRSolverIncompleteDeathTest,
+                         ::testing::Values(IncompleteCase{"ToTraoriWithoutX", 0, 0},
+                                           IncompleteCase{"ToTraoriWithoutY", 1, 0},
+                                           IncompleteCase{"ToTraoriWithoutZ", 2, 0},
+                                           IncompleteCase{"ToTraoriWithoutFirstRoll", 3, 0},
+                                           IncompleteCase{"ToTraoriWithoutBend", 4, 0},
+                                           IncompleteCase{"ToTraoriWithoutSecondRoll", 5, 0},
+                                           IncompleteCase{"FromTraoriWithoutBend", 4, 1},
+                                           IncompleteCase{"TipPointWithoutZ", 2, 2}),
+                         CaseName<IncompleteCase>);
+
+// Cost and continuity.
+
+namespace {
+
+struct MoveCase
+{
+    const char* name;
+    double firstRollA, bendA, secondRollA;
+    double firstRollB, bendB, secondRollB;
+    int mode;
+    bool contiguous;
+};
+ZELTEST_PRINT_CASE_BY_NAME(MoveCase);
+
+class ZELKinRBRSolverContiguous : public ::testing::TestWithParam<MoveCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverContiguous, JudgesTheMove)
+{
+    Configured configured;
+    const Gantry& g = configured.gantry;
+    const MoveCase& move = GetParam();
+    const ZELKinSolution a = g.Solution(ZELMathPoint(1, 2, 3), move.firstRollA, move.bendA, move.secondRollA);
+    const ZELKinSolution b = g.Solution(ZELMathPoint(400, 500, 600), move.firstRollB, move.bendB, move.secondRollB);
+    EXPECT_EQ(configured.solver.IsContiguous(a, b, ZELKinSolver::Continuity(move.mode)), move.contiguous);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Moves, ZELKinRBRSolverContiguous,
+    ::testing::Values(
+        MoveCase{"FullBendChangesSideRollsStill", 0.5, 0.2, 0.5, 0.5, -0.2, 0.5, 0, true},
+        MoveCase{"FullSameSideRollsCancel", 1.0, 0.2, -1.0, 0.0, 0.3, 0.0, 0, true},
+        MoveCase{"FullSameSideRollsAddUp", 1.0, 0.2, 1.0, 0.0, 0.3, 0.0, 0, false},
+        MoveCase{"FullSameSideFirstRollHalfTurn", 3.2, 0.2, -3.2, 0.0, 0.3, 0.0, 0, false},
+        MoveCase{"FullBothNegative", 0.5, -0.2, 0.5, 0.0, -0.3, 0.0, 0, true},
+        MoveCase{"FullZeroCountsAsPositive", 1.0, 0.0, 1.0, 0.0, 0.3, 0.0, 0, false},
+        MoveCase{"FullZeroAndNegativeChangeSide", 1.0, 0.0, 1.0, 0.0, -0.3, 0.0, 0, true},
+        MoveCase{"FullSideChangeWithSmallRolls", 1.5, 0.2, -1.5, 0.0, -0.3, 0.0, 0, true},
+        MoveCase{"FullSideChangeWithFirstRollQuarterTurn", 1.6, 0.2, 0.0, 0.0, -0.3, 0.0, 0, false},
+        MoveCase{"FullSideChangeWithSecondRollQuarterTurn", 0.0, 0.2, 1.6, 0.0, -0.3, 0.0, 0, false},
+        MoveCase{"FirstRollUnderHalfATurn", 3.1, 0.2, 9.0, 0.0, -0.3, 0.0, 1, true},
+        MoveCase{"FirstRollOverHalfATurn", -3.2, 0.2, 0.0, 0.0, 0.2, 0.0, 1, false},
+        MoveCase{"NoneAllowsAnyMove", 10.0, 1.0, -10.0, 0.0, -1.0, 0.0, 2, true},
+        MoveCase{"UnknownModeAllowsAnyMove", 10.0, 1.0, -10.0, 0.0, -1.0, 0.0, 7, true}),
+    CaseName<MoveCase>);
+
+namespace {
+
+struct CostCase
+{
+    const char* name;
+    double firstRollA, bendA, secondRollA;
+    double firstRollB, bendB, secondRollB;
+    double cost;
+};
+ZELTEST_PRINT_CASE_BY_NAME(CostCase);
+
+class ZELKinRBRSolverCost : public ::testing::TestWithParam<CostCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverCost, IsTheTravelOfBothRolls)
+{
+    Configured configured;
+    const Gantry& g = configured.gantry;
+    const CostCase& move = GetParam();
+    const ZELKinSolution a = g.Solution(ZELMathPoint(1, 2, 3), move.firstRollA, move.bendA, move.secondRollA);
+    const ZELKinSolution b = g.Solution(ZELMathPoint(400, 500, 600), move.firstRollB, move.bendB, move.secondRollB);
+    EXPECT_TRUE(ZELTest::SameDouble(move.cost, configured.solver.ComputeCost(a, b), ZELTest::kTight));
+}
+
+INSTANTIATE_TEST_SUITE_P(Moves, ZELKinRBRSolverCost,
+                         ::testing::Values(CostCase{"OnlyTheBendMoves", 0.5, 0.2, -0.5, 0.5, -1.2, -0.5, 0.0},
+                                           CostCase{"BothRollsCountTheirDistance", 1.0, 0.0, -1.0, -0.5, 0.0, 0.5, 3.0},
+                                           CostCase{"OppositeRollsDoNotCancel", 1.0, 0.0, 1.0, 0.0, 0.0, 2.0, 2.0}),
+                         CaseName<CostCase>);

@@ -186,34 +186,34 @@ private:
 
 // A point of the procedure: where its frame lies and what the solver
 // answers there.
-struct Spec
+struct PointPlan
 {
     ZELMathPoint origin;
     Answer answer;
 };
 
-Spec Pt(double x, const QList<double>& rolls)
+PointPlan Pt(double x, const QList<double>& rolls)
 {
     return {ZELMathPoint(x, 0.0, 0.0), {rolls, false}};
 }
 
-Spec Pt(const ZELMathPoint& origin, const QList<double>& rolls)
+PointPlan Pt(const ZELMathPoint& origin, const QList<double>& rolls)
 {
     return {origin, {rolls, false}};
 }
 
-Spec Free(double x)
+PointPlan Free(double x)
 {
     return {ZELMathPoint(x, 0.0, 0.0), {{}, true}};
 }
 
-Spec Free(const ZELMathPoint& origin)
+PointPlan Free(const ZELMathPoint& origin)
 {
     return {origin, {{}, true}};
 }
 
 // A link point that is never solved: no answer needed.
-Spec Off(const ZELMathPoint& origin)
+PointPlan Off(const ZELMathPoint& origin)
 {
     return {origin, {}};
 }
@@ -243,26 +243,26 @@ protected:
     {
     }
 
-    ZELKinTowCourse* AddCourse(const QList<Spec>& points)
+    ZELKinTowCourse* AddCourse(const QList<PointPlan>& points)
     {
         ZELKinTowCourse* course = ZELKinTestAccess::CreateTowCourse(f.procedure, f.machine->GetMaximumMask());
-        for (const Spec& point : points)
+        for (const PointPlan& point : points)
             Place(ZELKinTestAccess::CreateRollLayupPosition(course), point);
         return course;
     }
 
-    ZELKinCourseLink* AddLink(Detail detail, const QList<Spec>& points = {})
+    ZELKinCourseLink* AddLink(Detail detail, const QList<PointPlan>& points = {})
     {
         ZELKinCourseLink* link = ZELKinTestAccess::CreateCourseLink(f.procedure);
         auto* source = new ZELTPCourseLink(&f.container, QStringLiteral("link"));
         source->SetPointsDetail(detail);
         link->SetToolPathCourseLink(source);
-        for (const Spec& point : points)
+        for (const PointPlan& point : points)
             Place(ZELKinTestAccess::CreatePosition(link), point);
         return link;
     }
 
-    void Place(ZELKinPosition* position, const Spec& point)
+    void Place(ZELKinPosition* position, const PointPlan& point)
     {
         position->SetToolPathPoint(new ZELTPPoint(&f.container, FrameAt(point.origin)));
         if (point.answer.free || !point.answer.rolls.isEmpty())

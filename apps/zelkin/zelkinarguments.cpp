@@ -42,6 +42,11 @@ bool ZELKinArguments::IsSet(const QString& option) const
     return m_parser.isSet(option);
 }
 
+QString ZELKinArguments::GetValue(const QString& option) const
+{
+    return m_parser.value(option);
+}
+
 QStringList ZELKinArguments::GetPositionals() const
 {
     return m_parser.positionalArguments();

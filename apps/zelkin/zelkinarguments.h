@@ -22,6 +22,8 @@ public:
     ZELKinArguments(const QString& command, const QStringList& arguments, const QList<QCommandLineOption>& options);
 
     bool IsSet(const QString& option) const;
+    //! The value given to an option that takes one; empty when it was not given.
+    QString GetValue(const QString& option) const;
     //! The positional arguments, in order.
     QStringList GetPositionals() const;
     //! The only positional argument. Throws ZELKinUsageError "missing the

@@ -1,6 +1,7 @@
 #include "zelkinapplication.h"
 #include "zelkincommandregistry.h"
 #include "zelkinconsole.h"
+#include "zelkingcodecommand.h"
 #include "zelkinhelpcommand.h"
 #include "zelkinmachinecommand.h"
 
@@ -18,6 +19,7 @@ int main(int argc, char* argv[])
     ZELKinCommandRegistry registry;
     registry.Add(std::make_unique<ZELKinHelpCommand>(registry));
     registry.Add(std::make_unique<ZELKinMachineCommand>());
+    registry.Add(std::make_unique<ZELKinGCodeCommand>());
 
     return ZELKinApplication(registry, QStringLiteral(ZELKIN_VERSION)).Run(QCoreApplication::arguments().mid(1));
 }

@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -29,11 +31,16 @@ struct ZELKinToolRun
     }
 };
 
-//! Runs zelkin with `arguments` and waits for it to end.
-inline ZELKinToolRun RunZelkin(const QStringList& arguments)
+//! Runs zelkin with `arguments` in `environment`, feeding it `input` on
+//! standard input, and waits for it to end.
+inline ZELKinToolRun RunZelkin(const QStringList& arguments, const QProcessEnvironment& environment,
+                               const QByteArray& input = QByteArray())
 {
     QProcess process;
+    process.setProcessEnvironment(environment);
     process.start(QStringLiteral(ZELKIN_EXECUTABLE), arguments);
+    process.write(input);
+    process.closeWriteChannel();
     ZELKinToolRun run;
     if (!process.waitForFinished(60000)) {
         ADD_FAILURE() << "zelkin did not run to its end: " << process.errorString().toStdString();
@@ -44,6 +51,12 @@ inline ZELKinToolRun RunZelkin(const QStringList& arguments)
     run.standardOutput = QString::fromUtf8(process.readAllStandardOutput());
     run.standardError = QString::fromUtf8(process.readAllStandardError());
     return run;
+}
+
+//! Runs zelkin with `arguments` in the test's own environment.
+inline ZELKinToolRun RunZelkin(const QStringList& arguments)
+{
+    return RunZelkin(arguments, QProcessEnvironment::systemEnvironment());
 }
 
 //! The shipped example machine.

@@ -3,6 +3,8 @@
 
 #include <zelkinafpmachine.h>
 #include <zelkincourselink.h>
+#include <zelkingcoderecord.h>
+#include <zelkingcoderecord_p.h>
 #include <zelkinplydescription.h>
 #include <zelkinposition.h>
 #include <zelkinprobecommand.h>
@@ -143,6 +145,9 @@ public:
     {
         return new ZELKinTowFeedCommand(course, rates, index);
     }
+
+    //! The body that a G-code record shares with its copies.
+    static const ZELKinGCodeRecordPrivate* BodyOf(const ZELKinGCodeRecord& record) { return record.d_func(); }
 
     //! The body that a ply description shares with its copies.
     static const void* SharedBodyOf(const ZELKinPlyDescription& ply) { return ply.d_ptr.constData(); }

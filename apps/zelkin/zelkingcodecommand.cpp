@@ -1,0 +1,181 @@
+#include "zelkingcodecommand.h"
+
+#include "zelkinarguments.h"
+#include "zelkinconsole.h"
+
+#include <zelkingcoderecord.h>
+#include <zelsysexception.h>
+
+#include <QFile>
+#include <QTextStream>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+const QString StandardInput = QStringLiteral("-");
+
+// The name errors give the input: the path as it was written, or "standard input".
+QString NameOf(const QString& path)
+{
+    return path == StandardInput ? QStringLiteral("standard input") : path;
+}
+
+ZELSysException CannotRead(const QString& path, const QFile& file)
+{
+    return ZELSysException(QStringLiteral("cannot read %1: %2").arg(NameOf(path), file.errorString()));
+}
+
+void OpenForReading(QFile& file, const QString& path)
+{
+    bool opened = false;
+    if (path == StandardInput) {
+        opened = file.open(stdin, QIODevice::ReadOnly);
+    } else {
+        file.setFileName(path);
+        opened = file.open(QIODevice::ReadOnly);
+    }
+    if (!opened)
+        throw CannotRead(path, file);
+}
+
+void AppendJsonString(QString& json, QStringView text)
+{
+    json += QLatin1Char('"');
+    for (const QChar c : text) {
+        switch (c.unicode()) {
+        case '"':
+            json += QLatin1String("\\\"");
+            break;
+        case '\\':
+            json += QLatin1String("\\\\");
+            break;
+        case '\b':
+            json += QLatin1String("\\b");
+            break;
+        case '\f':
+            json += QLatin1String("\\f");
+            break;
+        case '\n':
+            json += QLatin1String("\\n");
+            break;
+        case '\r':
+            json += QLatin1String("\\r");
+            break;
+        case '\t':
+            json += QLatin1String("\\t");
+            break;
+        default:
+            if (c.unicode() < 0x20)
+                json += QStringLiteral("\\u%1").arg(uint(c.unicode()), 4, 16, QLatin1Char('0'));
+            else
+                json += c;
+        }
+    }
+    json += QLatin1Char('"');
+}
+
+void AppendJsonNumbers(QString& json, const QList<unsigned>& numbers)
+{
+    json += QLatin1Char('[');
+    for (qsizetype i = 0; i < numbers.size(); ++i) {
+        if (i > 0)
+            json += QLatin1Char(',');
+        json += QString::number(numbers.at(i));
+    }
+    json += QLatin1Char(']');
+}
+
+// Each name once, its values in the order of the line. Names are sorted so
+// that equal lines give equal output.
+void AppendJsonWords(QString& json, const ZELKinGCodeRecord& record)
+{
+    QStringList names = record.GetVariables();
+    names.removeDuplicates();
+    std::sort(names.begin(), names.end());
+
+    json += QLatin1Char('{');
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        if (i > 0)
+            json += QLatin1Char(',');
+        const QString& name = names.at(i);
+        AppendJsonString(json, name);
+        json += QLatin1String(":[");
+        const QStringList values = record.GetVariableValues(name);
+        for (qsizetype j = 0; j < values.size(); ++j) {
+            if (j > 0)
+                json += QLatin1Char(',');
+            AppendJsonString(json, values.at(j));
+        }
+        json += QLatin1Char(']');
+    }
+    json += QLatin1Char('}');
+}
+
+// One line of JSON Lines; the keys in a fixed order, for readers and diffs.
+QString ToJsonLine(const ZELKinGCodeRecord& record)
+{
+    QString json = QStringLiteral("{\"line\":%1,\"comment\":").arg(record.GetLineNumber());
+    AppendJsonString(json, record.GetComment());
+    json += QLatin1String(",\"g\":");
+    AppendJsonNumbers(json, record.GetGCodes());
+    json += QLatin1String(",\"m\":");
+    AppendJsonNumbers(json, record.GetMCodes());
+    json += QLatin1String(",\"words\":");
+    AppendJsonWords(json, record);
+    json += QLatin1String("}\n");
+    return json;
+}
+
+} // namespace
+
+QString ZELKinGCodeCommand::GetName() const
+{
+    return QStringLiteral("gcode");
+}
+
+QString ZELKinGCodeCommand::GetSummary() const
+{
+    return QStringLiteral("Take NC text apart into its words, one JSON line per line");
+}
+
+QString ZELKinGCodeCommand::GetSynopsis() const
+{
+    return QStringLiteral("FILE|-");
+}
+
+QString ZELKinGCodeCommand::GetDescription() const
+{
+    return QStringLiteral(
+        "Reads the NC text in FILE, or on standard input for \"-\", and prints every\n"
+        "line taken apart into its words as the library's G-code record reads it:\n"
+        "one JSON object a line (JSON Lines), with the keys\n"
+        "  line     the line's number, counted from 1\n"
+        "  comment  the text after the first semicolon; the whole line if it has none\n"
+        "  g, m     the values of the G and M words as numbers, the last on the line\n"
+        "           first; a value that is not an unsigned whole number reads 0\n"
+        "  words    every other word: its name and its values as text, in the order\n"
+        "           of the line; names sorted\n"
+        "A word is an upper-case name (letters and underscores, and one digit more\n"
+        "right before an \"=\") followed by a number or a text in double quotes.\n"
+        "Bytes that are not UTF-8 read as U+FFFD.\n");
+}
+
+int ZELKinGCodeCommand::Run(const QStringList& arguments)
+{
+    const ZELKinArguments parsed(GetName(), arguments, {});
+    const QString path = parsed.GetSinglePositional(QStringLiteral("NC file"));
+
+    QFile file;
+    OpenForReading(file, path);
+    QTextStream text(&file);
+    QString line;
+    unsigned lineNumber = 0;
+    while (text.readLineInto(&line))
+        ZELKinConsole::Print(ToJsonLine(ZELKinGCodeRecord(++lineNumber, line)));
+    // A read that fails half-way must not pass for the end of the program.
+    if (file.error() != QFileDevice::NoError)
+        throw CannotRead(path, file);
+    return ZELKinExitStatus::Success;
+}

@@ -1,0 +1,228 @@
+#include "zelkintoolrun.h"
+
+#include <zeltestsupport.h>
+
+#include <QByteArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+namespace {
+
+const QString GCodeUsageHint = QStringLiteral("zelkin: hint: run 'zelkin help gcode' for its usage");
+
+// A short program with the kinds of line a reader meets: a motion line with
+// a comment, an assignment, a message, a comment line, a blank line,
+// repeated words, and lower-case text that is no word. Windows line ends on
+// the first line, none after the last.
+const QByteArray SmallProgram = "N10 G1 G64 X-12.5 Y3 F2000 ;move\r\n"
+                                "R1=16\n"
+                                "MSG(\"PLY 101\")\n"
+                                "; only a comment\n"
+                                "\n"
+                                "M3 M30 X1 X2\n"
+                                "g1 x5";
+
+const QString SmallProgramJson =
+    QStringLiteral("{\"line\":1,\"comment\":\"move\",\"g\":[64,1],\"m\":[],"
+                   "\"words\":{\"F\":[\"2000\"],\"N\":[\"10\"],\"X\":[\"-12.5\"],\"Y\":[\"3\"]}}\n"
+                   "{\"line\":2,\"comment\":\"R1=16\",\"g\":[],\"m\":[],\"words\":{\"R1\":[\"16\"]}}\n"
+                   "{\"line\":3,\"comment\":\"MSG(\\\"PLY 101\\\")\",\"g\":[],\"m\":[],"
+                   "\"words\":{\"MSG\":[\"PLY 101\"]}}\n"
+                   "{\"line\":4,\"comment\":\" only a comment\",\"g\":[],\"m\":[],\"words\":{}}\n"
+                   "{\"line\":5,\"comment\":\"\",\"g\":[],\"m\":[],\"words\":{}}\n"
+                   "{\"line\":6,\"comment\":\"M3 M30 X1 X2\",\"g\":[],\"m\":[30,3],\"words\":{\"X\":[\"1\",\"2\"]}}\n"
+                   "{\"line\":7,\"comment\":\"g1 x5\",\"g\":[],\"m\":[],\"words\":{}}\n");
+
+QString WriteBytes(const QTemporaryDir& directory, const QString& name, const QByteArray& bytes)
+{
+    const QString path = QDir(directory.path()).filePath(name);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        ADD_FAILURE() << "cannot write " << path.toStdString();
+    return path;
+}
+
+// Runs "zelkin gcode <file>" on `bytes` written to a file.
+ZELKinToolRun RunOnFile(const QByteArray& bytes)
+{
+    const QTemporaryDir directory;
+    return RunZelkin({QStringLiteral("gcode"), WriteBytes(directory, QStringLiteral("program.nc"), bytes)});
+}
+
+// Runs "zelkin gcode -" with `bytes` on its standard input.
+ZELKinToolRun RunOnStandardInput(const QByteArray& bytes)
+{
+    return RunZelkin({QStringLiteral("gcode"), QStringLiteral("-")}, QProcessEnvironment::systemEnvironment(), bytes);
+}
+
+::testing::AssertionResult Succeeded(const ZELKinToolRun& run)
+{
+    if (run.exitStatus != QProcess::NormalExit || run.exitCode != 0 || !run.standardError.isEmpty())
+        return ::testing::AssertionFailure() << "exit code " << run.exitCode << ", stderr: "
+                                             << run.standardError.toStdString();
+    return ::testing::AssertionSuccess();
+}
+
+// A failed command prints nothing on stdout and exactly the given lines on
+// stderr, and ends with `exitCode` of its own accord.
+void ExpectFailure(const ZELKinToolRun& run, int exitCode, const QStringList& errorLines)
+{
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, exitCode);
+    EXPECT_EQ(run.standardOutput, QString());
+    EXPECT_EQ(run.GetErrorLines(), errorLines);
+}
+
+} // namespace
+
+TEST(ZELKinToolGCode, PrintsOneJsonLinePerLineOfTheFile)
+{
+    const ZELKinToolRun run = RunOnFile(SmallProgram);
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput, SmallProgramJson);
+}
+
+TEST(ZELKinToolGCode, DashReadsStandardInput)
+{
+    const ZELKinToolRun run = RunOnStandardInput(SmallProgram);
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput, SmallProgramJson);
+}
+
+TEST(ZELKinToolGCode, EveryLineIsOneJsonObject)
+{
+    const ZELKinToolRun run = RunOnFile(SmallProgram);
+    QStringList lines = run.standardOutput.split(QLatin1Char('\n'));
+    ASSERT_EQ(lines.takeLast(), QString());
+    ASSERT_EQ(lines.size(), 7);
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        QJsonParseError error;
+        const QJsonDocument document = QJsonDocument::fromJson(lines.at(i).toUtf8(), &error);
+        EXPECT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
+        EXPECT_EQ(document.object().value(QStringLiteral("line")).toInt(), i + 1);
+    }
+}
+
+TEST(ZELKinToolGCode, WordNamesAreSortedAndRepeatedValuesKeepTheirOrder)
+{
+    const ZELKinToolRun run = RunOnFile("_A1=1 Z2 B3 R1=4 R5 Z-6 G0 M5\n");
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"_A1=1 Z2 B3 R1=4 R5 Z-6 G0 M5\",\"g\":[0],\"m\":[5],"
+                             "\"words\":{\"B\":[\"3\"],\"R\":[\"5\"],\"R1\":[\"4\"],\"Z\":[\"2\",\"-6\"],"
+                             "\"_A1\":[\"1\"]}}\n"));
+}
+
+TEST(ZELKinToolGCode, WordsWithoutValueAndCodesThatDoNotConvert)
+{
+    const ZELKinToolRun run = RunOnFile("G G1.5 G01 X M-3\n");
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput, QStringLiteral("{\"line\":1,\"comment\":\"G G1.5 G01 X M-3\",\"g\":[1,0,0],"
+                                                 "\"m\":[0],\"words\":{\"X\":[\"\"]}}\n"));
+}
+
+TEST(ZELKinToolGCode, QuotesBackslashesAndControlCharactersAreEscaped)
+{
+    const ZELKinToolRun run = RunOnFile("X1 ;say \"hi\" \\ tab\there\x01\n");
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput, QStringLiteral("{\"line\":1,\"comment\":\"say \\\"hi\\\" \\\\ tab\\there\\u0001\","
+                                                 "\"g\":[],\"m\":[],\"words\":{\"X\":[\"1\"]}}\n"));
+}
+
+TEST(ZELKinToolGCode, BytesThatAreNotUtf8ReadAsReplacementCharacters)
+{
+    const ZELKinToolRun run = RunOnFile("X1 ;caf\xe9\n\xff\xfeG2\n");
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"caf\ufffd\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"1\"]}}\n"
+                             "{\"line\":2,\"comment\":\"\ufffd\ufffdG2\",\"g\":[2],\"m\":[],\"words\":{}}\n"));
+}
+
+TEST(ZELKinToolGCode, Utf8ByteOrderMarkIsNotPartOfTheFirstLine)
+{
+    const ZELKinToolRun run = RunOnFile("\xef\xbb\xbfG1 ;\xc3\xa4\n");
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"\u00e4\",\"g\":[1],\"m\":[],\"words\":{}}\n"));
+}
+
+TEST(ZELKinToolGCode, EmptyInputPrintsNothing)
+{
+    for (const ZELKinToolRun& run : {RunOnFile(QByteArray()), RunOnStandardInput(QByteArray())}) {
+        EXPECT_TRUE(Succeeded(run));
+        EXPECT_EQ(run.standardOutput, QString());
+    }
+}
+
+TEST(ZELKinToolGCode, LongProgramIsReadToItsLastLine)
+{
+    constexpr int kLines = 20000;
+    QByteArray program;
+    for (int i = 1; i <= kLines; ++i)
+        program += "N" + QByteArray::number(i) + " G1 X" + QByteArray::number(i % 97) + "\n";
+    const ZELKinToolRun run = RunOnFile(program);
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput.count(QLatin1Char('\n')), kLines);
+    EXPECT_TRUE(run.standardOutput.endsWith(QStringLiteral("{\"line\":20000,\"comment\":\"N20000 G1 X18\",\"g\":[1],"
+                                                           "\"m\":[],\"words\":{\"N\":[\"20000\"],\"X\":[\"18\"]}}\n")))
+        << run.standardOutput.right(200).toStdString();
+}
+
+TEST(ZELKinToolGCode, MissingFileIsAnErrorNamingTheFile)
+{
+    const QTemporaryDir directory;
+    const QString path = QDir(directory.path()).filePath(QStringLiteral("no-such-program.nc"));
+    ExpectFailure(RunZelkin({QStringLiteral("gcode"), path}), 1,
+                  {QStringLiteral("zelkin: error: cannot read %1: No such file or directory").arg(path)});
+}
+
+TEST(ZELKinToolGCode, DirectoryIsAnErrorNamingIt)
+{
+    const QTemporaryDir directory;
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("gcode"), directory.path()});
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.standardOutput, QString());
+    const QStringList errors = run.GetErrorLines();
+    ASSERT_EQ(errors.size(), 1);
+    const QString prefix = QStringLiteral("zelkin: error: cannot read %1: ").arg(directory.path());
+    EXPECT_TRUE(errors.first().startsWith(prefix)) << errors.first().toStdString();
+    EXPECT_GT(errors.first().size(), prefix.size());
+}
+
+TEST(ZELKinToolGCode, MissingFileArgumentIsAUsageError)
+{
+    ExpectFailure(RunZelkin({QStringLiteral("gcode")}), 2,
+                  {QStringLiteral("zelkin: error: missing the NC file"), GCodeUsageHint});
+}
+
+TEST(ZELKinToolGCode, SecondFileIsAUsageError)
+{
+    ExpectFailure(RunZelkin({QStringLiteral("gcode"), QStringLiteral("a.nc"), QStringLiteral("b.nc")}), 2,
+                  {QStringLiteral("zelkin: error: unexpected argument 'b.nc'"), GCodeUsageHint});
+}
+
+TEST(ZELKinToolGCode, UnknownOptionIsAUsageError)
+{
+    ExpectFailure(RunZelkin({QStringLiteral("gcode"), QStringLiteral("--json"), QStringLiteral("a.nc")}), 2,
+                  {QStringLiteral("zelkin: error: unknown option '--json'"), GCodeUsageHint});
+}
+
+TEST(ZELKinToolGCode, HelpShowsTheUsage)
+{
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("help"), QStringLiteral("gcode")});
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_TRUE(run.standardOutput.startsWith(QStringLiteral("Usage: zelkin gcode FILE|-\n\n")))
+        << run.standardOutput.toStdString();
+}
+
+TEST(ZELKinToolGCode, IsListedAmongTheCommands)
+{
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("help")});
+    EXPECT_TRUE(Succeeded(run));
+    const QRegularExpression entry(
+        QStringLiteral("^  gcode +Take NC text apart into its words, one JSON line per line$"),
+        QRegularExpression::MultilineOption);
+    EXPECT_TRUE(entry.match(run.standardOutput).hasMatch()) << run.standardOutput.toStdString();
+}

@@ -2,6 +2,7 @@
 #include "zelkincommandregistry.h"
 #include "zelkinconsole.h"
 #include "zelkingcodecommand.h"
+#include "zelkingeneratetoolpathcommand.h"
 #include "zelkinhelpcommand.h"
 #include "zelkinmachinecommand.h"
 
@@ -19,6 +20,7 @@ int main(int argc, char* argv[])
     ZELKinCommandRegistry registry;
     registry.Add(std::make_unique<ZELKinHelpCommand>(registry));
     registry.Add(std::make_unique<ZELKinMachineCommand>());
+    registry.Add(std::make_unique<ZELKinGenerateToolpathCommand>());
     registry.Add(std::make_unique<ZELKinGCodeCommand>());
 
     return ZELKinApplication(registry, QStringLiteral(ZELKIN_VERSION)).Run(QCoreApplication::arguments().mid(1));

@@ -1,0 +1,190 @@
+#include "zelkingeneratetoolpathcommand.h"
+
+#include "zelkinarguments.h"
+#include "zelkinoutputfile.h"
+#include "zelkintoolpathgenerator.h"
+#include "zelkintoolpathjsonwriter.h"
+#include "zelkintoolpathpart.h"
+
+#include <zelsysexception.h>
+
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+const QString PartOption = QStringLiteral("part");
+const QString PliesOption = QStringLiteral("plies");
+const QString CoursesOption = QStringLiteral("courses");
+const QString PointsOption = QStringLiteral("points-per-course");
+const QString NameOption = QStringLiteral("name");
+const QString OutputOption = QStringLiteral("o");
+
+constexpr double kSteepestPly = 90.0;
+constexpr int kMostCourses = 1000000;
+constexpr int kMostPoints = 10000000;
+
+QList<QCommandLineOption> GetOptions()
+{
+    return {QCommandLineOption(PartOption, QString(), QStringLiteral("part")),
+            QCommandLineOption(PliesOption, QString(), QStringLiteral("angles")),
+            QCommandLineOption(CoursesOption, QString(), QStringLiteral("count")),
+            QCommandLineOption(PointsOption, QString(), QStringLiteral("count")),
+            QCommandLineOption(NameOption, QString(), QStringLiteral("name")),
+            QCommandLineOption({OutputOption, QStringLiteral("output")}, QString(), QStringLiteral("file"))};
+}
+
+// The command's options read and checked, each refused with a usage error
+// that says what was expected.
+class OptionReader
+{
+public:
+    OptionReader(const QString& command, const QStringList& arguments)
+        : m_command(command)
+        , m_parsed(command, arguments, GetOptions())
+    {
+        m_parsed.RequireAtMostPositionals(0);
+    }
+
+    QString GetRequired(const QString& option, const QString& what) const
+    {
+        if (!m_parsed.IsSet(option))
+            throw ZELKinUsageError(QStringLiteral("missing the %1").arg(what), m_command);
+        return m_parsed.GetValue(option);
+    }
+
+    std::unique_ptr<ZELKinToolpathPart> GetPart() const
+    {
+        const QString kind = GetRequired(PartOption, QStringLiteral("part (--part flat|cylinder|dome)"));
+        std::unique_ptr<ZELKinToolpathPart> part = ZELKinToolpathPart::Create(kind);
+        if (!part)
+            throw ZELKinUsageError(QStringLiteral("unknown part '%1': expected flat, cylinder or dome").arg(kind),
+                                   m_command);
+        return part;
+    }
+
+    QList<double> GetPlyAngles() const
+    {
+        const QString list = GetRequired(PliesOption, QStringLiteral("ply angles (--plies)"));
+        QList<double> angles;
+        for (const QString& item : list.split(QLatin1Char(','))) {
+            bool ok = false;
+            const double angle = item.toDouble(&ok);
+            // Written so that NaN fails it.
+            if (!ok || !(angle >= -kSteepestPly && angle <= kSteepestPly))
+                throw ZELKinUsageError(QStringLiteral("invalid ply angle '%1' in '%2': expected angles in degrees "
+                                                      "from -90 to 90, separated by commas")
+                                           .arg(item, list),
+                                       m_command);
+            angles.append(angle);
+        }
+        return angles;
+    }
+
+    int GetCount(const QString& option, const QString& what, int fallback, int least, int most) const
+    {
+        if (!m_parsed.IsSet(option))
+            return fallback;
+        const QString text = m_parsed.GetValue(option);
+        bool ok = false;
+        const int count = text.toInt(&ok);
+        if (!ok || count < least || count > most)
+            throw ZELKinUsageError(QStringLiteral("invalid %1 '%2': expected a whole number from %3 to %4")
+                                       .arg(what, text, QString::number(least), QString::number(most)),
+                                   m_command);
+        return count;
+    }
+
+    QString GetName(const QString& fallback) const
+    {
+        if (!m_parsed.IsSet(NameOption))
+            return fallback;
+        const QString name = m_parsed.GetValue(NameOption);
+        if (!IsValidName(name))
+            throw ZELKinUsageError(QStringLiteral("invalid program name '%1': it must not be empty or hold '/', "
+                                                  "'\\', '..' or control characters")
+                                       .arg(name),
+                                   m_command);
+        return name;
+    }
+
+private:
+    // The name becomes the base of file names when the program is posted.
+    static bool IsValidName(const QString& name)
+    {
+        if (name.isEmpty() || name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\'))
+            || name.contains(QLatin1String("..")))
+            return false;
+        return std::none_of(name.cbegin(), name.cend(), [](QChar c) { return c.category() == QChar::Other_Control; });
+    }
+
+    QString m_command;
+    ZELKinArguments m_parsed;
+};
+
+} // namespace
+
+QString ZELKinGenerateToolpathCommand::GetName() const
+{
+    return QStringLiteral("generate-toolpath");
+}
+
+QString ZELKinGenerateToolpathCommand::GetSummary() const
+{
+    return QStringLiteral("Write an example toolpath for a part on the example gantry");
+}
+
+QString ZELKinGenerateToolpathCommand::GetSynopsis() const
+{
+    return QStringLiteral("--part flat|cylinder|dome --plies A,B,... [--courses N] [--points-per-course M]\n"
+                          "       [--name NAME] -o FILE.json");
+}
+
+QString ZELKinGenerateToolpathCommand::GetDescription() const
+{
+    return QStringLiteral(
+        "Writes a toolpath program (a \"zelkin-toolpath\" document, version 1) for a\n"
+        "part placed on the bed of examples/machines/gantry-rbr.xml, within its travel\n"
+        "and its wrist's reach: one roll layup procedure per ply angle, each with N\n"
+        "courses side by side across the middle of the part, tows added and cut in\n"
+        "groups of four where they cross the part's edge, links between the courses,\n"
+        "and a probing procedure with three sphere targets around the part. The last\n"
+        "course of the first ply is laid with an 8-tow roller, so the program holds\n"
+        "tool changes. The same arguments give the same file, byte for byte.\n"
+        "\n"
+        "Options:\n"
+        "  --part PART                flat: a flat panel, 3000 x 1500 mm;\n"
+        "                             cylinder: a convex cylinder section, radius\n"
+        "                             1500 mm, 35 deg either side, 3000 mm long along X;\n"
+        "                             dome: a spherical cap, radius 2500 mm, 30 deg.\n"
+        "  --plies A,B,...            one ply per angle, in degrees from -90 to 90,\n"
+        "                             measured from X towards Y.\n"
+        "  --courses N                courses per ply (default 8).\n"
+        "  --points-per-course M      points spread along the laid stretch of each\n"
+        "                             course (default 50); the adds and cuts come on top.\n"
+        "  --name NAME                the program's name (default: the part's name,\n"
+        "                             flat-panel, cylinder-section or dome).\n"
+        "  -o, --output FILE.json     the file to write; it is replaced only once the\n"
+        "                             new one is complete.\n");
+}
+
+int ZELKinGenerateToolpathCommand::Run(const QStringList& arguments)
+{
+    const OptionReader reader(GetName(), arguments);
+    const std::unique_ptr<ZELKinToolpathPart> part = reader.GetPart();
+    ZELKinToolpathGenerator::Settings settings;
+    settings.plyAngles = reader.GetPlyAngles();
+    settings.courses =
+        reader.GetCount(CoursesOption, QStringLiteral("course count"), settings.courses, 1, kMostCourses);
+    settings.pointsPerCourse = reader.GetCount(PointsOption, QStringLiteral("point count"), settings.pointsPerCourse,
+                                               2, kMostPoints);
+    settings.name = reader.GetName(part->GetName());
+    const QString path = reader.GetRequired(OutputOption, QStringLiteral("output file (-o FILE.json)"));
+
+    ZELKinOutputFile file(path);
+    ZELKinToolpathJsonWriter writer(file.GetDevice(), path);
+    ZELKinToolpathGenerator(*part, settings).Write(writer);
+    file.Commit();
+    return ZELKinExitStatus::Success;
+}

@@ -1,0 +1,27 @@
+#ifndef ZELKINTOOLPATHDOME_H
+#define ZELKINTOOLPATHDOME_H
+
+#include "zelkintoolpathpart.h"
+
+/*!
+    A spherical cap: a sphere of radius 2500 mm cut 30 degrees around its
+    top, which lies at the top of the part. The course plane is the
+    horizontal plane seen from above, so that a course is the cut of the
+    sphere by a vertical plane and the courses of a ply lie in parallel
+    planes. The boundary is the circle the cap's rim makes in it.
+*/
+class ZELKinToolpathDome : public ZELKinToolpathPart
+{
+public:
+    QString GetName() const override;
+    QString GetPropagation() const override;
+    ZELKinToolpathPoint GetSurfacePoint(const ZELMathVector2D& position,
+                                        const ZELMathVector2D& direction) const override;
+    double GetLength(const ZELMathVector2D& from, const ZELMathVector2D& to) const override;
+    std::optional<Range> GetCrossing(const ZELMathVector2D& position,
+                                     const ZELMathVector2D& direction) const override;
+    Range GetExtent(const ZELMathVector2D& across) const override;
+    QList<ZELMathVector2D> GetProbeTargets() const override;
+};
+
+#endif // ZELKINTOOLPATHDOME_H

@@ -1,0 +1,95 @@
+#ifndef ZELKINTOOLPATHGENERATOR_H
+#define ZELKINTOOLPATHGENERATOR_H
+
+#include <QList>
+#include <QString>
+
+class ZELKinToolpathCoursePlan;
+class ZELKinToolpathJsonWriter;
+class ZELKinToolpathPart;
+
+/*!
+    Makes a fibre placement toolpath program for a part on the example gantry
+    and writes it as a toolpath document (format "zelkin-toolpath", version 1)
+    while it is made, so that programs of any size take little memory.
+
+    The program holds one roll layup procedure per ply angle, then a probing
+    procedure:
+    - each ply lays `courses` parallel courses of the 16-tow roller (101.6 mm
+      wide) side by side across the middle of the part; where they would be
+      wider together than the part, they are spread across it and overlap.
+      Tows are added and cut in groups of four where each group enters and
+      leaves the part (ZELKinToolpathCoursePlan);
+    - a course: an approach down to a lifted lead-in point, a roll-in that
+      touches down 25.4 mm before the first add, one tow trajectory per
+      stretch of unchanged tows with `pointsPerCourse` points spread evenly
+      from the first add to the last cut (plus the adds and cuts), a
+      roll-out 25.4 mm past the last cut up to a lifted lift-off point, and a
+      retract;
+    - links: an approach from above the safety plane, a transfer between
+      consecutive courses above it, a final retract; the last course of the
+      first ply is laid with an 8-tow roller (tows 5 to 12), so the link
+      into it changes the roller and the first link that follows on another
+      course changes it back;
+    - the probing procedure probes three sphere targets (12.7 mm) on the tool
+      around the part.
+    The ply angle is measured in the part's course plane from machine +X
+    towards +Y. Tilt and smoothing angles are 0. The same settings give the
+    same text, byte for byte.
+*/
+class ZELKinToolpathGenerator
+{
+public:
+    struct Settings
+    {
+        //! The program's name.
+        QString name;
+        //! One ply per angle (degrees, -90 to 90), in order.
+        QList<double> plyAngles;
+        //! Courses per ply, at least 1.
+        int courses = 8;
+        //! Points spread along each course's laid stretch, at least 2.
+        int pointsPerCourse = 50;
+    };
+
+    //! `part` is not owned and must outlive the generator.
+    ZELKinToolpathGenerator(const ZELKinToolpathPart& part, const Settings& settings);
+
+    //! Writes the whole program as one document. Throws what the writer
+    //! throws when its device refuses the text.
+    void Write(ZELKinToolpathJsonWriter& writer) const;
+
+private:
+    //! A roller and the head tows it lays: `towCount` from `firstTow` (0 for tow 1).
+    struct Roller
+    {
+        const char* name;
+        int firstTow;
+        int towCount;
+    };
+
+    void WriteLayupProcedure(ZELKinToolpathJsonWriter& writer, int ply, const Roller*& onHead) const;
+    void WriteLinks(ZELKinToolpathJsonWriter& writer, int ply, const Roller*& onHead) const;
+    void WriteCourses(ZELKinToolpathJsonWriter& writer, int ply) const;
+    void WriteCourse(ZELKinToolpathJsonWriter& writer, const ZELKinToolpathCoursePlan& plan, const Roller& roller,
+                     int number) const;
+    void WriteTowTrajectory(ZELKinToolpathJsonWriter& writer, const ZELKinToolpathCoursePlan& plan,
+                            int stretch) const;
+    void WriteProbingProcedure(ZELKinToolpathJsonWriter& writer) const;
+    void WriteSafetyPlane(ZELKinToolpathJsonWriter& writer) const;
+
+    ZELKinToolpathCoursePlan PlanCourse(int ply, int course) const;
+    const Roller& GetRoller(int ply, int course) const;
+    double GetMaterialLength(int ply) const;
+    double GetSafetyHeight() const;
+    double GetTraverseHeight() const;
+    double GetParkHeight() const;
+
+    static const Roller kWideRoller;
+    static const Roller kNarrowRoller;
+
+    const ZELKinToolpathPart& m_part;
+    Settings m_settings;
+};
+
+#endif // ZELKINTOOLPATHGENERATOR_H

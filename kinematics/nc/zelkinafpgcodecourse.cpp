@@ -1,0 +1,264 @@
+#include "zelkinafpgcodecourse_p.h"
+
+#include "zelkinafpgcodematerialaxis_p.h"
+#include "zelkinafpmachine.h"
+#include "zelkincourselink.h"
+#include "zelkinncformat_p.h"
+#include "zelkinrolllayupposition.h"
+#include "zelkinrolllayupprocedure.h"
+#include "zelkintowcommand.h"
+#include "zelkintowcourse.h"
+#include "zelkintowfeedcommand.h"
+
+#include <QTextStream>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double kFeedChangeTolerance = 0.001;
+const QString kFromPark = QStringLiteral(";[FROM PARK]");
+
+// The tow codes that the next position line carries, and whether they add
+// or cut tows (which limits its feed).
+struct TowCodes
+{
+    QString text;
+    bool afterAdd = false;
+    bool afterCut = false;
+};
+
+// Appends the codes of the run of tow and tow feed commands that starts at
+// command `from`: "T" and the mask for an add, "S" and the mask for a cut.
+void CollectTowCodes(const ZELKinTowCourse* course, int from, TowCodes& codes)
+{
+    for (int i = from; i < course->GetNumCommands(); ++i) {
+        const ZELKinCommand* command = course->GetCommand(i);
+        if (qobject_cast<const ZELKinTowFeedCommand*>(command))
+            continue;
+        const auto* tow = qobject_cast<const ZELKinTowCommand*>(command);
+        if (!tow)
+            return;
+        const QString mask = QString::number(tow->GetTowMask().GetRawValue());
+        if (tow->GetType() == ZELKinTowCommand::Add) {
+            codes.text += QLatin1Char('T') + mask;
+            codes.afterAdd = true;
+        } else if (tow->GetType() == ZELKinTowCommand::Cut) {
+            codes.text += QLatin1Char('S') + mask;
+            codes.afterCut = true;
+        }
+    }
+}
+
+// The procedure's link at `index`; null past the end of its links.
+const ZELKinCourseLink* LinkAt(const ZELKinRollLayupProcedure* procedure, int index)
+{
+    return index >= 0 && index < procedure->GetNumCourseLinks() ? procedure->GetCourseLink(index) : nullptr;
+}
+
+const ZELKinRollLayupPosition* FirstRollLayupPosition(const ZELKinTowCourse* course)
+{
+    for (int i = 0; i < course->GetNumCommands(); ++i) {
+        if (const auto* position = qobject_cast<const ZELKinRollLayupPosition*>(course->GetCommand(i)))
+            return position;
+    }
+    return nullptr;
+}
+
+QString TowLengths(const ZELKinTowCourse* course)
+{
+    const ZELCompTowMask mask = course->GetTowMask();
+    QStringList lengths;
+    for (int tow = 1; tow <= mask.GetNumTows(); ++tow) {
+        if (mask.IsTowEnabled(tow))
+            lengths.append(
+                QStringLiteral("T%1=%2").arg(tow).arg(ZELKinNCFormat::Fixed(course->GetTowLength(tow - 1), 2)));
+    }
+    return lengths.join(QLatin1Char(','));
+}
+
+} // namespace
+
+ZELKinAFPGCodeCourse::ZELKinAFPGCodeCourse(const ZELKinAFPMachine* machine, const ZELKinRollLayupProcedure* procedure,
+                                           const ZELKinAFPGCodeTowEvents::PinchSplitting& splitting)
+    : machine(machine)
+    , procedure(procedure)
+    , splitting(splitting)
+    , words(machine, procedure)
+{
+    if (procedure->GetNumPlies() > 0) {
+        const ZELKinPlyDescription ply = procedure->GetPlyDefinition(0);
+        material = ply.GetMaterial();
+        plyName = ply.GetName();
+    }
+}
+
+void ZELKinAFPGCodeCourse::Write(QTextStream& out, ZELKinTowCourse* course, int listIndex) const
+{
+    ZELKinAFPGCodeMaterialAxis::Prepare(course, machine->GetMaterialVariable());
+    WriteRecordAndEvents(out, course, listIndex);
+    WriteTowsRequired(out, course);
+    WriteStartChecks(out, course, listIndex);
+    WriteApproach(out, course);
+    WriteCourseStart(out, course);
+    Written written = WriteCourseLines(out, course);
+    written = WriteOffPartLine(out, course, written);
+    out << "CHECK_M01; Check Whether Optional Stopping\n";
+    WriteRetract(out, course, written);
+    out << "; End of Course #" << listIndex + 1 << " Circuit\n";
+}
+
+void ZELKinAFPGCodeCourse::WriteRecordAndEvents(QTextStream& out, const ZELKinTowCourse* course, int listIndex) const
+{
+    out << ";[COURSE] CourseNumber=" << listIndex + 1 << ",TowRoller=" << course->GetRollerTows()
+        << ",TowsUsed=" << course->GetTowMask().GetHexadecimalString() << ",Material=" << material << '\n'
+        << ";PMAC1: G400U0\n";
+    ZELKinAFPGCodeTowEvents events(machine->GetPinchDistance(), machine->GetMaterialVariable(), splitting);
+    for (const ZELKinAFPGCodeTowEvents::Event& event : events.Collect(course))
+        out << ZELKinAFPGCodeTowEvents::Line(event) << '\n';
+}
+
+void ZELKinAFPGCodeCourse::WriteTowsRequired(QTextStream& out, const ZELKinTowCourse* course)
+{
+    const ZELCompTowMask mask = course->GetTowMask();
+    out << "; Tows Required for Course [" << mask.GetHexadecimalString() << "]\n"
+        << "REQ_TOW1=" << mask.GetRawValue() << '\n'
+        << ";[TOW LENGTH]" << TowLengths(course) << '\n';
+}
+
+void ZELKinAFPGCodeCourse::WriteStartChecks(QTextStream& out, const ZELKinTowCourse* course, int listIndex)
+{
+    // The first course of a procedure starts the sequence and the ply, and
+    // always checks the roller; the later ones only when coming from park.
+    QString prefix = kFromPark;
+    if (listIndex == 0) {
+        out << "M22; Sequence Start\n"
+            << "M20; Ply Start\n";
+        prefix.clear();
+    }
+    const int rollerTows = course->GetRollerTows();
+    out << prefix << "MSG(\"Verify " << rollerTows << "-tow compaction roller is currently loaded on head\")\n"
+        << prefix << "M0; Program Stop\n"
+        << prefix << "MSG(\"\")\n";
+    if (rollerTows == 8)
+        out << prefix << "M85; 8-Tow Roller Loaded\n";
+    else if (rollerTows == 16)
+        out << prefix << "M84; 16-Tow Roller Loaded\n";
+}
+
+void ZELKinAFPGCodeCourse::WriteApproach(QTextStream& out, const ZELKinTowCourse* course) const
+{
+    const ZELKinCourseLink* approach = LinkAt(procedure, course->GetIndex());
+    const ZELKinPosition* last = approach ? approach->GetLastPosition() : nullptr;
+    const double feed = last ? last->GetFeedrate() : std::numeric_limits<double>::quiet_NaN();
+    out << kFromPark << "M61; Activate Layup Traori\n"
+        << kFromPark << "M67; Establish Tool Transformation Frame\n"
+        << kFromPark << "GUD_MATERIAL_REQUIRED=\"" << material << "\"\n"
+        << kFromPark << "M27; Verify Material Loaded\n"
+        << kFromPark << "RETZ; Retract head\n"
+        << kFromPark << "G0" << words.Words(last, nullptr, {QStringLiteral("Z")}) << ";Last off part point\n"
+        << kFromPark << "G1F" << ZELKinNCFormat::General(ZELKinNCFormat::ToInches(feed)) << ";Last off part point\n"
+        << ";[FROM COURSE]G0" << words.Words(last) << ";Last off part point\n"
+        << kFromPark << "MSG(\"Verify compaction roller is above expected starting point on tool\")\n"
+        << kFromPark << "M0; Program Stop\n"
+        << kFromPark << "MSG(\"\")\n"
+        << "N1G641 ADIS=OFF_PART " << words.Words(last) << "; Last off part point\n"
+        << ";[FROM COURSE]M7; Check if prior course completed\n"
+        << ";[END OF CONDITIONAL BLOCKS]\n";
+}
+
+void ZELKinAFPGCodeCourse::WriteCourseStart(QTextStream& out, const ZELKinTowCourse* course) const
+{
+    out << "GUD_PHASE=\"AFP\"\n"
+        << "GUD_PLY_ID=\"" << plyName << "\"\n"
+        << "GUD_CRS_BND_NUM=" << course->GetIndex() + 1 << '\n'
+        << "GUD_RECOVERY_NUM=0\n"
+        << "HSL; Establish High Speed Functions\n"
+        << "G92(U,0.0000); Preset U-Axis\n"
+        << "$A_DBD[580]=REQ_TOW1\n"
+        << "M64; Handshake Between PMAC and CNC\n"
+        << "M26; Check tows are loaded\n"
+        << "M4; Start Course\n"
+        << "M19; Turn On Compaction Heater\n";
+}
+
+ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteCourseLines(QTextStream& out,
+                                                                     const ZELKinTowCourse* course) const
+{
+    const int count = course->GetNumCommands();
+    const ZELKinRollLayupPosition* first = FirstRollLayupPosition(course);
+    Written written{first, first ? first->GetNIndex() : 0};
+    double previousFeed = first ? ZELKinAFPGCodeAxisWords::EffectiveFeed(first)
+                                : std::numeric_limits<double>::quiet_NaN();
+    TowCodes codes;
+    bool firstLine = true;
+    // Each line begins with its line end, so that the last one can be
+    // marked after the loop. The course's first command, when a position,
+    // is the first position and gives no line, so no line is the course's
+    // command 0 and none gets the exact stop G9.
+    out << "COURSE_MODE";
+    for (int i = 0; i < count - 1; ++i) {
+        auto* position = qobject_cast<ZELKinRollLayupPosition*>(course->GetCommand(i));
+        if (!position || position == first)
+            continue;
+        CollectTowCodes(course, i + 1, codes);
+        if (words.IsSamePosition(position, written.position))
+            continue;
+        const double feed = words.LimitFeed(position->GetFeedrate(), codes.afterAdd, codes.afterCut);
+        out << "\nN" << position->GetNIndex();
+        if (std::abs(feed - previousFeed) > kFeedChangeTolerance && i < count - 3)
+            out << "M69";
+        ZELKinAFPGCodeAxisWords::SetActualFeed(position, feed);
+        out << "G1";
+        if (i == count - 2)
+            out << "G642 ADIS=COURSEND ";
+        out << words.Words(position, written.position, QStringList(), codes.text);
+        if (firstLine)
+            out << ";First point in course";
+        firstLine = false;
+        codes = TowCodes();
+        previousFeed = feed;
+        written = Written{position, position->GetNIndex()};
+    }
+    out << ";Last point in course\n"
+        << "OFF_COURSE_MODE\n";
+    return written;
+}
+
+ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteOffPartLine(QTextStream& out, const ZELKinTowCourse* course,
+                                                                     Written written) const
+{
+    const int count = course->GetNumCommands();
+    const auto* last = count > 0 ? qobject_cast<const ZELKinRollLayupPosition*>(course->GetCommand(count - 1))
+                                 : nullptr;
+    if (!last)
+        return written;
+    out << 'N' << last->GetNIndex() << "G1G641 ADIS=OFF_PART M5M18" << words.Words(last, written.position)
+        << ";First off part point\n";
+    written.position = last;
+    return written;
+}
+
+void ZELKinAFPGCodeCourse::WriteRetract(QTextStream& out, const ZELKinTowCourse* course, Written written) const
+{
+    const ZELKinCourseLink* retract = LinkAt(procedure, course->GetIndex() + 1);
+    if (!retract)
+        return;
+    // The first position that leaves the course's end only marks the start
+    // of the retract; it is never written, so no retract line is the link's
+    // command 0 and every line blends (G642).
+    bool started = false;
+    for (int j = 0; j < retract->GetNumCommands(); ++j) {
+        const auto* position = qobject_cast<const ZELKinPosition*>(retract->GetCommand(j));
+        if (!position || words.IsSamePosition(position, written.position))
+            continue;
+        if (!started) {
+            started = true;
+            continue;
+        }
+        out << 'N' << written.lastCourseLineN + 1 + j << "G1G642 ADIS=OFF_PART "
+            << words.Words(position, written.position) << '\n';
+        written.position = position;
+    }
+}

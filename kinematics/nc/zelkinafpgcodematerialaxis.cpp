@@ -1,0 +1,62 @@
+#include "zelkinafpgcodematerialaxis_p.h"
+
+#include "zelkincourse.h"
+#include "zelkinrolllayupposition.h"
+
+#include <zeltppoint.h>
+
+#include <QVariant>
+
+#include <optional>
+
+namespace {
+
+const char* const kUAxisOffsetProperty = "uAxisOffset";
+
+} // namespace
+
+void ZELKinAFPGCodeMaterialAxis::Prepare(ZELKinCourse* course, ZELKinVariable* materialVariable)
+{
+    const ZELKinPosition* first = course->GetFirstPosition();
+    if (!materialVariable || !first)
+        return;
+    if (first->IsVariableDefined(materialVariable)) {
+        SetOffsets(course, first->GetVariableValue(materialVariable));
+        return;
+    }
+    SetMaterialLengths(course, materialVariable);
+}
+
+double ZELKinAFPGCodeMaterialAxis::MaterialFromCourseStart(const ZELKinPosition* position,
+                                                           const ZELKinVariable* materialVariable)
+{
+    const QVariant offset = position->property(kUAxisOffsetProperty);
+    return position->GetVariableValue(materialVariable) - (offset.isValid() ? offset.toDouble() : 0.0);
+}
+
+void ZELKinAFPGCodeMaterialAxis::SetMaterialLengths(ZELKinCourse* course, ZELKinVariable* materialVariable)
+{
+    double length = 0.0;
+    std::optional<ZELMathPoint> lastTip;
+    for (int i = 0; i < course->GetNumCommands(); ++i) {
+        auto* position = qobject_cast<ZELKinRollLayupPosition*>(course->GetCommand(i));
+        if (!position)
+            continue;
+        if (const ZELTPPoint* point = position->GetToolPathPoint()) {
+            const ZELMathPoint tip = point->GetTipCoordinates();
+            if (lastTip)
+                length += tip.GetDistanceTo(*lastTip);
+            lastTip = tip;
+        }
+        position->SetVariableValue(materialVariable, length);
+        position->setProperty(kUAxisOffsetProperty, 0.0);
+    }
+}
+
+void ZELKinAFPGCodeMaterialAxis::SetOffsets(ZELKinCourse* course, double offset)
+{
+    for (int i = 0; i < course->GetNumCommands(); ++i) {
+        if (auto* position = qobject_cast<ZELKinPosition*>(course->GetCommand(i)))
+            position->setProperty(kUAxisOffsetProperty, offset);
+    }
+}

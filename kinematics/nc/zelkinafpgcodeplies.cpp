@@ -1,0 +1,60 @@
+#include "zelkinafpgcodeplies_p.h"
+
+#include "zelkinncformat_p.h"
+#include "zelkinprogram.h"
+#include "zelkinrolllayupprocedure.h"
+
+namespace {
+
+const char* const kPlyNumberProperty = "PlyNum";
+constexpr int kFirstPlyNumber = 101;
+
+} // namespace
+
+void ZELKinAFPGCodePlies::Number(const ZELKinProgram* program)
+{
+    int plyNumber = kFirstPlyNumber;
+    for (ZELKinProcedure* procedure : program->GetProcedures()) {
+        if (qobject_cast<ZELKinRollLayupProcedure*>(procedure))
+            procedure->setProperty(kPlyNumberProperty, plyNumber++);
+    }
+}
+
+QList<const ZELKinRollLayupProcedure*> ZELKinAFPGCodePlies::RollLayupProceduresOf(const ZELKinProgram* program)
+{
+    QList<const ZELKinRollLayupProcedure*> procedures;
+    for (const ZELKinProcedure* procedure : program->GetProcedures()) {
+        if (const auto* rollLayup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure))
+            procedures.append(rollLayup);
+    }
+    return procedures;
+}
+
+int ZELKinAFPGCodePlies::PlyNumberOf(const ZELKinProcedure* procedure)
+{
+    return procedure->property(kPlyNumberProperty).toInt();
+}
+
+QString ZELKinAFPGCodePlies::PaddedPlyNumberOf(const ZELKinProcedure* procedure)
+{
+    return QString::number(PlyNumberOf(procedure)).rightJustified(4, QLatin1Char('0'));
+}
+
+QString ZELKinAFPGCodePlies::MethodLabel(ZELCompStrategy::PropagationMode mode)
+{
+    switch (mode) {
+    case ZELCompStrategy::Angle:
+        return QStringLiteral("A-ANGLE");
+    case ZELCompStrategy::Offset:
+        return QStringLiteral("A-OFFSET");
+    case ZELCompStrategy::GeodesicOffset:
+        return QStringLiteral("G-OFFSET");
+    default:
+        return ZELCompStrategy::GetPropagationModeLabel(mode);
+    }
+}
+
+QString ZELKinAFPGCodePlies::AngleField(double radians)
+{
+    return ZELKinNCFormat::Fixed(ZELKinNCFormat::ToDegrees(radians), 3).rightJustified(9, QLatin1Char(' '));
+}

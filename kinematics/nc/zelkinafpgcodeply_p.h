@@ -1,0 +1,39 @@
+#ifndef ZELKINAFPGCODEPLY_P_H
+#define ZELKINAFPGCODEPLY_P_H
+
+#include "zelkinafpgcodetowevents_p.h"
+
+class QTextStream;
+class ZELKinRollLayupProcedure;
+
+/*!
+    The ply file (".PPF", or a ply section of a bundle) of one roll layup
+    procedure: its head (sequence and ply records), the start-up codes, the
+    retract model and the ply records for the controller, one course block
+    per course (ZELKinAFPGCodeCourse), and the end of the ply.
+
+    The procedure must be numbered (ZELKinAFPGCodePlies::Number) and its
+    program's machine be a ZELKinAFPMachine. Writing prepares each course's
+    material axis and keeps the feeds written as the positions'
+    "actualFeedrate".
+*/
+class ZELKinAFPGCodePly
+{
+public:
+    ZELKinAFPGCodePly(const ZELKinRollLayupProcedure* procedure,
+                      const ZELKinAFPGCodeTowEvents::PinchSplitting& splitting);
+
+    void Write(QTextStream& out) const;
+
+private:
+    void WriteHead(QTextStream& out) const;
+    void WriteStartUp(QTextStream& out) const;
+    void WritePlyRecords(QTextStream& out) const;
+    void WriteCourses(QTextStream& out) const;
+    static void WriteEnd(QTextStream& out);
+
+    const ZELKinRollLayupProcedure* const procedure;
+    const ZELKinAFPGCodeTowEvents::PinchSplitting splitting;
+};
+
+#endif // ZELKINAFPGCODEPLY_P_H

@@ -1,0 +1,290 @@
+#include "zelkinafpgcodewriter_p.h"
+
+#include "zelkinafpgcodeplies_p.h"
+#include "zelkinafpgcodeply_p.h"
+#include "zelkinafpgcodeprobing_p.h"
+#include "zelkinafpgcodeprogramset_p.h"
+#include "zelkinprobeprocedure.h"
+#include "zelkinprogram.h"
+#include "zelkinrolllayupprocedure.h"
+
+#include <zeltpprocedure.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QTextStream>
+#include <QtDebug>
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+namespace {
+
+const QString kBundleSuffix = QStringLiteral("bun");
+const QString kSourceSuffix = QStringLiteral("aptsource");
+const QString kSinglePly = QStringLiteral("ONEPLY");
+const QString kSinglePlyFolderSuffix = QStringLiteral("_procedures");
+const QString kEndOfFile = QStringLiteral(">>>>> End of File <<<<<");
+
+// Messages name files in Latin-1: characters outside it read "?".
+QString InLatin1(const QString& text)
+{
+    return QString::fromLatin1(text.toLatin1());
+}
+
+[[noreturn]] void Fatal(const QString& message)
+{
+    qFatal("%s", qUtf8Printable(message));
+}
+
+void PrintTo(FILE* stream, const QString& text)
+{
+    std::fputs(text.toUtf8().constData(), stream);
+    std::fflush(stream);
+}
+
+QString ReadLineFromStandardInput()
+{
+    std::string line;
+    std::getline(std::cin, line);
+    return QString::fromLocal8Bit(line.c_str()).trimmed();
+}
+
+QString ProgramSetFileName(const QString& name)
+{
+    return name + QStringLiteral(".PPSF");
+}
+
+QString PlyFileName(const QString& name, const ZELKinProcedure* procedure)
+{
+    return name + QLatin1Char('#') + ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure) + QStringLiteral(".PPF");
+}
+
+QString ProbingFileName(const QString& name)
+{
+    return name + QStringLiteral(".PTPF");
+}
+
+QString SectionMarker(const QString& fileName)
+{
+    return QStringLiteral(">>>>> Filename|") + fileName + QStringLiteral("| <<<<<\n");
+}
+
+// The procedures that are still there, in program order.
+QList<const ZELKinProcedure*> LiveProceduresOf(const ZELKinProgram* program)
+{
+    QList<const ZELKinProcedure*> procedures;
+    for (const ZELKinProcedure* procedure : program->GetProcedures()) {
+        if (procedure)
+            procedures.append(procedure);
+    }
+    return procedures;
+}
+
+} // namespace
+
+ZELKinAFPGCodeWriter::ZELKinAFPGCodeWriter(const QString& path)
+    : outputPath(QFileInfo(path).suffix() == kSourceSuffix
+                     ? path.left(path.lastIndexOf(QLatin1Char('.'))) + QLatin1Char('.') + kBundleSuffix
+                     : path)
+    , now(QDateTime::currentDateTime())
+{
+}
+
+void ZELKinAFPGCodeWriter::SetOptions(const QString& options)
+{
+    for (const QString& item : options.split(QLatin1Char(';'))) {
+        const QStringList parts = item.split(QLatin1Char(':'));
+        const QString key = parts.at(0).simplified();
+        const double value = parts.value(1).simplified().toDouble();
+        if (key == QLatin1String("tooling-retract"))
+            toolingRetract = value;
+        else if (key == QLatin1String("pinch-max-length"))
+            splitting.maximumLength = value;
+        else if (key == QLatin1String("pinch-release-length"))
+            splitting.releaseLength = value;
+    }
+}
+
+void ZELKinAFPGCodeWriter::SetPlyToProcess(const QString& ply)
+{
+    plyToProcess = ply;
+}
+
+void ZELKinAFPGCodeWriter::SetCurrentDateTime(const QDateTime& now)
+{
+    this->now = now;
+}
+
+void ZELKinAFPGCodeWriter::Write(ZELKinProgram* program) const
+{
+    ZELKinAFPGCodePlies::Number(program);
+    if (plyToProcess == kSinglePly)
+        WriteSinglePly(program);
+    else if (IsBundle())
+        WriteBundle(program);
+    else
+        WriteDirectory(program);
+}
+
+bool ZELKinAFPGCodeWriter::IsBundle() const
+{
+    return QFileInfo(outputPath).suffix() == kBundleSuffix;
+}
+
+void ZELKinAFPGCodeWriter::WriteDirectory(ZELKinProgram* program) const
+{
+    const QString name = program->GetOriginalFileName();
+    const QDir folder(MakePartFolder(outputPath, name));
+    WriteFile(folder.filePath(ProgramSetFileName(name)), tr("Could not open the PPSF file for writing at: '%1'"),
+              ProgramSetText(program));
+    for (const ZELKinProcedure* procedure : LiveProceduresOf(program)) {
+        PrintProgress(procedure);
+        if (const auto* rollLayup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure))
+            WriteFile(folder.filePath(PlyFileName(name, rollLayup)),
+                      tr("Could not open the PPF file for writing at: '%1'"), PlyText(rollLayup));
+        else if (const auto* probe = qobject_cast<const ZELKinProbeProcedure*>(procedure))
+            WriteFile(folder.filePath(ProbingFileName(name)), tr("Could not open the PTPF file for writing at: '%1'"),
+                      ProbingText(probe));
+    }
+}
+
+void ZELKinAFPGCodeWriter::WriteBundle(ZELKinProgram* program) const
+{
+    const QString directory = QFileInfo(outputPath).absolutePath();
+    if (!QDir().mkpath(directory))
+        Fatal(tr("Could not create the output directory '%1'").arg(InLatin1(directory)));
+    const QString name = program->GetOriginalFileName();
+    WriteFile(outputPath, tr("Could not open the bundle file for writing at: '%1'"), [&](QTextStream& out) {
+        out << "SetId|" << name << "|\n\n\n\n";
+        out << SectionMarker(ProgramSetFileName(name)) << '\n';
+        ProgramSetText(program)(out);
+        out << kEndOfFile << '\n';
+        // A procedure of another kind has no file, and so no section.
+        for (const ZELKinProcedure* procedure : LiveProceduresOf(program)) {
+            PrintProgress(procedure);
+            if (const auto* rollLayup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure)) {
+                out << SectionMarker(PlyFileName(name, rollLayup));
+                PlyText(rollLayup)(out);
+                out << kEndOfFile << '\n';
+            } else if (const auto* probe = qobject_cast<const ZELKinProbeProcedure*>(procedure)) {
+                out << SectionMarker(ProbingFileName(name));
+                ProbingText(probe)(out);
+                out << kEndOfFile << '\n';
+            }
+        }
+    });
+}
+
+void ZELKinAFPGCodeWriter::WriteSinglePly(ZELKinProgram* program) const
+{
+    const QList<const ZELKinRollLayupProcedure*> procedures = ZELKinAFPGCodePlies::RollLayupProceduresOf(program);
+    QString list = QStringLiteral("\n Program has these procedures:\n");
+    for (const ZELKinRollLayupProcedure* procedure : procedures)
+        list += ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure) + QLatin1Char('\n');
+    PrintTo(stderr, list + QStringLiteral(" Enter PROCEDURE to process: "));
+    const QString chosen = ReadLineFromStandardInput();
+
+    const auto match = std::find_if(procedures.cbegin(), procedures.cend(),
+                                    [&chosen](const ZELKinProcedure* procedure) {
+                                        return ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure) == chosen;
+                                    });
+    if (match == procedures.cend()) {
+        qCritical("%s", qUtf8Printable(tr("Could not process %1: procedure not found").arg(InLatin1(chosen))));
+        return;
+    }
+    const QString name = program->GetOriginalFileName();
+    const QDir folder(MakePartFolder(outputPath + kSinglePlyFolderSuffix, name));
+    const QString plyFile = folder.filePath(PlyFileName(name, *match));
+    PrintProgress(*match);
+    WriteFile(plyFile, tr("Could not open the PPF file for writing at: '%1'"), PlyText(*match));
+    if (IsBundle())
+        ReplaceBundleSection(chosen, plyFile);
+}
+
+void ZELKinAFPGCodeWriter::ReplaceBundleSection(const QString& plyNumber, const QString& plyFile) const
+{
+    QFile oldBundle(outputPath);
+    if (!oldBundle.open(QIODevice::ReadOnly | QIODevice::Text))
+        Fatal(tr("Could not open the old bundle file for reading: '%1'").arg(InLatin1(outputPath)));
+    QFile ply(plyFile);
+    if (!ply.open(QIODevice::ReadOnly | QIODevice::Text))
+        Fatal(tr("Could not open the procedure file for reading: '%1'").arg(InLatin1(plyFile)));
+
+    // The section is found before anything is written, so that a bundle
+    // without it is left as it is.
+    const QString marker = QLatin1Char('#') + plyNumber + QStringLiteral(".PPF| <<<<<");
+    QTextStream oldLines(&oldBundle);
+    QString line;
+    qint64 markerLine = 0;
+    bool found = false;
+    while (!found && oldLines.readLineInto(&line)) {
+        found = line.contains(marker);
+        ++markerLine;
+    }
+    if (!found)
+        Fatal(tr("Could not find old procedure '%1' in file: '%2'").arg(InLatin1(plyNumber), InLatin1(outputPath)));
+
+    oldLines.seek(0);
+    WriteFile(outputPath, tr("Could not open the new bundle file for writing: '%1'"), [&](QTextStream& out) {
+        for (qint64 i = 0; i < markerLine && oldLines.readLineInto(&line); ++i)
+            out << line << '\n';
+        QTextStream plyLines(&ply);
+        while (plyLines.readLineInto(&line))
+            out << line << '\n';
+        // The old section's lines go, up to its end-of-file marker, which stays.
+        bool inOldSection = true;
+        while (oldLines.readLineInto(&line)) {
+            inOldSection = inOldSection && !line.contains(kEndOfFile);
+            if (!inOldSection)
+                out << line << '\n';
+        }
+    });
+}
+
+QString ZELKinAFPGCodeWriter::MakePartFolder(const QString& directory, const QString& name)
+{
+    if (!QDir().mkpath(directory))
+        Fatal(tr("Could not create the output directory '%1'").arg(InLatin1(directory)));
+    const QDir parent(directory);
+    if (!QFileInfo::exists(parent.filePath(name)) && !parent.mkdir(name))
+        Fatal(tr("Could not create the part output directory '%1'").arg(InLatin1(name)));
+    return parent.filePath(name);
+}
+
+void ZELKinAFPGCodeWriter::WriteFile(const QString& fileName, const QString& failure, const TextWriter& write)
+{
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+        Fatal(failure.arg(InLatin1(fileName)));
+    QTextStream out(&file);
+    write(out);
+    out.flush();
+    if (!file.commit())
+        Fatal(failure.arg(InLatin1(fileName)));
+}
+
+void ZELKinAFPGCodeWriter::PrintProgress(const ZELKinProcedure* procedure)
+{
+    const ZELTPProcedure* source = procedure->GetToolPathProcedure();
+    PrintTo(stdout, QStringLiteral("  Writing ") + (source ? source->GetName() : QString()) + QLatin1Char('\n'));
+}
+
+ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::ProgramSetText(const ZELKinProgram* program) const
+{
+    return [this, program](QTextStream& out) { ZELKinAFPGCodeProgramSet(program, now).Write(out); };
+}
+
+ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::PlyText(const ZELKinRollLayupProcedure* procedure) const
+{
+    return [this, procedure](QTextStream& out) { ZELKinAFPGCodePly(procedure, splitting).Write(out); };
+}
+
+ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::ProbingText(const ZELKinProbeProcedure* probe) const
+{
+    return [this, probe](QTextStream& out) { ZELKinAFPGCodeProbing(probe, toolingRetract, now).Write(out); };
+}

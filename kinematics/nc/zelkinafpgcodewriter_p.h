@@ -1,0 +1,93 @@
+#ifndef ZELKINAFPGCODEWRITER_P_H
+#define ZELKINAFPGCODEWRITER_P_H
+
+#include "zelkinafpgcodetowevents_p.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QString>
+
+#include <functional>
+
+class QTextStream;
+class ZELKinProbeProcedure;
+class ZELKinProcedure;
+class ZELKinProgram;
+class ZELKinRollLayupProcedure;
+
+/*!
+    Writes a program in the "IngersollAFPGCode" dialect: the program-set
+    file, one ply file per roll layup procedure and the probing file, as
+    files in a directory or as sections of one bundle file. docs/nc-output.md
+    describes the files for NC programmers.
+
+    The layout follows the output path: a path ending in ".bun" is a bundle;
+    one ending in ".aptsource" gives a bundle of the same name ending in
+    ".bun" instead; any other path is a directory, in which the files go to
+    the folder named after the program's original file name. With the ply to
+    process "ONEPLY", only one ply is written, chosen on standard input, and
+    in a bundle it replaces that ply's section.
+
+    Every file is written in full before it replaces what stood at its path,
+    so an interrupted write leaves the old file whole. A folder that cannot
+    be made or a file that cannot be opened or written ends the process
+    through Qt's fatal message handler; the path in the message is given in
+    Latin-1.
+
+    Writing numbers the roll layup procedures ("PlyNum"), prepares the
+    courses' material axis and keeps the feeds written as the positions'
+    "actualFeedrate" (dynamic properties of the program's objects).
+*/
+class ZELKinAFPGCodeWriter
+{
+    Q_DECLARE_TR_FUNCTIONS(ZELKinAFPGCodeWriter)
+
+public:
+    explicit ZELKinAFPGCodeWriter(const QString& path);
+
+    /*!
+        Reads the options text: items separated by ";", each a key and a
+        value separated by ":", both simplified; the value is read as a
+        number, 0 when it is none. The keys "tooling-retract",
+        "pinch-max-length" and "pinch-release-length" (mm) are known; others
+        are ignored.
+    */
+    void SetOptions(const QString& options);
+    //! "ONEPLY" asks for one ply, chosen on standard input.
+    void SetPlyToProcess(const QString& ply);
+    //! The time printed as the time the files were made; the time the
+    //! writer was made by default.
+    void SetCurrentDateTime(const QDateTime& now);
+
+    void Write(ZELKinProgram* program) const;
+
+private:
+    using TextWriter = std::function<void(QTextStream& out)>;
+
+    bool IsBundle() const;
+    void WriteDirectory(ZELKinProgram* program) const;
+    void WriteBundle(ZELKinProgram* program) const;
+    void WriteSinglePly(ZELKinProgram* program) const;
+    //! Replaces the section of ply `plyNumber` in the bundle by the lines
+    //! of `plyFile`.
+    void ReplaceBundleSection(const QString& plyNumber, const QString& plyFile) const;
+
+    //! Makes `directory` and its folder `name`; returns the folder's path.
+    static QString MakePartFolder(const QString& directory, const QString& name);
+    //! Writes `fileName` in full through `write`, then puts it in place.
+    //! `failure` is the fatal message, "%1" standing for the file name.
+    static void WriteFile(const QString& fileName, const QString& failure, const TextWriter& write);
+    static void PrintProgress(const ZELKinProcedure* procedure);
+
+    TextWriter ProgramSetText(const ZELKinProgram* program) const;
+    TextWriter PlyText(const ZELKinRollLayupProcedure* procedure) const;
+    TextWriter ProbingText(const ZELKinProbeProcedure* procedure) const;
+
+    QString outputPath;
+    double toolingRetract = 0.0;
+    ZELKinAFPGCodeTowEvents::PinchSplitting splitting;
+    QString plyToProcess;
+    QDateTime now;
+};
+
+#endif // ZELKINAFPGCODEWRITER_P_H

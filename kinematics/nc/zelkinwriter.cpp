@@ -1,0 +1,42 @@
+#include "zelkinwriter.h"
+#include "zelkinwriter_p.h"
+
+#include "zelkinafpgcodewriter_p.h"
+
+ZELKinWriter::ZELKinWriter(ZELKinWriterPrivate* d)
+    : d_ptr(d)
+{
+}
+
+ZELKinWriter::ZELKinWriter(ZELKinProgram* program)
+    : ZELKinWriter(new ZELKinWriterPrivate(this, program))
+{
+}
+
+ZELKinWriter::~ZELKinWriter() = default;
+
+void ZELKinWriter::SetPlyToProcess(QString& ply)
+{
+    Q_D(ZELKinWriter);
+    d->plyToProcess = ply;
+}
+
+void ZELKinWriter::SetCurrentDateTime(const QDateTime& now)
+{
+    Q_D(ZELKinWriter);
+    d->currentDateTime = now;
+}
+
+void ZELKinWriter::Write(const QString& path, const QString& format, const QString& options)
+{
+    Q_D(ZELKinWriter);
+    if (format != QLatin1String("IngersollAFPGCode") || !d->program)
+        return;
+    ZELKinAFPGCodeWriter writer(path);
+    writer.SetOptions(options);
+    if (!d->plyToProcess.isEmpty())
+        writer.SetPlyToProcess(d->plyToProcess);
+    if (!d->currentDateTime.isNull())
+        writer.SetCurrentDateTime(d->currentDateTime);
+    writer.Write(d->program);
+}

@@ -1,0 +1,75 @@
+#ifndef ZELKINWRITER_H
+#define ZELKINWRITER_H
+
+#include "zelkinematics_export.h"
+
+#include <QDateTime>
+#include <QString>
+
+#include <memory>
+
+class ZELKinProgram;
+class ZELKinWriterPrivate;
+
+/*!
+    Writes a solved kinematic program as NC text for its machine. The only
+    format is "IngersollAFPGCode", the AFP G-code dialect; docs/nc-output.md
+    describes its files for NC programmers.
+
+    Writing adds dynamic properties to the program's objects: "PlyNum" on
+    each roll layup procedure (101, 102, ... in program order), and on the
+    course positions "uAxisOffset" and "actualFeedrate"; a course whose
+    first position has no material (U) value gets U values measured along
+    its toolpath points, in mm of material from the course start.
+
+    Progress ("  Writing " and the name of each procedure's toolpath
+    procedure) goes to standard output. A folder that cannot be made or a
+    file that cannot be opened or written ends the process through Qt's
+    fatal message handler.
+*/
+class ZELKINEMATICS_EXPORT ZELKinWriter
+{
+public:
+    //! The program (not owned) must outlive the writer; its machine must be
+    //! a ZELKinAFPMachine.
+    explicit ZELKinWriter(ZELKinProgram* program);
+    virtual ~ZELKinWriter();
+
+    //! The ply to process. "ONEPLY" lists the plies on standard error, reads
+    //! the chosen ply number (such as 0102) from a line of standard input
+    //! and writes only that ply; in a bundle it then replaces the ply's
+    //! section. Empty by default: every procedure is written.
+    void SetPlyToProcess(QString& ply);
+    //! The local date and time that the files print as the time they were
+    //! made (the program-set file's "CPP DATE/TIME", the probing file's
+    //! "Tool Point File processed at"), so that a run can be reproduced.
+    //! While it is null (the default), each Write takes the current time.
+    void SetCurrentDateTime(const QDateTime& now);
+
+    /*!
+        Writes the program in `format`; a format other than
+        "IngersollAFPGCode" (case-sensitive) writes nothing and reports
+        nothing, and so does a writer without a program.
+
+        `path` ending in ".bun" is a bundle file; ending in ".aptsource" a
+        bundle of the same name ending in ".bun"; any other path an output
+        directory, made as needed. `options` is the options text: items
+        "key: value" separated by ";", of which "tooling-retract",
+        "pinch-max-length" and "pinch-release-length" (mm) are read and
+        others ignored; a value that is not a number reads as 0.
+
+        Throws nothing of its own; the process ends as described above.
+    */
+    void Write(const QString& path, const QString& format, const QString& options);
+
+protected:
+    ZELKinWriter(ZELKinWriterPrivate* d);
+
+    std::unique_ptr<ZELKinWriterPrivate> const d_ptr;
+
+private:
+    Q_DECLARE_PRIVATE(ZELKinWriter)
+    Q_DISABLE_COPY_MOVE(ZELKinWriter)
+};
+
+#endif // ZELKINWRITER_H

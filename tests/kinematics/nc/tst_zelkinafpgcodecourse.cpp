@@ -1,0 +1,510 @@
+// The course blocks of a ply file: roller checks, the approach, one line per
+// position along the course with its modal words, feeds and tow codes, the
+// off-part and retract moves, and the material axis they count in.
+
+#include "zelkinnctestprograms.h"
+
+using ZELTest::Axes;
+using ZELTest::HeadAngles;
+using ZELTest::NCFixture;
+
+namespace {
+
+class ZELKinAFPGCodeCourseTest : public ::testing::Test
+{
+protected:
+    explicit ZELKinAFPGCodeCourseTest(const ZELKinTestHead& head = ZELKinTestHead())
+        : f(head)
+    {
+    }
+
+    //! Ply 0101 (add feedrate 1270, cut feedrate 1905 unless given) with
+    //! `courses` courses of tows 1 and 2 on a 16-tow roller, each between
+    //! two links; the links hold one position each, 10 inches up.
+    void MakePly(int courses = 1, double addFeedrate = 1270.0, double cutFeedrate = 1905.0)
+    {
+        procedure = f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply"), addFeedrate, cutFeedrate);
+        procedure->AddPlyDefinition(
+            NCFixture::Ply(QStringLiteral("P1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, 1.0));
+        for (int i = 0; i < courses; ++i) {
+            f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 254.0}, 5080.0);
+            f.AddCourse(procedure, 0x3, 16);
+        }
+        f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 254.0}, 5080.0);
+    }
+
+    ZELKinTowCourse* Course(int index = 0) const { return qobject_cast<ZELKinTowCourse*>(procedure->GetCourse(index)); }
+
+    //! A position `inches` along X on course `course`, numbered from 1 in
+    //! the order made.
+    ZELKinRollLayupPosition* At(double inches, double feedrate = 2540.0, const HeadAngles& angles = HeadAngles(),
+                                int course = 0)
+    {
+        return f.AddCoursePosition(Course(course), ++numbers[course], {inches * 25.4, 0.0, 0.0}, feedrate, angles);
+    }
+
+    QString Ply(const QString& options = QString()) { return f.WriteAndRead(QStringLiteral("PART#0101.PPF"), options); }
+
+    //! The lines from "COURSE_MODE" to "OFF_COURSE_MODE" of the first course.
+    QStringList CourseLines()
+    {
+        return ZELTest::LinesBetween(Ply(), QStringLiteral("COURSE_MODE"), QStringLiteral("OFF_COURSE_MODE"));
+    }
+
+    NCFixture f;
+    ZELKinRollLayupProcedure* procedure = nullptr;
+    int numbers[2] = {0, 0};
+};
+
+} // namespace
+
+TEST_F(ZELKinAFPGCodeCourseTest, PositionsThatRepeatTheLastLineWithin0001WriteNoLine)
+{
+    MakePly();
+    At(0);
+    At(1);
+    ZELKinRollLayupPosition* repeated = At(1);
+    repeated->SetVariableValue(f.x, 25.4 + 0.0009);
+    repeated->SetVariableValue(f.y, -0.001);
+    At(1);
+    At(2);
+    At(3);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X1.0000;First point in course"),
+                           QStringLiteral("N5G1G642 ADIS=COURSEND X2.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, APositionDefiningAnotherAxisIsNotARepeat)
+{
+    MakePly();
+    At(0);
+    At(1);
+    At(1)->SetVariableValue(f.a, 0.0);
+    At(2);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X1.0000;First point in course"),
+                           QStringLiteral("N3G1G642 ADIS=COURSEND A0.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, AnAxisThatMovedNoMoreThan0001IsLeftOutOfTheLine)
+{
+    MakePly();
+    At(0);
+    ZELKinRollLayupPosition* moved = At(1);
+    moved->SetVariableValue(f.y, 0.001);
+    moved->SetVariableValue(f.z, 0.0011);
+    moved->SetVariableValue(f.a, 0.0);
+    moved->SetVariableValue(f.c1, 0.0);
+    ZELKinRollLayupPosition* next = At(2);
+    next->SetVariableValue(f.y, 0.0015);
+    next->SetVariableValue(f.z, 0.0011);
+    next->SetVariableValue(f.a, 0.001);
+    next->SetVariableValue(f.c1, ZELTest::Radians(-30));
+    At(3);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"),
+                           QStringLiteral("N2G1X1.0000Z0.0000A0.0000C1=0.0000;First point in course"),
+                           QStringLiteral("N3G1G642 ADIS=COURSEND X2.0000C1=-30.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+namespace {
+
+struct RollerCase
+{
+    const char* name;
+    int rollerTows;
+    QStringList lines;
+};
+ZELTEST_PRINT_CASE_BY_NAME(RollerCase);
+
+class ZELKinAFPGCodeCourseRollerTest : public ZELKinAFPGCodeCourseTest, public ::testing::WithParamInterface<RollerCase>
+{
+};
+
+const QString kVerifyStop = QStringLiteral("M0; Program Stop");
+const QString kClearMessage = QStringLiteral("MSG(\"\")");
+const QString kTraori = QStringLiteral(";[FROM PARK]M61; Activate Layup Traori");
+const QString kPlyStart = QStringLiteral("M20; Ply Start");
+
+const RollerCase kRollerCases[] = {
+    {"EightTows",
+     8,
+     {kPlyStart, QStringLiteral("MSG(\"Verify 8-tow compaction roller is currently loaded on head\")"), kVerifyStop,
+      kClearMessage, QStringLiteral("M85; 8-Tow Roller Loaded"), kTraori}},
+    {"SixteenTows",
+     16,
+     {kPlyStart, QStringLiteral("MSG(\"Verify 16-tow compaction roller is currently loaded on head\")"), kVerifyStop,
+      kClearMessage, QStringLiteral("M84; 16-Tow Roller Loaded"), kTraori}},
+    {"TwelveTowsWriteNeither",
+     12,
+     {kPlyStart, QStringLiteral("MSG(\"Verify 12-tow compaction roller is currently loaded on head\")"), kVerifyStop,
+      kClearMessage, kTraori}},
+    {"NoRollerWritesNeither",
+     0,
+     {kPlyStart, QStringLiteral("MSG(\"Verify 0-tow compaction roller is currently loaded on head\")"), kVerifyStop,
+      kClearMessage, kTraori}},
+};
+
+} // namespace
+
+TEST_P(ZELKinAFPGCodeCourseRollerTest, TheRollerCheckNamesTheRollerAndItsMachineCode)
+{
+    MakePly();
+    Course()->SetRollerTows(GetParam().rollerTows);
+    At(0);
+    At(1);
+    EXPECT_EQ(ZELTest::LinesBetween(Ply(), kPlyStart, kTraori), GetParam().lines);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rollers, ZELKinAFPGCodeCourseRollerTest, ::testing::ValuesIn(kRollerCases));
+
+TEST_F(ZELKinAFPGCodeCourseTest, TheFirstCourseStartsTheSequenceAndChecksItsRollerWithoutPrefix)
+{
+    MakePly(2);
+    Course(1)->SetRollerTows(8);
+    for (const int course : {0, 1}) {
+        At(0, 2540.0, HeadAngles(), course);
+        At(1, 2540.0, HeadAngles(), course);
+    }
+    const QString text = Ply();
+    EXPECT_EQ(ZELTest::LinesBetween(text, QStringLiteral("REQ_TOW1="), kTraori),
+              QStringList({QStringLiteral("REQ_TOW1=3"), QStringLiteral(";[TOW LENGTH]T1=0.00,T2=0.00"),
+                           QStringLiteral("M22; Sequence Start"), QStringLiteral("M20; Ply Start"),
+                           QStringLiteral("MSG(\"Verify 16-tow compaction roller is currently loaded on head\")"),
+                           kVerifyStop, kClearMessage, QStringLiteral("M84; 16-Tow Roller Loaded"), kTraori}));
+    const QString second = text.mid(text.indexOf(QStringLiteral(";[COURSE] CourseNumber=2")));
+    EXPECT_EQ(ZELTest::LinesBetween(second, QStringLiteral("REQ_TOW1="), kTraori),
+              QStringList({QStringLiteral("REQ_TOW1=3"), QStringLiteral(";[TOW LENGTH]T1=0.00,T2=0.00"),
+                           QStringLiteral(";[FROM PARK]MSG(\"Verify 8-tow compaction roller is currently loaded on "
+                                          "head\")"),
+                           QStringLiteral(";[FROM PARK]M0; Program Stop"), QStringLiteral(";[FROM PARK]MSG(\"\")"),
+                           QStringLiteral(";[FROM PARK]M85; 8-Tow Roller Loaded"), kTraori}));
+    EXPECT_EQ(text.count(QStringLiteral("M22; Sequence Start")), 1);
+    EXPECT_EQ(text.count(QStringLiteral("M20; Ply Start")), 1);
+    EXPECT_EQ(ZELTest::LinesStartingWith(text, QStringLiteral("GUD_CRS_BND_NUM=")),
+              QStringList({QStringLiteral("GUD_CRS_BND_NUM=1"), QStringLiteral("GUD_CRS_BND_NUM=2")}));
+    EXPECT_EQ(ZELTest::LinesStartingWith(text, QStringLiteral("; End of Course #")),
+              QStringList(
+                  {QStringLiteral("; End of Course #1 Circuit"), QStringLiteral("; End of Course #2 Circuit")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, TheApproachPointIsTheLastPositionOfTheApproachLink)
+{
+    MakePly();
+    ZELKinCourseLink* approach = procedure->GetCourseLink(0);
+    f.AddLinkPosition(approach, {127.0, 254.0, 50.8, ZELTest::Radians(10), ZELTest::Radians(-20)}, 3810.0);
+    ZELKinTestAccess::CreateToolChange(approach, QStringLiteral("R8"), QString());
+    At(0);
+    At(1);
+    EXPECT_EQ(ZELTest::LinesBetween(Ply(), QStringLiteral(";[FROM PARK]G0"), QStringLiteral("N1G641")),
+              QStringList({QStringLiteral(";[FROM PARK]G0X5.0000Y10.0000A10.0000C1=-20.0000F150;Last off part point"),
+                           QStringLiteral(";[FROM PARK]G1F150;Last off part point"),
+                           QStringLiteral(";[FROM COURSE]G0X5.0000Y10.0000Z2.0000A10.0000C1=-20.0000F150;Last off "
+                                          "part point"),
+                           QStringLiteral(";[FROM PARK]MSG(\"Verify compaction roller is above expected starting "
+                                          "point on tool\")"),
+                           QStringLiteral(";[FROM PARK]M0; Program Stop"), QStringLiteral(";[FROM PARK]MSG(\"\")"),
+                           QStringLiteral("N1G641 ADIS=OFF_PART X5.0000Y10.0000Z2.0000A10.0000C1=-20.0000F150; Last "
+                                          "off part point")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, AfterAnAddTheFeedIsLimitedToTheAddFeedrateAndFeedChangesAreMarkedAwayFromTheEnd)
+{
+    MakePly();
+    At(0);
+    At(1);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Add, 0x1);
+    At(2);
+    At(3);
+    At(4, 3810.0);
+    At(5, 3810.0);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"),
+                           QStringLiteral("N2M69G1X1.0000F50;{T1};First point in course"),
+                           QStringLiteral("N3M69G1X2.0000F100"), QStringLiteral("N4G1X3.0000"),
+                           QStringLiteral("N5G1G642 ADIS=COURSEND X4.0000F150;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+    EXPECT_EQ(ZELTest::LinesStartingWith(Ply(), QStringLiteral("N6")),
+              QStringList({QStringLiteral("N6G1G641 ADIS=OFF_PART M5M18X5.0000;First off part point")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, TheFeedOfEachLineIsKeptAsTheActualFeedrate)
+{
+    MakePly();
+    ZELKinRollLayupPosition* first = At(0);
+    ZELKinRollLayupPosition* added = At(1);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Add, 0x1);
+    ZELKinRollLayupPosition* cut = At(2, 3810.0);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Cut, 0x1);
+    ZELKinRollLayupPosition* plain = At(3, 3810.0);
+    ZELKinRollLayupPosition* last = At(4);
+    Ply();
+    EXPECT_FALSE(first->property("actualFeedrate").isValid());
+    EXPECT_TRUE(ZELTest::SameDouble(1270.0, added->property("actualFeedrate").toDouble(), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(1905.0, cut->property("actualFeedrate").toDouble(), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(3810.0, plain->property("actualFeedrate").toDouble(), ZELTest::kExact));
+    EXPECT_FALSE(last->property("actualFeedrate").isValid());
+}
+
+namespace {
+
+struct LimitCase
+{
+    const char* name;
+    double addFeedrate;
+    double cutFeedrate;
+    ZELKinTowCommand::CommandType type;
+    const char* line;
+};
+ZELTEST_PRINT_CASE_BY_NAME(LimitCase);
+
+class ZELKinAFPGCodeCourseLimitTest : public ZELKinAFPGCodeCourseTest, public ::testing::WithParamInterface<LimitCase>
+{
+};
+
+const LimitCase kLimitCases[] = {
+    {"AddLimits", 1270.0, 1905.0, ZELKinTowCommand::Add, "N2M69G1X1.0000F50;{T1};First point in course"},
+    {"CutLimits", 1270.0, 1905.0, ZELKinTowCommand::Cut, "N2M69G1X1.0000F75;{S1};First point in course"},
+    {"NaNAddFeedrateDoesNotLimit", ZELTest::kNaN, 1905.0, ZELKinTowCommand::Add,
+     "N2G1X1.0000;{T1};First point in course"},
+    {"NaNCutFeedrateDoesNotLimit", 1270.0, ZELTest::kNaN, ZELKinTowCommand::Cut,
+     "N2G1X1.0000;{S1};First point in course"},
+    {"AFasterFeedrateDoesNotLimit", 5080.0, 5080.0, ZELKinTowCommand::Add, "N2G1X1.0000;{T1};First point in course"},
+    {"ForceNeitherLimitsNorCodes", 1270.0, 1905.0, ZELKinTowCommand::Force, "N2G1X1.0000;First point in course"},
+    {"ReleaseNeitherLimitsNorCodes", 1270.0, 1905.0, ZELKinTowCommand::Release, "N2G1X1.0000;First point in course"},
+};
+
+} // namespace
+
+TEST_P(ZELKinAFPGCodeCourseLimitTest, ATowCommandAfterAPositionLimitsTheFeedOfItsLine)
+{
+    MakePly(1, GetParam().addFeedrate, GetParam().cutFeedrate);
+    At(0);
+    At(1);
+    f.AddTowCommand(Course(), GetParam().type, 0x1);
+    for (int i = 2; i < 6; ++i)
+        At(i);
+    const QStringList lines = CourseLines();
+    ASSERT_GE(lines.size(), 2);
+    EXPECT_EQ(lines.at(1), QString::fromUtf8(GetParam().line));
+}
+
+INSTANTIATE_TEST_SUITE_P(Limits, ZELKinAFPGCodeCourseLimitTest, ::testing::ValuesIn(kLimitCases));
+
+TEST_F(ZELKinAFPGCodeCourseTest, TowCodesOfARunOfTowAndFeedCommandsGoTogetherAndBothLimitTheFeed)
+{
+    MakePly(1, 1905.0, 1270.0);
+    At(0);
+    At(1);
+    ZELKinTestAccess::CreateTowFeedCommand(Course(), {0.5});
+    f.AddTowCommand(Course(), ZELKinTowCommand::Add, 0x1);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Force, 0x1);
+    ZELKinTestAccess::CreateTowFeedCommand(Course(), {1.0});
+    f.AddTowCommand(Course(), ZELKinTowCommand::Cut, 0x2);
+    At(2);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Cut, 0x1);
+    At(3);
+    At(4);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"),
+                           QStringLiteral("N2M69G1X1.0000F50;{T1S2};First point in course"),
+                           QStringLiteral("N3G1X2.0000;{S1}"),
+                           QStringLiteral("N4G1G642 ADIS=COURSEND X3.0000F100;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, TheTowCodesOfARepeatedPositionGoToTheNextLineWritten)
+{
+    MakePly();
+    At(0);
+    At(1);
+    At(1);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Cut, 0x3);
+    At(1);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Add, 0x1);
+    At(2);
+    At(3);
+    At(4);
+    At(5);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X1.0000;First point in course"),
+                           QStringLiteral("N5M69G1X2.0000F50;{S3T1}"), QStringLiteral("N6G1X3.0000F100"),
+                           QStringLiteral("N7G1G642 ADIS=COURSEND X4.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+namespace {
+
+struct HeadRecordCase
+{
+    const char* name;
+    HeadAngles angles;
+    bool add;
+    const char* line;
+};
+ZELTEST_PRINT_CASE_BY_NAME(HeadRecordCase);
+
+class ZELKinAFPGCodeCourseHeadRecordTest : public ZELKinAFPGCodeCourseTest,
+                                           public ::testing::WithParamInterface<HeadRecordCase>
+{
+};
+
+const HeadRecordCase kHeadRecordCases[] = {
+    {"NoAnglesNoCodes", HeadAngles(), false, "N2G1X1.0000;First point in course"},
+    {"NoQAngleNoCodes",
+     {ZELTest::Radians(5), ZELTest::kNaN, ZELTest::Radians(1)},
+     false,
+     "N2G1X1.0000;First point in course"},
+    {"AllAngles",
+     {ZELTest::Radians(5), ZELTest::Radians(-2.5), ZELTest::Radians(1)},
+     false,
+     "N2G1X1.0000;{P5.0000Q-2.5000M1.0000};First point in course"},
+    {"QAngleOnly",
+     {ZELTest::kNaN, ZELTest::Radians(0.25), ZELTest::kNaN},
+     false,
+     "N2G1X1.0000;{Q0.2500};First point in course"},
+    {"CodesWithoutAngles", HeadAngles(), true, "N2M69G1X1.0000F50;{T3};First point in course"},
+    {"CodesAfterTheAngles",
+     {ZELTest::Radians(5), ZELTest::Radians(6), ZELTest::kNaN},
+     true,
+     "N2M69G1X1.0000F50;{P5.0000Q6.0000T3};First point in course"},
+};
+
+} // namespace
+
+TEST_P(ZELKinAFPGCodeCourseHeadRecordTest, TheHeadRecordShowsTheAnglesThatAreSetAndTheTowCodes)
+{
+    MakePly();
+    At(0);
+    At(1, 2540.0, GetParam().angles);
+    if (GetParam().add)
+        f.AddTowCommand(Course(), ZELKinTowCommand::Add, 0x3);
+    for (int i = 2; i < 6; ++i)
+        At(i);
+    const QStringList lines = CourseLines();
+    ASSERT_GE(lines.size(), 2);
+    EXPECT_EQ(lines.at(1), QString::fromUtf8(GetParam().line));
+}
+
+INSTANTIATE_TEST_SUITE_P(HeadRecords, ZELKinAFPGCodeCourseHeadRecordTest, ::testing::ValuesIn(kHeadRecordCases));
+
+TEST_F(ZELKinAFPGCodeCourseTest, ACourseOfOnePositionWritesOnlyItsOffPartLine)
+{
+    MakePly();
+    At(0);
+    const QString text = Ply();
+    EXPECT_EQ(ZELTest::LinesBetween(text, QStringLiteral("COURSE_MODE"), QStringLiteral("CHECK_M01")),
+              QStringList({QStringLiteral("COURSE_MODE;Last point in course"), QStringLiteral("OFF_COURSE_MODE"),
+                           QStringLiteral("N1G1G641 ADIS=OFF_PART M5M18;First off part point"),
+                           QStringLiteral("CHECK_M01; Check Whether Optional Stopping")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, TheRetractSkipsRepeatsAndItsFirstMoveAndNumbersOnFromTheLastCourseLine)
+{
+    MakePly();
+    At(0);
+    At(1);
+    At(2);
+    ZELKinCourseLink* retract = procedure->GetCourseLink(1);
+    // The link already holds the first move off the course's end (made by
+    // MakePly): it only marks the start of the retract and gives no line.
+    f.AddLinkPosition(retract, {50.8, 0.0, 254.0}, 5080.0);
+    f.AddLinkPosition(retract, {50.8, 0.0, 254.0005}, 5080.0);
+    ZELKinTestAccess::CreateToolChange(retract, QStringLiteral("R8"), QStringLiteral("H1"));
+    f.AddLinkPosition(retract, {76.2, 0.0, 254.0}, 5080.0);
+    f.AddLinkPosition(retract, {76.2, 25.4, 254.0}, 2540.0);
+    EXPECT_EQ(ZELTest::LinesBetween(Ply(), QStringLiteral("N3G1G641"), QStringLiteral("; End of Course")),
+              QStringList({QStringLiteral("N3G1G641 ADIS=OFF_PART M5M18X2.0000;First off part point"),
+                           QStringLiteral("CHECK_M01; Check Whether Optional Stopping"),
+                           QStringLiteral("N4G1G642 ADIS=OFF_PART Z10.0000F200"),
+                           QStringLiteral("N7G1G642 ADIS=OFF_PART X3.0000"),
+                           QStringLiteral("N8G1G642 ADIS=OFF_PART Y1.0000F100"),
+                           QStringLiteral("; End of Course #1 Circuit")}));
+}
+
+// The material axis
+
+TEST_F(ZELKinAFPGCodeCourseTest, WithoutUValuesACourseCountsUInMillimetresAlongItsToolpathPoints)
+{
+    MakePly();
+    const ZELMathPoint tips[] = {{0.0, 0.0, 0.0}, {3.0, 4.0, 0.0}, {3.0, 4.0, 12.0}};
+    QList<ZELKinRollLayupPosition*> positions;
+    positions.append(f.AddCoursePosition(Course(), 1, {0.0, 0.0, 0.0}, 2540.0, HeadAngles(), &tips[0]));
+    positions.append(f.AddCoursePosition(Course(), 2, {25.4, 0.0, 0.0}, 2540.0, HeadAngles(), &tips[1]));
+    // No toolpath point: no length of its own.
+    positions.append(f.AddCoursePosition(Course(), 3, {50.8, 0.0, 0.0}, 2540.0));
+    positions.append(f.AddCoursePosition(Course(), 4, {76.2, 0.0, 0.0}, 2540.0, HeadAngles(), &tips[2]));
+    positions.append(f.AddCoursePosition(Course(), 5, {101.6, 0.0, 0.0}, 2540.0));
+    const QStringList lines = CourseLines();
+    const double expected[] = {0.0, 5.0, 5.0, 17.0, 17.0};
+    for (int i = 0; i < positions.size(); ++i) {
+        EXPECT_TRUE(ZELTest::SameDouble(expected[i], positions.at(i)->GetVariableValue(f.u), ZELTest::kTight)) << i;
+        EXPECT_TRUE(ZELTest::SameDouble(0.0, positions.at(i)->property("uAxisOffset").toDouble(), ZELTest::kExact))
+            << i;
+    }
+    EXPECT_EQ(lines,
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X1.0000U5.0000;First point in course"),
+                           QStringLiteral("N3G1X2.0000"),
+                           QStringLiteral("N4G1G642 ADIS=COURSEND X3.0000U17.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, WithUValuesACourseKeepsThemAndCountsItsEventsFromTheFirst)
+{
+    MakePly();
+    QList<ZELKinRollLayupPosition*> positions;
+    for (const double u : {100.0, 110.0, 130.0}) {
+        positions.append(At(u / 10.0));
+        positions.last()->SetVariableValue(f.u, u);
+    }
+    f.AddTowCommand(Course(), ZELKinTowCommand::Cut, 0x3);
+    positions.append(At(14.0));
+    positions.last()->SetVariableValue(f.u, 140.0);
+    const QString text = Ply();
+    for (int i = 0; i < positions.size(); ++i)
+        EXPECT_TRUE(ZELTest::SameDouble(100.0, positions.at(i)->property("uAxisOffset").toDouble(), ZELTest::kExact))
+            << i;
+    EXPECT_TRUE(ZELTest::SameDouble(130.0, positions.at(2)->GetVariableValue(f.u), ZELTest::kExact));
+    EXPECT_EQ(ZELTest::LinesStartingWith(text, QStringLiteral(";PMAC1: G500")),
+              QStringList({QStringLiteral(";PMAC1: G500U30.000C/B[0003]")}));
+    EXPECT_EQ(ZELTest::LinesStartingWith(text, QStringLiteral("N3")),
+              QStringList({QStringLiteral("N3G1X13.0000U130.0000F75;{S3};Last point in course")}));
+}
+
+namespace {
+
+class ZELKinAFPGCodeCourseWithoutMaterialAxisTest : public ZELKinAFPGCodeCourseTest
+{
+protected:
+    static ZELKinTestHead HeadWithoutMaterialAxis()
+    {
+        ZELKinTestHead head;
+        head.materialVariable = QStringLiteral("W");
+        return head;
+    }
+
+    ZELKinAFPGCodeCourseWithoutMaterialAxisTest()
+        : ZELKinAFPGCodeCourseTest(HeadWithoutMaterialAxis())
+    {
+    }
+};
+
+} // namespace
+
+TEST_F(ZELKinAFPGCodeCourseWithoutMaterialAxisTest, AMachineWithoutMaterialAxisLeavesThePositionsAsTheyAre)
+{
+    MakePly();
+    ZELKinRollLayupPosition* first = At(0);
+    At(1);
+    At(2);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"),
+                           QStringLiteral("N2G1G642 ADIS=COURSEND X1.0000;First point in course;Last "
+                                          "point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+    EXPECT_FALSE(first->IsVariableDefined(f.u));
+    EXPECT_FALSE(first->property("uAxisOffset").isValid());
+}

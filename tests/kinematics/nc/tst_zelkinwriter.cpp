@@ -1,0 +1,487 @@
+// The writer front end: formats, the directory and bundle layouts with their
+// file names and markers, the options text, progress, the fatal paths and
+// the single-ply mode.
+
+#include "zelkinnctestprograms.h"
+
+#include <zelkintestprocedure.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+using ZELTest::NCFixture;
+
+namespace {
+
+const QString kFormat = QStringLiteral("IngersollAFPGCode");
+
+QStringList EntriesOf(const QString& directory)
+{
+    return QDir(directory).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
+}
+
+void MakeDirectory(const QString& path)
+{
+    ASSERT_TRUE(QDir().mkpath(path)) << path.toStdString();
+}
+
+void WriteText(const QString& path, const QString& text)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    file.write(text.toUtf8());
+}
+
+// Death tests here fork without re-running the test ("fast" style), so that
+// the child writes into the temporary folder that the parent made and
+// checks afterwards.
+void UseForkingDeathTests()
+{
+    GTEST_FLAG_SET(death_test_style, "fast");
+}
+
+// In a death test's child: standard input reads `text`.
+void FeedStandardInput(const QString& folder, const QString& text)
+{
+    const QString path = QDir(folder).filePath(QStringLiteral("stdin.txt"));
+    WriteText(path, text);
+    if (!std::freopen(path.toLocal8Bit().constData(), "r", stdin))
+        std::_Exit(3);
+}
+
+/*!
+    The program of the golden bundle KIT.bun: a procedure of another kind
+    ("Other"), ply 0101 "Ply K" with one short course on a 12-tow roller,
+    and a probe procedure with a position and no targets.
+*/
+void BuildKit(NCFixture& f)
+{
+    f.program->SetOriginalFileName(QStringLiteral("KIT"));
+    f.program->SetRevisionNumber(QStringLiteral("C"));
+    auto* other = new ZELKinTestProcedure(f.program);
+    other->SetToolPathProcedure(new ZELTPProcedure(&f.container, QStringLiteral("Other")));
+
+    ZELKinRollLayupProcedure* ply = f.AddLayup(QStringLiteral("Ply K"), QStringLiteral("Layup K"));
+    ply->SetSafetyPlane(ZELMathPlane(ZELMathPoint(0, 0, 254.0), ZELMathVector(0, 0, 1)));
+    ply->AddPlyDefinition(
+        NCFixture::Ply(QStringLiteral("K1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Offset, 0.5));
+    f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(ply), {0.0, 0.0, 25.4, 0.0, 0.0}, 2540.0);
+    ZELKinTowCourse* course = f.AddCourse(ply, 0x1, 12);
+    f.AddCoursePosition(course, 1, {0.0, 0.0, 0.0, 0.0, 0.0, 0.0}, 2540.0);
+    f.AddCoursePosition(course, 2, {25.4, 0.0, 0.0, 0.0, 0.0, 25.4}, 2540.0);
+    f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(ply), {25.4, 0.0, 25.4, 0.0, 0.0}, 2540.0);
+
+    ZELKinProbeProcedure* probing = f.AddProbing(QStringLiteral("Probe K"));
+    f.AddProbePosition(probing, {0.0, 0.0, 0.0}, 1270.0);
+}
+
+//! A program of two plies, 0101 and 0102, each with one course.
+void BuildTwoPlies(NCFixture& f)
+{
+    for (const char* name : {"Ply A", "Ply B"}) {
+        ZELKinRollLayupProcedure* ply = f.AddLayup(QString::fromLatin1(name), QString::fromLatin1(name));
+        f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(ply), {0.0, 0.0, 25.4}, 2540.0);
+        ZELKinTowCourse* course = f.AddCourse(ply, 0x3, 16);
+        f.AddCoursePosition(course, 1, {0.0, 0.0, 0.0}, 2540.0);
+        f.AddCoursePosition(course, 2, {25.4, 0.0, 0.0}, 2540.0);
+        f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(ply), {25.4, 0.0, 25.4}, 2540.0);
+    }
+}
+
+class ZELKinWriterTest : public ::testing::Test
+{
+protected:
+    void Write(const QString& path, const QString& options = QString(), const QString& format = kFormat)
+    {
+        ZELKinWriter writer(f.program);
+        writer.SetCurrentDateTime(NCFixture::Now());
+        writer.Write(path, format, options);
+    }
+
+    void WriteOnePly(const QString& path)
+    {
+        ZELKinWriter writer(f.program);
+        QString ply = QStringLiteral("ONEPLY");
+        writer.SetPlyToProcess(ply);
+        writer.SetCurrentDateTime(NCFixture::Now());
+        writer.Write(path, kFormat, QString());
+    }
+
+    QString Output(const QString& relative = QString()) const
+    {
+        return relative.isEmpty() ? f.output.path() : QDir(f.output.path()).filePath(relative);
+    }
+
+    NCFixture f;
+};
+
+} // namespace
+
+TEST_F(ZELKinWriterTest, AnUnknownFormatWritesNothing)
+{
+    f.BuildPart();
+    Write(Output(QStringLiteral("out")), QString(), QStringLiteral("ingersollafpgcode"));
+    Write(Output(QStringLiteral("out.bun")), QString(), QStringLiteral("Other"));
+    EXPECT_EQ(EntriesOf(Output()), QStringList());
+}
+
+TEST_F(ZELKinWriterTest, APathEndingInAptsourceWritesABundleBesideItAndNoDirectory)
+{
+    f.BuildPart();
+    Write(Output(QStringLiteral("cam/PART.aptsource")));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("cam"))), QStringList({QStringLiteral("PART.bun")}));
+    EXPECT_TRUE(
+        NCFixture::ReadText(Output(QStringLiteral("cam/PART.bun"))).startsWith(QStringLiteral("SetId|PART|\n")));
+}
+
+TEST_F(ZELKinWriterTest, ThreePliesAndAProbeProcedureGiveTheProgramSetThreePlyFilesAndTheProbingFile)
+{
+    for (const char* name : {"one", "two"})
+        f.AddLayup(QString::fromLatin1(name), QString::fromLatin1(name));
+    f.AddProbing(QStringLiteral("probe"));
+    f.AddLayup(QStringLiteral("three"), QStringLiteral("three"));
+    Write(Output(QStringLiteral("nc")));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc"))), QStringList({QStringLiteral("PART")}));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc/PART"))),
+              QStringList({QStringLiteral("PART#0101.PPF"), QStringLiteral("PART#0102.PPF"),
+                           QStringLiteral("PART#0103.PPF"), QStringLiteral("PART.PPSF"), QStringLiteral("PART.PTPF")}));
+}
+
+TEST_F(ZELKinWriterTest, RollLayupProceduresAreNumberedFrom101SkippingOtherKinds)
+{
+    ZELKinRollLayupProcedure* first = f.AddLayup(QStringLiteral("one"), QStringLiteral("one"));
+    ZELKinProbeProcedure* probing = f.AddProbing(QStringLiteral("probe"));
+    ZELKinRollLayupProcedure* second = f.AddLayup(QStringLiteral("two"), QStringLiteral("two"));
+    Write(Output(QStringLiteral("nc")));
+    EXPECT_EQ(first->property("PlyNum").toInt(), 101);
+    EXPECT_EQ(second->property("PlyNum").toInt(), 102);
+    EXPECT_FALSE(probing->property("PlyNum").isValid());
+}
+
+TEST_F(ZELKinWriterTest, AProcedureThatIsGoneIsSkipped)
+{
+    delete f.AddLayup(QStringLiteral("gone"), QStringLiteral("gone"));
+    ZELKinRollLayupProcedure* kept = f.AddLayup(QStringLiteral("kept"), QStringLiteral("kept"));
+    ASSERT_EQ(f.program->GetProcedure(0), nullptr);
+    ::testing::internal::CaptureStdout();
+    Write(Output(QStringLiteral("PART.bun")));
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "  Writing kept\n");
+    EXPECT_EQ(kept->property("PlyNum").toInt(), 101);
+    const QString bundle = NCFixture::ReadText(Output(QStringLiteral("PART.bun")));
+    EXPECT_EQ(ZELTest::LinesStartingWith(bundle, QStringLiteral(">>>>> Filename|")),
+              QStringList({QStringLiteral(">>>>> Filename|PART.PPSF| <<<<<"),
+                           QStringLiteral(">>>>> Filename|PART#0101.PPF| <<<<<")}));
+}
+
+TEST_F(ZELKinWriterTest, AProgramOfOtherProceduresOnlyStillGetsItsProgramSetFile)
+{
+    new ZELKinTestProcedure(f.program);
+    new ZELKinTestProcedure(f.program);
+    Write(Output(QStringLiteral("nc")));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc/PART"))), QStringList({QStringLiteral("PART.PPSF")}));
+    EXPECT_TRUE(NCFixture::ReadText(Output(QStringLiteral("nc/PART/PART.PPSF")))
+                    .startsWith(QStringLiteral("PROGRAM SET ID: PART\n")));
+}
+
+TEST_F(ZELKinWriterTest, ABundleHoldsEachFileBetweenItsMarkersAndNoSectionForOtherProcedures)
+{
+    BuildKit(f);
+    Write(Output(QStringLiteral("KIT.bun")));
+    EXPECT_TRUE(ZELTest::SameText(ZELTest::Golden(QStringLiteral("KIT.bun")),
+                                  NCFixture::ReadText(Output(QStringLiteral("KIT.bun")))));
+}
+
+TEST_F(ZELKinWriterTest, ABundleInAMissingFolderGetsTheFolder)
+{
+    BuildKit(f);
+    Write(Output(QStringLiteral("a/b/KIT.bun")));
+    EXPECT_TRUE(ZELTest::SameText(ZELTest::Golden(QStringLiteral("KIT.bun")),
+                                  NCFixture::ReadText(Output(QStringLiteral("a/b/KIT.bun")))));
+}
+
+TEST_F(ZELKinWriterTest, EachProcedureIsAnnouncedOnStandardOutputByItsToolpathName)
+{
+    BuildKit(f);
+    ::testing::internal::CaptureStdout();
+    Write(Output(QStringLiteral("nc")));
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "  Writing Other\n  Writing Layup K\n  Writing Probe K\n");
+}
+
+TEST_F(ZELKinWriterTest, SeveralProbeProceduresShareOneProbingFileAndTheLastOneStays)
+{
+    for (const double z : {254.0, 508.0}) {
+        ZELKinProbeProcedure* probing = f.AddProbing(QStringLiteral("probe"));
+        probing->SetSafetyPlane(ZELMathPlane(ZELMathPoint(0, 0, z), ZELMathVector(0, 0, 1)));
+    }
+    Write(Output(QStringLiteral("nc")));
+    const QString text = NCFixture::ReadText(Output(QStringLiteral("nc/PART/PART.PTPF")));
+    EXPECT_EQ(ZELTest::LinesStartingWith(text, QStringLiteral(";[RETRACT MODEL]")),
+              QStringList({QStringLiteral(
+                  ";[RETRACT MODEL] OPMM=SPECIFIED,RetractAxis=Z,RetractValue=20.000000,RetractFeedrate=0.0000")}));
+}
+
+TEST_F(ZELKinWriterTest, AnExistingFileIsReplacedWholeAndNoTemporaryFileIsLeft)
+{
+    f.BuildPart();
+    MakeDirectory(Output(QStringLiteral("nc/PART")));
+    WriteText(Output(QStringLiteral("nc/PART/PART.PPSF")), QString(20000, QLatin1Char('x')));
+    Write(Output(QStringLiteral("nc")), ZELTest::kGoldenOptions);
+    EXPECT_TRUE(ZELTest::SameText(ZELTest::Golden(QStringLiteral("PART.PPSF")),
+                                  NCFixture::ReadText(Output(QStringLiteral("nc/PART/PART.PPSF")))));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc/PART"))),
+              QStringList({QStringLiteral("PART#0101.PPF"), QStringLiteral("PART#0102.PPF"),
+                           QStringLiteral("PART.PPSF"), QStringLiteral("PART.PTPF")}));
+}
+
+TEST_F(ZELKinWriterTest, WithoutAGivenTimeTheFilesPrintTheTimeOfWriting)
+{
+    const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
+    ZELKinWriter writer(f.program);
+    writer.Write(Output(QStringLiteral("nc")), kFormat, QString());
+    const QDateTime after = QDateTime::currentDateTime().addSecs(1);
+    const QStringList lines = ZELTest::LinesStartingWith(NCFixture::ReadText(
+                                                             Output(QStringLiteral("nc/PART/PART.PPSF"))),
+                                                         QStringLiteral("CPP DATE/TIME : "));
+    ASSERT_EQ(lines.size(), 1);
+    // Two-digit years read as 19xx; the file's century is today's.
+    const QDateTime printed = QDateTime::fromString(lines.first().mid(16), QStringLiteral("MM/dd/yy HH:mm:ss"))
+                                  .addYears(before.date().year() / 100 * 100 - 1900);
+    EXPECT_TRUE(printed >= before.addMSecs(-before.time().msec()) && printed <= after) << lines.first().toStdString();
+}
+
+TEST_F(ZELKinWriterTest, AWriterWithoutAProgramWritesNothing)
+{
+    ZELKinWriter writer(static_cast<ZELKinProgram*>(nullptr));
+    writer.Write(Output(QStringLiteral("nc")), kFormat, QString());
+    EXPECT_EQ(EntriesOf(Output()), QStringList());
+}
+
+// The options text
+
+namespace {
+
+struct OptionsCase
+{
+    const char* name;
+    const char* options;
+    const char* retractValueLine;
+};
+ZELTEST_PRINT_CASE_BY_NAME(OptionsCase);
+
+class ZELKinWriterOptionsTest : public ZELKinWriterTest, public ::testing::WithParamInterface<OptionsCase>
+{
+};
+
+const OptionsCase kOptionsCases[] = {
+    {"PlainItem", "tooling-retract:25.4", ";[RETRACT VALUE] Retract=1.0000"},
+    {"SpacesAroundKeyAndValueAreSimplified", "  tooling-retract :\t50.8 ", ";[RETRACT VALUE] Retract=2.0000"},
+    {"AmongOtherItems", "pinch-max-length: 3;tooling-retract: 12.7;pinch-release-length: 1",
+     ";[RETRACT VALUE] Retract=0.5000"},
+    {"UnknownKeysAreIgnored", "retract: 25.4; tooling-retract-x: 25.4", ";[RETRACT VALUE] Retract=0.0000"},
+    {"KeysAreCaseSensitive", "Tooling-Retract: 25.4", ";[RETRACT VALUE] Retract=0.0000"},
+    {"InnerSpacesInAKeyCount", "tooling -retract: 25.4", ";[RETRACT VALUE] Retract=0.0000"},
+    {"ANonNumberReadsAsZero", "tooling-retract: 25.4; tooling-retract: one inch", ";[RETRACT VALUE] Retract=0.0000"},
+    {"AMissingValueReadsAsZero", "tooling-retract: 25.4; tooling-retract", ";[RETRACT VALUE] Retract=0.0000"},
+    {"TheLastItemWins", "tooling-retract: 25.4; tooling-retract: 76.2", ";[RETRACT VALUE] Retract=3.0000"},
+    {"EmptyItemsAreIgnored", ";;tooling-retract: 25.4;", ";[RETRACT VALUE] Retract=1.0000"},
+};
+
+} // namespace
+
+TEST_P(ZELKinWriterOptionsTest, ToolingRetractIsReadFromTheOptionsText)
+{
+    f.AddProbing(QStringLiteral("probe"));
+    Write(Output(QStringLiteral("nc")), QString::fromUtf8(GetParam().options));
+    const QString text = NCFixture::ReadText(Output(QStringLiteral("nc/PART/PART.PTPF")));
+    EXPECT_EQ(ZELTest::LinesStartingWith(text, QStringLiteral(";[RETRACT VALUE]")),
+              QStringList({QString::fromUtf8(GetParam().retractValueLine)}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Options, ZELKinWriterOptionsTest, ::testing::ValuesIn(kOptionsCases));
+
+// Fatal paths
+
+TEST_F(ZELKinWriterTest, AnOutputDirectoryThatCannotBeMadeEndsTheProcess)
+{
+    UseForkingDeathTests();
+    f.BuildPart();
+    WriteText(Output(QStringLiteral("file")), QStringLiteral("not a folder"));
+    const QString path = Output(QStringLiteral("file/nc"));
+    EXPECT_DEATH(Write(path),
+                 ZELTest::Literally(QStringLiteral("Could not create the output directory '%1'").arg(path)));
+}
+
+TEST_F(ZELKinWriterTest, APartOutputDirectoryThatCannotBeMadeEndsTheProcess)
+{
+    UseForkingDeathTests();
+    f.BuildPart();
+    f.program->SetOriginalFileName(QStringLiteral("missing/PART"));
+    EXPECT_DEATH(Write(Output(QStringLiteral("nc"))),
+                 ZELTest::Literally(QStringLiteral("Could not create the part output directory 'missing/PART'")));
+}
+
+TEST_F(ZELKinWriterTest, TheNameInAFatalMessageIsWrittenInLatin1)
+{
+    UseForkingDeathTests();
+    f.program->SetOriginalFileName(QStringLiteral("missing/\u00e9\u0141"));
+    EXPECT_DEATH(Write(Output(QStringLiteral("nc"))),
+                 ZELTest::Literally(QStringLiteral("Could not create the part output directory 'missing/\u00e9?'")));
+}
+
+namespace {
+
+struct UnopenableFileCase
+{
+    const char* name;
+    const char* blockedFile; // made a folder, so that it cannot be opened as a file
+    const char* message;
+};
+ZELTEST_PRINT_CASE_BY_NAME(UnopenableFileCase);
+
+class ZELKinWriterUnopenableFileTest : public ZELKinWriterTest, public ::testing::WithParamInterface<UnopenableFileCase>
+{
+};
+
+const UnopenableFileCase kUnopenableFileCases[] = {
+    {"ProgramSetFile", "nc/PART/PART.PPSF", "Could not open the PPSF file for writing at: '%1'"},
+    {"PlyFile", "nc/PART/PART#0102.PPF", "Could not open the PPF file for writing at: '%1'"},
+    {"ProbingFile", "nc/PART/PART.PTPF", "Could not open the PTPF file for writing at: '%1'"},
+    {"BundleFile", "nc/PART.bun", "Could not open the bundle file for writing at: '%1'"},
+};
+
+} // namespace
+
+TEST_P(ZELKinWriterUnopenableFileTest, AFileThatCannotBeOpenedEndsTheProcess)
+{
+    UseForkingDeathTests();
+    f.BuildPart();
+    const QString blocked = Output(QString::fromUtf8(GetParam().blockedFile));
+    MakeDirectory(blocked);
+    const QString path = blocked.endsWith(QStringLiteral(".bun")) ? blocked : Output(QStringLiteral("nc"));
+    EXPECT_DEATH(Write(path), ZELTest::Literally(QString::fromUtf8(GetParam().message).arg(blocked)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, ZELKinWriterUnopenableFileTest, ::testing::ValuesIn(kUnopenableFileCases));
+
+TEST_F(ZELKinWriterTest, ABundleFolderThatCannotBeMadeEndsTheProcess)
+{
+    UseForkingDeathTests();
+    f.BuildPart();
+    WriteText(Output(QStringLiteral("file")), QStringLiteral("not a folder"));
+    EXPECT_DEATH(Write(Output(QStringLiteral("file/PART.bun"))),
+                 ZELTest::Literally(
+                     QStringLiteral("Could not create the output directory '%1'").arg(Output(QStringLiteral("file")))));
+}
+
+// Single-ply mode: the child of each death test reads the ply number from
+// a file put in place of its standard input.
+
+TEST_F(ZELKinWriterTest, OnePlyListsThePliesAndWritesOnlyTheChosenPlyFile)
+{
+    UseForkingDeathTests();
+    BuildTwoPlies(f);
+    f.AddProbing(QStringLiteral("probe"));
+    const QString prompt = QStringLiteral(
+        "\n Program has these procedures:\n0101\n0102\n Enter PROCEDURE to process: ");
+    EXPECT_EXIT(
+        {
+            // Spaces around the number and a carriage return do not count.
+            FeedStandardInput(Output(), QStringLiteral("  0102 \r\n"));
+            WriteOnePly(Output(QStringLiteral("nc")));
+            std::_Exit(0);
+        },
+        ::testing::ExitedWithCode(0), ZELTest::Literally(prompt));
+    EXPECT_EQ(EntriesOf(Output()), QStringList({QStringLiteral("nc_procedures"), QStringLiteral("stdin.txt")}));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc_procedures/PART"))), QStringList({QStringLiteral("PART#0102.PPF")}));
+    EXPECT_TRUE(NCFixture::ReadText(Output(QStringLiteral("nc_procedures/PART/PART#0102.PPF")))
+                    .startsWith(QStringLiteral("; Sequence 0102 processed by jdoe")));
+}
+
+TEST_F(ZELKinWriterTest, OnePlyReplacesItsSectionOfTheBundleAndKeepsTheRest)
+{
+    UseForkingDeathTests();
+    BuildTwoPlies(f);
+    ZELKinRollLayupProcedure* second = qobject_cast<ZELKinRollLayupProcedure*>(f.program->GetProcedure(1));
+    const QString bundle = Output(QStringLiteral("PART.bun"));
+    Write(bundle);
+    const QString before = NCFixture::ReadText(bundle);
+    // The second ply changes before it is written again on its own.
+    second->AddPlyDefinition(
+        NCFixture::Ply(QStringLiteral("NEW"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, 1.0));
+
+    EXPECT_EXIT(
+        {
+            FeedStandardInput(Output(), QStringLiteral("0102\n"));
+            WriteOnePly(bundle);
+            std::_Exit(0);
+        },
+        ::testing::ExitedWithCode(0), "Enter PROCEDURE to process");
+
+    const QString plyFile = NCFixture::ReadText(Output(QStringLiteral("PART.bun_procedures/PART/PART#0102.PPF")));
+    EXPECT_TRUE(plyFile.contains(QStringLiteral(";[PLY] PlyId=NEW,")));
+    const QString marker = QStringLiteral(">>>>> Filename|PART#0102.PPF| <<<<<\n");
+    const QString endOfFile = QStringLiteral(">>>>> End of File <<<<<\n");
+    const qsizetype sectionStart = before.indexOf(marker) + marker.size();
+    const qsizetype sectionEnd = before.indexOf(endOfFile, sectionStart);
+    ASSERT_GT(sectionStart, marker.size());
+    ASSERT_GT(sectionEnd, sectionStart);
+    EXPECT_EQ(NCFixture::ReadText(bundle), before.left(sectionStart) + plyFile + before.mid(sectionEnd));
+    EXPECT_FALSE(before.contains(QStringLiteral(";[PLY] PlyId=NEW,")));
+}
+
+TEST_F(ZELKinWriterTest, OnePlyOfAnUnknownNumberIsReportedAndWritesNothing)
+{
+    UseForkingDeathTests();
+    BuildTwoPlies(f);
+    const QString bundle = Output(QStringLiteral("PART.bun"));
+    Write(bundle);
+    const QString before = NCFixture::ReadText(bundle);
+    EXPECT_EXIT(
+        {
+            FeedStandardInput(Output(), QStringLiteral("0109\n"));
+            WriteOnePly(bundle);
+            std::_Exit(0);
+        },
+        ::testing::ExitedWithCode(0),
+        ZELTest::Literally(QStringLiteral("Could not process 0109: procedure not found")));
+    EXPECT_EQ(NCFixture::ReadText(bundle), before);
+    EXPECT_EQ(EntriesOf(Output()), QStringList({QStringLiteral("PART.bun"), QStringLiteral("stdin.txt")}));
+}
+
+TEST_F(ZELKinWriterTest, OnePlyMissingFromTheOldBundleEndsTheProcessAndLeavesTheBundleWhole)
+{
+    UseForkingDeathTests();
+    BuildTwoPlies(f);
+    const QString bundle = Output(QStringLiteral("PART.bun"));
+    Write(bundle);
+    const QString before = NCFixture::ReadText(bundle);
+    // A third ply that the bundle does not hold yet.
+    ZELKinRollLayupProcedure* third = f.AddLayup(QStringLiteral("Ply C"), QStringLiteral("Ply C"));
+    third->AddPlyDefinition(
+        NCFixture::Ply(QStringLiteral("C1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, 1.0));
+
+    EXPECT_DEATH(
+        {
+            FeedStandardInput(Output(), QStringLiteral("0103\n"));
+            WriteOnePly(bundle);
+        },
+        ZELTest::Literally(QStringLiteral("Could not find old procedure '0103' in file: '%1'").arg(bundle)));
+    EXPECT_EQ(NCFixture::ReadText(bundle), before);
+    EXPECT_EQ(EntriesOf(Output()),
+              QStringList(
+                  {QStringLiteral("PART.bun"), QStringLiteral("PART.bun_procedures"), QStringLiteral("stdin.txt")}));
+}
+
+TEST_F(ZELKinWriterTest, OnePlyWithoutAnOldBundleEndsTheProcess)
+{
+    UseForkingDeathTests();
+    BuildTwoPlies(f);
+    const QString bundle = Output(QStringLiteral("PART.bun"));
+    EXPECT_DEATH(
+        {
+            FeedStandardInput(Output(), QStringLiteral("0101\n"));
+            WriteOnePly(bundle);
+        },
+        ZELTest::Literally(QStringLiteral("Could not open the old bundle file for reading: '%1'").arg(bundle)));
+    EXPECT_FALSE(QFileInfo::exists(bundle));
+}

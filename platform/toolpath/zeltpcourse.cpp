@@ -31,3 +31,30 @@ void ZELTPCourse::_constructor_checker()
 {
     ZELTPCourse checker(nullptr, ZELGeoGeometryRef());
 }
+
+ZELTPCourseLink* ZELTPCourse::GetRetractLink() const
+{
+    Q_D(const ZELTPCourse);
+    return d->retractLink.Get();
+}
+
+void ZELTPCourse::SetRetractLink(ZELTPCourseLink* link)
+{
+    Q_D(ZELTPCourse);
+    AboutToChange();
+    d->retractLink.Set(link);
+}
+
+void ZELTPCourse::Save(ZELGeoStream& stream) const
+{
+    Q_D(const ZELTPCourse);
+    ZELTPObject::Save(stream);
+    d->retractLink.Save(stream);
+}
+
+void ZELTPCourse::Load(ZELGeoStream& stream)
+{
+    Q_D(ZELTPCourse);
+    ZELTPObject::Load(stream);
+    d->retractLink.Load(stream);
+}

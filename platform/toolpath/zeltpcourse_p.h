@@ -4,6 +4,9 @@
 #include "zeltpcourse.h"
 #include "zeltpobject_p.h"
 
+#include "zeltpcourselink.h"
+#include "zeltplink_p.h"
+
 class ZELTPCoursePrivate : public ZELTPObjectPrivate
 {
     Q_DECLARE_PUBLIC(ZELTPCourse)
@@ -13,6 +16,8 @@ public:
         : ZELTPObjectPrivate(q)
     {
     }
+
+    ZELTPLink<ZELTPCourseLink> retractLink;
 };
 
 #endif // ZELTPCOURSE_P_H

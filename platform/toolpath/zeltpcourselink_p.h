@@ -4,6 +4,10 @@
 #include "zeltpcourselink.h"
 #include "zeltpobject_p.h"
 
+#include "zeltpcourse.h"
+#include "zeltplink_p.h"
+#include "zeltptrajectorylist_p.h"
+
 class ZELTPCourseLinkPrivate : public ZELTPObjectPrivate
 {
     Q_DECLARE_PUBLIC(ZELTPCourseLink)
@@ -11,10 +15,13 @@ class ZELTPCourseLinkPrivate : public ZELTPObjectPrivate
 public:
     explicit ZELTPCourseLinkPrivate(ZELTPCourseLink* q)
         : ZELTPObjectPrivate(q)
+        , trajectories(q)
     {
     }
 
     ZELTPCourseLink::PointsDetail pointsDetail = ZELTPCourseLink::PointsDetailFull;
+    ZELTPTrajectoryList trajectories;
+    ZELTPLink<ZELTPCourse> toCourse;
 };
 
 #endif // ZELTPCOURSELINK_P_H

@@ -12,9 +12,9 @@
 class ZELTPObjectPrivate;
 
 /*!
-    The base of the named parts of a toolpath program (procedures, courses,
-    course links): a geometry of the host's container with a name that the
-    programmer gave it.
+    The base of the named parts of a toolpath (the program, its procedures,
+    courses and course links): a geometry of the host's container with a name
+    that the programmer gave it.
 
     ZELTPObject owns the private object of its whole class tree: the
     most-derived constructor allocates its own private class and hands it down

@@ -3,6 +3,8 @@
 
 #include "zeltppoint.h"
 
+#include <QList>
+
 class ZELTPPointPrivate
 {
     Q_DECLARE_PUBLIC(ZELTPPoint)
@@ -14,8 +16,19 @@ public:
     }
     virtual ~ZELTPPointPrivate() = default;
 
+    static ZELTPPointPrivate* get(ZELTPPoint* point) { return point->d_func(); }
+
+    //! Called by a trajectory that adds the point, once per addition.
+    void JoinTrajectory(ZELTPTrajectory* trajectory) { trajectories.append(trajectory); }
+    //! Called by a trajectory that is destroyed, once per addition.
+    void LeaveTrajectory(const ZELTPTrajectory* trajectory);
+
     ZELTPPoint* const q_ptr;
     ZELMathAxis toolFrame;
+    qint32 index = -1;
+    // The trajectories holding the point, once for each time one added it,
+    // in the order they added it.
+    QList<ZELTPTrajectory*> trajectories;
 };
 
 #endif // ZELTPPOINT_P_H

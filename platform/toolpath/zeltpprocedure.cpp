@@ -2,6 +2,7 @@
 #include "zeltpprocedure_p.h"
 
 #include <zelgeocontainer.h>
+#include <zelgeostream.h>
 
 ZELGEO_REGISTER_CLASS(ZELTPProcedure)
 
@@ -30,4 +31,31 @@ ZELTPProcedure::~ZELTPProcedure() = default;
 void ZELTPProcedure::_constructor_checker()
 {
     ZELTPProcedure checker(nullptr, ZELGeoGeometryRef());
+}
+
+ZELMathPlane ZELTPProcedure::GetSafetyPlane() const
+{
+    Q_D(const ZELTPProcedure);
+    return d->safetyPlane;
+}
+
+void ZELTPProcedure::SetSafetyPlane(const ZELMathPlane& plane)
+{
+    Q_D(ZELTPProcedure);
+    AboutToChange();
+    d->safetyPlane = plane;
+}
+
+void ZELTPProcedure::Save(ZELGeoStream& stream) const
+{
+    Q_D(const ZELTPProcedure);
+    ZELTPObject::Save(stream);
+    stream << d->safetyPlane;
+}
+
+void ZELTPProcedure::Load(ZELGeoStream& stream)
+{
+    Q_D(ZELTPProcedure);
+    ZELTPObject::Load(stream);
+    stream >> d->safetyPlane;
 }

@@ -13,6 +13,8 @@ public:
         : ZELTPObjectPrivate(q)
     {
     }
+
+    ZELMathPlane safetyPlane;
 };
 
 #endif // ZELTPPROCEDURE_P_H

@@ -1,11 +1,17 @@
-// The named toolpath objects (procedures, courses, course links) share their
-// name and its record through ZELTPObject; each case runs for all three.
+// The named toolpath objects (program, procedures, courses, course links)
+// share their name and its place at the head of their record through
+// ZELTPObject; each case runs for every one of them.
 
 #include "zeltptestsupport.h"
 
 #include <zeltpcourse.h>
 #include <zeltpcourselink.h>
+#include <zeltpprobingprocedure.h>
 #include <zeltpprocedure.h>
+#include <zeltpprogram.h>
+#include <zeltprolllayupprocedure.h>
+#include <zeltptoolchangelink.h>
+#include <zeltptowcourse.h>
 
 #include <zelgeostream.h>
 
@@ -16,7 +22,9 @@ class ZELTPObjectName : public ::testing::Test
 {
 };
 
-using NamedClasses = ::testing::Types<ZELTPProcedure, ZELTPCourse, ZELTPCourseLink>;
+using NamedClasses =
+    ::testing::Types<ZELTPProgram, ZELTPProcedure, ZELTPRollLayupProcedure, ZELTPProbingProcedure, ZELTPCourse,
+                     ZELTPTowCourse, ZELTPCourseLink, ZELTPToolChangeLink>;
 
 class ClassName
 {
@@ -63,26 +71,6 @@ TYPED_TEST(ZELTPObjectName, OpensTheRecord)
     QString name;
     record >> name;
     EXPECT_EQ(name, QStringLiteral("Lage 1"));
-}
-
-// Procedures and courses keep nothing but their name; a course link's own
-// fields follow it (tst_zeltpcourselink.cpp).
-template <typename T>
-class ZELTPObjectNameOnly : public ::testing::Test
-{
-};
-
-using NameOnlyClasses = ::testing::Types<ZELTPProcedure, ZELTPCourse>;
-TYPED_TEST_SUITE(ZELTPObjectNameOnly, NameOnlyClasses, ClassName);
-
-TYPED_TEST(ZELTPObjectNameOnly, IsTheWholeRecord)
-{
-    const TypeParam object(nullptr, QStringLiteral("Lage 1"));
-    ZELGeoStream record(object.GetCurrentState(), nullptr);
-    QString name;
-    record >> name;
-    EXPECT_EQ(name, QStringLiteral("Lage 1"));
-    EXPECT_TRUE(record.atEnd());
 }
 
 TYPED_TEST(ZELTPObjectName, SurvivesSaveAndLoadWithItsClassAndNonAsciiCharacters)

@@ -1,58 +1,37 @@
+// A point's frame, tip and index, its record, and how it knows the
+// trajectories that hold it.
+
 #include "zeltptestsupport.h"
 
+#include <zeltpcourselink.h>
 #include <zeltppoint.h>
+#include <zeltptrajectory.h>
 
 #include <zelgeostream.h>
 
 #include <zeltestsupport.h>
 
-#include <array>
+#include <memory>
 
-namespace {
+using ZELTPTest::Same;
+using ZELTPTest::TiltedFrame;
 
-std::array<double, 12> Components(const ZELMathAxis& frame)
-{
-    const ZELMathPoint o = frame.GetOrigin();
-    const ZELMathVector u = frame.GetUDirection();
-    const ZELMathVector v = frame.GetVDirection();
-    const ZELMathVector w = frame.GetWDirection();
-    return {o.GetX(), o.GetY(), o.GetZ(), u.GetX(), u.GetY(), u.GetZ(),
-            v.GetX(), v.GetY(), v.GetZ(), w.GetX(), w.GetY(), w.GetZ()};
-}
-
-::testing::AssertionResult SameFrame(const ZELMathAxis& expected, const ZELMathAxis& actual)
-{
-    const std::array<double, 12> e = Components(expected);
-    const std::array<double, 12> a = Components(actual);
-    for (std::size_t i = 0; i < e.size(); ++i) {
-        ::testing::AssertionResult same = ZELTest::SameDouble(e[i], a[i], ZELTest::kExact);
-        if (!same)
-            return same << " at component " << i;
-    }
-    return ::testing::AssertionSuccess();
-}
-
-// A tilted frame whose directions carry the rounding of their normalisation.
-ZELMathAxis TiltedFrame()
-{
-    return ZELMathAxis(ZELMathPoint(1250.5, -37.25, 812.125), ZELMathVector(1.0, 1.0, 0.0),
-                       ZELMathVector(-1.0, 1.0, 1.0), ZELMathVector(1.0, -1.0, 2.0));
-}
-
-} // namespace
-
-TEST(ZELTPPoint, LoadingConstructionGivesTheWorldFrame)
+TEST(ZELTPPoint, LoadingConstructionGivesTheWorldFrameAndNoIndex)
 {
     const ZELTPPoint point(nullptr, ZELGeoGeometryRef());
-    EXPECT_TRUE(SameFrame(ZELMathAxis(), point.GetToolFrame()));
+    EXPECT_TRUE(Same(ZELMathAxis(), point.GetToolFrame()));
+    EXPECT_EQ(point.GetIndex(), -1);
+    EXPECT_EQ(point.GetTrajectory(), nullptr);
 }
 
-TEST(ZELTPPoint, CreatingConstructorKeepsTheFrameInTheGivenContainer)
+TEST(ZELTPPoint, CreatingConstructorKeepsTheFrameInTheGivenContainerWithoutIndex)
 {
     ZELGeoContainer container;
     const ZELTPPoint* point = new ZELTPPoint(&container, TiltedFrame());
-    EXPECT_TRUE(SameFrame(TiltedFrame(), point->GetToolFrame()));
+    EXPECT_TRUE(Same(TiltedFrame(), point->GetToolFrame()));
     EXPECT_EQ(point->GetContainer(), &container);
+    EXPECT_EQ(point->GetIndex(), -1);
+    EXPECT_EQ(point->GetTrajectory(), nullptr);
 }
 
 TEST(ZELTPPoint, SetToolFrameReplacesTheFrameAndMarksTheContainerModified)
@@ -61,29 +40,133 @@ TEST(ZELTPPoint, SetToolFrameReplacesTheFrameAndMarksTheContainerModified)
     ZELTPPoint* point = new ZELTPPoint(&container, ZELMathAxis());
     container.SetModified(false);
     point->SetToolFrame(TiltedFrame());
-    EXPECT_TRUE(SameFrame(TiltedFrame(), point->GetToolFrame()));
+    EXPECT_TRUE(Same(TiltedFrame(), point->GetToolFrame()));
     EXPECT_TRUE(container.IsModified());
 }
 
-TEST(ZELTPPoint, RecordIsTheFrameInItsStreamForm)
+TEST(ZELTPPoint, TipCoordinatesAreTheFrameOrigin)
 {
-    const ZELTPPoint point(nullptr, TiltedFrame());
-    ZELGeoStream record(point.GetCurrentState(), nullptr);
-    ZELMathAxis frame;
-    record >> frame;
-    EXPECT_TRUE(SameFrame(TiltedFrame(), frame));
-    EXPECT_TRUE(record.atEnd());
+    ZELTPPoint point(nullptr, TiltedFrame());
+    EXPECT_TRUE(Same(ZELMathPoint(1250.5, -37.25, 812.125), point.GetTipCoordinates()));
+    point.SetToolFrame(ZELTPTest::FrameAt(-3.0, 4.5, 0.25));
+    EXPECT_TRUE(Same(ZELMathPoint(-3.0, 4.5, 0.25), point.GetTipCoordinates()));
 }
 
-TEST(ZELTPPoint, FrameSurvivesSaveAndLoadBitForBit)
+TEST(ZELTPPoint, SetIndexReplacesTheIndexAndMarksTheContainerModified)
+{
+    ZELGeoContainer container;
+    ZELTPPoint* point = new ZELTPPoint(&container, ZELMathAxis());
+    container.SetModified(false);
+    point->SetIndex(41);
+    EXPECT_EQ(point->GetIndex(), 41);
+    EXPECT_TRUE(container.IsModified());
+    point->SetIndex(-1);
+    EXPECT_EQ(point->GetIndex(), -1);
+}
+
+TEST(ZELTPPoint, RecordIsTheFrameInItsStreamFormThenTheIndex)
+{
+    ZELTPPoint point(nullptr, TiltedFrame());
+    point.SetIndex(7);
+    const QByteArray expected = ZELTPTest::Record([](ZELGeoStream& s) { s << TiltedFrame() << qint32(7); });
+    EXPECT_EQ(point.GetCurrentState(), expected);
+}
+
+TEST(ZELTPPoint, FrameAndIndexSurviveSaveAndLoadBitForBit)
 {
     ZELGeoContainer source;
-    new ZELTPPoint(&source, TiltedFrame());
+    (new ZELTPPoint(&source, TiltedFrame()))->SetIndex(12);
+    new ZELTPPoint(&source, ZELTPTest::FrameAt(1.0, 2.0, 3.0));
 
     ZELGeoContainer target;
     const QList<ZELGeoGeometry*> loaded = ZELTPTest::CopyContainer(source, target);
-    ASSERT_EQ(loaded.size(), 1);
-    const auto* point = qobject_cast<const ZELTPPoint*>(loaded.first());
-    ASSERT_NE(point, nullptr);
-    EXPECT_TRUE(SameFrame(TiltedFrame(), point->GetToolFrame()));
+    const QList<ZELTPPoint*> points = ZELTPTest::AllOf<ZELTPPoint>(loaded);
+    ASSERT_EQ(points.size(), 2);
+    EXPECT_STREQ(points.at(0)->metaObject()->className(), "ZELTPPoint");
+    EXPECT_TRUE(Same(TiltedFrame(), points.at(0)->GetToolFrame()));
+    EXPECT_EQ(points.at(0)->GetIndex(), 12);
+    EXPECT_EQ(points.at(1)->GetIndex(), -1);
+}
+
+TEST(ZELTPPoint, ARecordThatEndsAfterTheFrameReadsIndexZero)
+{
+    // Past the end of a record every number reads as zero.
+    ZELTPPoint point(nullptr, ZELMathAxis());
+    point.SetIndex(5);
+    point.SetCurrentState(ZELTPTest::Record([](ZELGeoStream& s) { s << TiltedFrame(); }));
+    EXPECT_TRUE(Same(TiltedFrame(), point.GetToolFrame()));
+    EXPECT_EQ(point.GetIndex(), 0);
+}
+
+TEST(ZELTPPoint, TrajectoryIsTheOneThatAddedThePoint)
+{
+    ZELGeoContainer container;
+    ZELTPPoint* point = new ZELTPPoint(&container, ZELMathAxis());
+    ZELTPTrajectory trajectory(1000.0);
+    trajectory.AddPoint(point);
+    EXPECT_EQ(point->GetTrajectory(), &trajectory);
+}
+
+TEST(ZELTPPoint, ASharedPointReportsTheTrajectoryThatAddedItLast)
+{
+    ZELGeoContainer container;
+    ZELTPPoint* shared = new ZELTPPoint(&container, ZELMathAxis());
+    ZELTPTrajectory first(1000.0);
+    ZELTPTrajectory second(2000.0);
+    first.AddPoint(shared);
+    second.AddPoint(shared);
+    EXPECT_EQ(shared->GetTrajectory(), &second);
+}
+
+TEST(ZELTPPoint, FallsBackToTheEarlierTrajectoryWhenTheLaterIsDestroyedAndToNullAfterBoth)
+{
+    ZELGeoContainer container;
+    ZELTPPoint* shared = new ZELTPPoint(&container, ZELMathAxis());
+    auto first = std::make_unique<ZELTPTrajectory>(1000.0);
+    auto second = std::make_unique<ZELTPTrajectory>(2000.0);
+    first->AddPoint(shared);
+    second->AddPoint(shared);
+    second.reset();
+    EXPECT_EQ(shared->GetTrajectory(), first.get());
+    first.reset();
+    EXPECT_EQ(shared->GetTrajectory(), nullptr);
+}
+
+TEST(ZELTPPoint, LosesItsTrajectoryWhenTheOwningLinkIsDeleted)
+{
+    ZELGeoContainer container;
+    ZELTPPoint* point = new ZELTPPoint(&container, ZELMathAxis());
+    auto* link = new ZELTPCourseLink(&container, QStringLiteral("transfer"));
+    auto* trajectory = new ZELTPTrajectory(1000.0);
+    link->AddTrajectory(trajectory);
+    trajectory->AddPoint(point);
+    container.DeleteGeometry(link);
+    EXPECT_EQ(point->GetTrajectory(), nullptr);
+}
+
+TEST(ZELTPPoint, ADestroyedPointLeavesEveryTrajectoryThatHeldIt)
+{
+    ZELGeoContainer container;
+    ZELTPPoint* kept = new ZELTPPoint(&container, ZELMathAxis());
+    ZELTPPoint* gone = new ZELTPPoint(&container, ZELMathAxis());
+    ZELTPTrajectory first(1000.0);
+    ZELTPTrajectory second(2000.0);
+    first.AddPoint(kept);
+    first.AddPoint(gone);
+    second.AddPoint(gone);
+    second.AddPoint(kept);
+    second.AddPoint(gone);
+    container.DeleteGeometry(gone);
+    EXPECT_EQ(first.GetPoints(), QList<ZELTPPoint*>({kept}));
+    EXPECT_EQ(second.GetPoints(), QList<ZELTPPoint*>({kept}));
+}
+
+TEST(ZELTPPoint, TheTrajectoryIsNotPartOfTheRecord)
+{
+    ZELGeoContainer container;
+    ZELTPPoint* point = new ZELTPPoint(&container, TiltedFrame());
+    const QByteArray alone = point->GetCurrentState();
+    ZELTPTrajectory trajectory(1000.0);
+    trajectory.AddPoint(point);
+    EXPECT_EQ(point->GetCurrentState(), alone);
 }

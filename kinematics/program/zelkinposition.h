@@ -76,6 +76,7 @@ protected:
     ZELKinPosition(ZELKinCommandPrivate* d, ZELGeoContainer* container, const ZELGeoGeometryRef& reference);
 
 private:
+    friend class ZELKinTranslator;
     friend class ZELKinTestAccess;
 
     //! Appends a new position to the probe procedure. A null procedure gives

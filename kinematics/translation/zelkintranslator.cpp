@@ -1,0 +1,411 @@
+#include "zelkintranslator.h"
+#include "zelkintranslator_p.h"
+
+#include "zelkinafpmachine.h"
+#include "zelkincourselink.h"
+#include "zelkinplydescription.h"
+#include "zelkinposition.h"
+#include "zelkinprobecommand.h"
+#include "zelkinprobeprocedure.h"
+#include "zelkinprogram.h"
+#include "zelkinrolllayupposition.h"
+#include "zelkinrolllayupprocedure.h"
+#include "zelkinsolver.h"
+#include "zelkintoolchange.h"
+#include "zelkintowcourse.h"
+#include "zelkintowfeedcommand.h"
+#include "zelkinvariable.h"
+
+#include <zelsysexception.h>
+#include <zeltpcourselink.h>
+#include <zeltpoffpartpoint.h>
+#include <zeltponparttrajectory.h>
+#include <zeltpprobingprocedure.h>
+#include <zeltpprogram.h>
+#include <zeltprolllayupprocedure.h>
+#include <zeltptoolchangelink.h>
+#include <zeltptowcourse.h>
+#include <zeltptowtrajectory.h>
+
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <utility>
+
+namespace {
+
+// Forced rates closer than this are the same rate.
+constexpr double RateTolerance = 0.001;
+// Keeps a roller exactly n tows wide from counting n - 1 tows by rounding.
+constexpr double RollerWidthAllowance = 0.001;
+// A segment end that stands for the trajectory's second to last point: its
+// last point is the next trajectory's first and is taken there.
+constexpr int DefaultEnd = -1;
+
+void PrintLine(const QString& line)
+{
+    // Flushed at once, so that the lines keep their order with the solver's.
+    std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stdout);
+    std::fflush(stdout);
+}
+
+QString AuthorFromEnvironment()
+{
+    const QString user = qEnvironmentVariable("USER");
+    return user.isEmpty() ? qEnvironmentVariable("USERNAME") : user;
+}
+
+double FeedrateOf(const ZELTPTrajectory* trajectory)
+{
+    return trajectory ? trajectory->GetFeedrate() : std::numeric_limits<double>::quiet_NaN();
+}
+
+int RollerTows(const ZELTPMachineConfiguration& configuration)
+{
+    const double tows = std::floor((configuration.GetTool().GetWidth() + RollerWidthAllowance)
+                                   / configuration.GetHead().GetTowWidth());
+    // A head without a tow width gives no count; no roller presses more tows
+    // than a mask holds.
+    if (!std::isfinite(tows))
+        return 0;
+    return int(std::clamp(tows, 0.0, double(ZELCompTowMask::MaximumTows)));
+}
+
+// The N index that the NC program numbers a course position by: on-part
+// points by their place along the course from 1, off-part points past the
+// course's end.
+int NIndexOf(const ZELTPPoint* point, int numCoursePoints)
+{
+    if (qobject_cast<const ZELTPOffPartPoint*>(point))
+        return numCoursePoints + 2;
+    return std::max(point->GetIndex(), 0) + 1;
+}
+
+// A tow that a list gives no rate for is not forced: it reads 0.
+double RateOf(const QList<double>& rates, qsizetype tow)
+{
+    return tow < rates.size() ? rates.at(tow) : 0.0;
+}
+
+bool RatesDiffer(const QList<double>& a, const QList<double>& b)
+{
+    const qsizetype count = std::max(a.size(), b.size());
+    for (qsizetype tow = 0; tow < count; ++tow) {
+        if (std::abs(RateOf(a, tow) - RateOf(b, tow)) > RateTolerance)
+            return true;
+    }
+    return false;
+}
+
+// Tow commands follow a trajectory's first position; a trajectory that gave
+// no position leaves them at the end of the course.
+int TowCommandIndex(const ZELKinTowCourse* course, int start)
+{
+    return std::min(start + 1, course->GetNumCommands());
+}
+
+ZELKinVariable* LinearVariable(const ZELKinMachine* machine, const QString& label)
+{
+    const QList<ZELKinVariable*> variables = machine ? machine->GetVariables() : QList<ZELKinVariable*>();
+    for (ZELKinVariable* variable : variables) {
+        if (variable && variable->GetType() == ZELKinVariable::Linear && variable->GetLabel() == label)
+            return variable;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+template <typename Object, typename... Arguments> Object* ZELKinTranslator::Create(Arguments&&... arguments)
+{
+    Object* object = new Object(std::forward<Arguments>(arguments)...);
+    object->Initialize();
+    return object;
+}
+
+QDateTime ZELKinTranslatorPrivate::GetProgramDate() const
+{
+    return currentDateTime.isNull() ? QDateTime::currentDateTime() : currentDateTime;
+}
+
+void ZELKinTranslatorPrivate::TranslateProcedure(ZELKinProgram* program, const ZELTPProcedure* source) const
+{
+    if (const auto* layup = qobject_cast<const ZELTPRollLayupProcedure*>(source))
+        TranslateRollLayup(program, layup);
+    else if (const auto* probing = qobject_cast<const ZELTPProbingProcedure*>(source))
+        TranslateProbing(program, probing);
+}
+
+void ZELKinTranslatorPrivate::TranslateRollLayup(ZELKinProgram* program, const ZELTPRollLayupProcedure* source) const
+{
+    auto* procedure = ZELKinTranslator::Create<ZELKinRollLayupProcedure>(program, source->GetAddingFeedrate(),
+                                                                         source->GetCuttingFeedrate());
+    procedure->SetSafetyPlane(source->GetSafetyPlane());
+    procedure->setObjectName(source->GetName());
+    procedure->SetToolPathProcedure(source);
+    AddPlies(procedure, source);
+
+    // A damaged toolpath may lead back to a link already walked; the path
+    // ends there instead of running round for ever.
+    QSet<const ZELTPCourseLink*> walked;
+    for (const ZELTPCourseLink* link = source->GetApproachLink(); link && !walked.contains(link);) {
+        walked.insert(link);
+        TranslateLink(procedure, link);
+        const ZELTPCourse* course = link->GetToCourse();
+        if (!course)
+            break;
+        if (const auto* towCourse = qobject_cast<const ZELTPTowCourse*>(course))
+            TranslateTowCourse(procedure, towCourse);
+        link = course->GetRetractLink();
+    }
+}
+
+void ZELKinTranslatorPrivate::AddPlies(ZELKinRollLayupProcedure* procedure, const ZELTPRollLayupProcedure* source) const
+{
+    const auto* machine = qobject_cast<const ZELKinAFPMachine*>(procedure->GetProgram()->GetMachine());
+    const double area = machine ? source->GetTotalMaterialLength() * machine->GetTowWidth() : 0.0;
+    const QString material = source->GetMaterialDescription().GetId();
+    for (const ZELTPPlyDescription& ply : source->GetPlyDescriptions()) {
+        ZELKinPlyDescription definition;
+        definition.SetAngle(ply.GetOrientation());
+        definition.SetName(ply.GetName());
+        definition.SetMaterial(material);
+        definition.SetMethod(ply.GetPropagationMode());
+        definition.SetArea(area);
+        procedure->AddPlyDefinition(definition);
+    }
+}
+
+void ZELKinTranslatorPrivate::TranslateLink(ZELKinRollLayupProcedure* procedure, const ZELTPCourseLink* source) const
+{
+    auto* link = ZELKinTranslator::Create<ZELKinCourseLink>(procedure);
+    link->SetToolPathCourseLink(source);
+    const auto* toolChange = qobject_cast<const ZELTPToolChangeLink*>(source);
+    const ZELTPPoint* toolRemovePoint = toolChange ? toolChange->GetToolRemovePoint() : nullptr;
+    bool toolChanged = false;
+    for (ZELTPPoint* point : source->GetPoints()) {
+        auto* position = ZELKinTranslator::Create<ZELKinPosition>(link, -1);
+        position->SetToolPathPoint(point);
+        position->SetFeedrate(FeedrateOf(point->GetTrajectory()));
+        // Where two trajectories of the link share the point, the tool is
+        // changed the first time only.
+        if (point == toolRemovePoint && !toolChanged) {
+            AddToolChange(link, toolChange);
+            toolChanged = true;
+        }
+    }
+}
+
+void ZELKinTranslatorPrivate::AddToolChange(ZELKinCourseLink* link, const ZELTPToolChangeLink* source) const
+{
+    const ZELTPMachineConfiguration next = source->GetNextMachineConfiguration();
+    const QString head = next.GetHead().GetName();
+    const bool headChanges = head != source->GetPreviousMachineConfiguration().GetHead().GetName();
+    ZELKinTranslator::Create<ZELKinToolChange>(link, next.GetTool().GetName(), headChanges ? head : QString());
+}
+
+void ZELKinTranslatorPrivate::TranslateTowCourse(ZELKinRollLayupProcedure* procedure,
+                                                 const ZELTPTowCourse* source) const
+{
+    auto* course = ZELKinTranslator::Create<ZELKinTowCourse>(procedure, source->GetUsedTowMask());
+    course->SetToolPathCourse(source);
+    const ZELTPMachineConfiguration configuration = source->GetMachineConfiguration();
+    course->SetRollerTows(RollerTows(configuration));
+    course->SetRoller(configuration.GetTool().GetName());
+    SetTowLengths(course, source);
+    AddCoursePositions(course, source);
+}
+
+void ZELKinTranslatorPrivate::SetTowLengths(ZELKinTowCourse* course, const ZELTPTowCourse* source) const
+{
+    const ZELCompTowMask mask = course->GetTowMask();
+    const QList<double> lengths = source->GetTowLengths();
+    // A tow that the toolpath gives no length for keeps 0.
+    const int count = std::min(mask.GetNumTows(), int(lengths.size()));
+    for (int tow = 0; tow < count; ++tow) {
+        if (mask.IsTowEnabled(tow + 1))
+            course->SetTowLength(tow, lengths.at(tow));
+    }
+}
+
+void ZELKinTranslatorPrivate::AddCoursePositions(ZELKinTowCourse* course, const ZELTPTowCourse* source) const
+{
+    const CourseWalk walk{course, source->GetNumPoints()};
+    const ZELTPOnPartTrajectory* rollIn = source->GetRollInTrajectory();
+    const ZELTPOnPartTrajectory* rollOut = source->GetRollOutTrajectory();
+
+    if (const ZELTPTrajectory* approach = source->GetApproachTrajectory())
+        AddSegment(walk, approach, 0, 1, rollIn);
+    if (rollIn)
+        AddSegment(walk, rollIn, rollIn->IndexOfPoint(source->GetRollInPoint()), DefaultEnd, rollIn);
+
+    const int numTows = course->GetTowMask().GetNumTows();
+    TowState tows{ZELCompTowMask(numTows, false), ZELCompTowMask(numTows, false), {}};
+    for (const ZELTPTrajectory* trajectory = source->GetNextTrajectory(rollIn); trajectory && trajectory != rollOut;
+         trajectory = source->GetNextTrajectory(trajectory)) {
+        const auto* towTrajectory = dynamic_cast<const ZELTPTowTrajectory*>(trajectory);
+        if (!towTrajectory)
+            throw ZELSysException(ZELKinTranslator::tr("not a tow trajectory"));
+        const int start = AddSegment(walk, towTrajectory, 0, DefaultEnd, towTrajectory);
+        AddTowChanges(course, tows, towTrajectory, start);
+    }
+
+    if (rollOut) {
+        const int beforeRollOutPoint = std::max(rollOut->IndexOfPoint(source->GetRollOutPoint()) - 1, 0);
+        EndTows(course, tows, AddSegment(walk, rollOut, 0, beforeRollOutPoint, rollOut));
+    }
+    if (const ZELTPTrajectory* retract = source->GetRetractTrajectory())
+        AddSegment(walk, retract, 1, retract->GetNumPoints() - 1, rollOut);
+}
+
+int ZELKinTranslatorPrivate::AddSegment(const CourseWalk& walk, const ZELTPTrajectory* trajectory, int from, int to,
+                                        const ZELTPOnPartTrajectory* tilts) const
+{
+    const int start = walk.course->GetNumCommands();
+    const QList<ZELTPPoint*>& points = trajectory->GetPoints();
+    const int first = std::max(from, 0);
+    const int last = std::min(to < 0 ? int(points.size()) - 2 : to, int(points.size()) - 1);
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (int i = first; i <= last; ++i) {
+        auto* position = ZELKinTranslator::Create<ZELKinRollLayupPosition>(walk.course);
+        position->SetToolPathPoint(points.at(i));
+        position->SetPAngle(tilts ? tilts->GetForwardTilt() : nan);
+        position->SetQAngle(tilts ? tilts->GetSideTilt() : nan);
+        position->SetSmoothAngle(tilts ? tilts->GetSmoothingAngle() : nan);
+        position->SetFeedrate(trajectory->GetFeedrate());
+        position->SetNIndex(NIndexOf(points.at(i), walk.numPoints));
+    }
+    return start;
+}
+
+void ZELKinTranslatorPrivate::AddTowChanges(ZELKinTowCourse* course, TowState& tows,
+                                            const ZELTPTowTrajectory* trajectory, int start) const
+{
+    // Each command goes to the same index, so the later ones stand before
+    // the earlier ones: feed, release, force, cut, add.
+    const int index = TowCommandIndex(course, start);
+    const ZELCompTowMask laid = trajectory->GetTowMask();
+    if (laid != tows.laid) {
+        AddTowCommand(course, laid - tows.laid, ZELKinTowCommand::Add, index);
+        AddTowCommand(course, tows.laid - laid, ZELKinTowCommand::Cut, index);
+        tows.laid = laid;
+    }
+    const ZELCompTowMask forced = trajectory->GetForcedMask() & laid;
+    if (forced != tows.forced) {
+        AddTowCommand(course, forced - tows.forced, ZELKinTowCommand::Force, index);
+        AddTowCommand(course, tows.forced - forced, ZELKinTowCommand::Release, index);
+        tows.forced = forced;
+    }
+    const QList<double> rates = trajectory->GetForcedRates();
+    if (RatesDiffer(rates, tows.rates)) {
+        ZELKinTranslator::Create<ZELKinTowFeedCommand>(course, rates, index);
+        tows.rates = rates;
+    }
+}
+
+void ZELKinTranslatorPrivate::EndTows(ZELKinTowCourse* course, const TowState& tows, int start) const
+{
+    // Released first and cut second at one index: the cut stands first.
+    const int index = TowCommandIndex(course, start);
+    AddTowCommand(course, tows.forced, ZELKinTowCommand::Release, index);
+    AddTowCommand(course, tows.laid, ZELKinTowCommand::Cut, index);
+}
+
+void ZELKinTranslatorPrivate::AddTowCommand(ZELKinTowCourse* course, const ZELCompTowMask& mask,
+                                            ZELKinTowCommand::CommandType type, int index) const
+{
+    if (mask.GetNumEnabled() > 0)
+        ZELKinTranslator::Create<ZELKinTowCommand>(course, mask, type, index);
+}
+
+void ZELKinTranslatorPrivate::TranslateProbing(ZELKinProgram* program, const ZELTPProbingProcedure* source) const
+{
+    auto* procedure = ZELKinTranslator::Create<ZELKinProbeProcedure>(program);
+    procedure->SetSafetyPlane(source->GetSafetyPlane());
+    procedure->SetToolPathProcedure(source);
+
+    const ZELKinMachine* machine = program->GetMachine();
+    const TipVariables tip{LinearVariable(machine, QStringLiteral("X")), LinearVariable(machine, QStringLiteral("Y")),
+                           LinearVariable(machine, QStringLiteral("Z"))};
+    // Trajectory i leads to probing point i, and trajectory i + 1 leaves it.
+    const int numTrajectories = source->GetNumTrajectories();
+    if (numTrajectories > 0)
+        AddProbePositions(procedure, source->GetTrajectory(0), tip);
+    for (int i = 0; i < source->GetNumProbingPoints(); ++i) {
+        ZELKinTranslator::Create<ZELKinProbeCommand>(procedure, ZELKinProbeCommand::Sphere,
+                                                     source->GetProbingPoint(i).GetDiameter());
+        if (i + 1 < numTrajectories)
+            AddProbePositions(procedure, source->GetTrajectory(i + 1), tip);
+    }
+}
+
+void ZELKinTranslatorPrivate::AddProbePositions(ZELKinProbeProcedure* procedure, const ZELTPTrajectory* trajectory,
+                                                const TipVariables& tip) const
+{
+    // Probe positions are not solved: the probe moves in tip coordinates.
+    for (ZELTPPoint* point : trajectory->GetPoints()) {
+        auto* position = ZELKinTranslator::Create<ZELKinPosition>(procedure);
+        position->SetToolPathPoint(point);
+        position->SetFeedrate(trajectory->GetFeedrate());
+        const ZELMathPoint tipPoint = point->GetTipCoordinates();
+        position->SetVariableValue(tip.x, tipPoint.GetX());
+        position->SetVariableValue(tip.y, tipPoint.GetY());
+        position->SetVariableValue(tip.z, tipPoint.GetZ());
+    }
+}
+
+void ZELKinTranslatorPrivate::Solve(ZELKinProgram* program) const
+{
+    for (ZELKinProcedure* procedure : program->GetProcedures()) {
+        auto* layup = qobject_cast<ZELKinRollLayupProcedure*>(procedure);
+        if (!layup)
+            continue;
+        const ZELKinSolutionSeries series = solver->Solve(layup);
+        if (series.GetCount() == 0) {
+            const ZELTPProcedure* source = layup->GetToolPathProcedure();
+            PrintLine(ZELKinTranslator::tr("      Could not successfully find a kinematics solution for procedure "
+                                           "%1. It will be omitted from the program.")
+                          .arg(source ? source->GetName() : QString()));
+            program->RemoveProcedure(layup);
+            continue;
+        }
+        for (int i = 0; i < series.GetCount(); ++i)
+            series.GetSolution(i).Apply(qobject_cast<ZELKinPosition*>(series.GetCommand(i)));
+    }
+}
+
+ZELKinTranslator::ZELKinTranslator(ZELKinSolver* solver)
+    : ZELKinTranslator(new ZELKinTranslatorPrivate(this, solver))
+{
+}
+
+ZELKinTranslator::ZELKinTranslator(ZELKinTranslatorPrivate* d)
+    : d_ptr(d)
+{
+}
+
+ZELKinTranslator::~ZELKinTranslator() = default;
+
+void ZELKinTranslator::SetCurrentDateTime(const QDateTime& now)
+{
+    Q_D(ZELKinTranslator);
+    d->currentDateTime = now;
+}
+
+ZELKinProgram* ZELKinTranslator::Translate(const ZELTPProgram* program) const
+{
+    Q_D(const ZELKinTranslator);
+    PrintLine(tr("Translating the program"));
+    auto* result = Create<ZELKinProgram>(d->solver->GetMachine());
+    result->SetAuthor(AuthorFromEnvironment());
+    result->SetDate(d->GetProgramDate());
+    const int numProcedures = program ? program->GetNumProcedures() : 0;
+    for (int i = 0; i < numProcedures; ++i)
+        d->TranslateProcedure(result, program->GetProcedure(i));
+    PrintLine(tr("Solving kinematics"));
+    d->Solve(result);
+    return result;
+}

@@ -1,0 +1,100 @@
+#ifndef ZELKINTRANSLATOR_H
+#define ZELKINTRANSLATOR_H
+
+#include "zelkinematics_export.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+
+#include <memory>
+
+class ZELKinProgram;
+class ZELKinSolver;
+class ZELKinTranslatorPrivate;
+class ZELTPProgram;
+
+/*!
+    Turns a toolpath program into a solved kinematic program for the machine
+    of a solver: one kinematic procedure per toolpath procedure (a roll
+    layup procedure with its plies, course links, tow courses, positions and
+    tow commands, or a probe procedure with its positions and probe
+    commands), after which every roll layup procedure is solved and the
+    chosen axis values are written into its positions. It is the only
+    creator of program objects, and calls Initialize() on each right after
+    building it.
+
+    Progress goes to standard output, in order with what the solver prints
+    there: "Translating the program", then "Solving kinematics", then the
+    solver's own lines; a roll layup procedure for which no continuous
+    solution exists is removed from the program (not destroyed) with the
+    line "      Could not successfully find a kinematics solution for
+    procedure <name>. It will be omitted from the program.", <name> being
+    the toolpath procedure's name.
+
+    The program's author is the environment variable USER, or USERNAME when
+    USER is empty; its date is the one given to SetCurrentDateTime.
+
+    Lengths are in mm and angles in rad throughout, as in both models.
+*/
+class ZELKINEMATICS_EXPORT ZELKinTranslator
+{
+    Q_DECLARE_TR_FUNCTIONS(ZELKinTranslator)
+
+public:
+    //! Translates for the machine of `solver`, which solves the roll layup
+    //! procedures. The solver is not owned and must outlive the translator.
+    explicit ZELKinTranslator(ZELKinSolver* solver);
+    virtual ~ZELKinTranslator();
+
+    //! The date and time that programs are stamped with, so that a
+    //! translation can be reproduced. While it is null (the default), each
+    //! Translate takes the current local date and time.
+    void SetCurrentDateTime(const QDateTime& now);
+
+    /*!
+        Builds the kinematic program of `program` in the container of the
+        solver's machine, solves it and returns it; the caller owns it (the
+        container holds it). A null `program` gives a program without
+        procedures. Toolpath procedures other than roll layups and probing
+        sequences are passed over, and so are the courses of a roll layup
+        that are not tow courses. A roll layup's path ends at the first link
+        without a course to go to, or at a link that it has walked already.
+
+        The positions of a tow course follow its chain of trajectories: the
+        first two points of the approach; the roll-in from the roll-in point
+        on; every tow trajectory; the roll-out up to the point before the
+        roll-out point; the retract from its second point. A trajectory's
+        last point is left to the next trajectory, which starts with it. Tow
+        commands stand right after the first position of the tow trajectory
+        where the tows change (the tows still laid are released and cut
+        after the first position of the roll-out); when a trajectory gives no
+        position, they go to the end of the course. A tow that the toolpath
+        gives no length for keeps a length of 0.
+
+        A link position's feed rate is that of its point's trajectory
+        (ZELTPPoint::GetTrajectory). On a tool change link the tool change
+        follows the first position of the tool-remove point.
+
+        Throws ZELSysException "not a tow trajectory" when a trajectory
+        between a course's roll-in and roll-out does not lay tows, and what
+        the program objects throw for a toolpath that does not fit the
+        machine (for instance "tow mask size does not match machine tow mask
+        size"). What was built up to a throw stays in the container.
+    */
+    ZELKinProgram* Translate(const ZELTPProgram* program) const;
+
+protected:
+    ZELKinTranslator(ZELKinTranslatorPrivate* d);
+
+    std::unique_ptr<ZELKinTranslatorPrivate> const d_ptr;
+
+private:
+    //! Builds a program object through its creating constructor, which is
+    //! open to the translator alone, and initialises it.
+    template <typename Object, typename... Arguments> static Object* Create(Arguments&&... arguments);
+
+    Q_DECLARE_PRIVATE(ZELKinTranslator)
+    Q_DISABLE_COPY_MOVE(ZELKinTranslator)
+};
+
+#endif // ZELKINTRANSLATOR_H

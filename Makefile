@@ -8,7 +8,7 @@ BUILD_DIR   ?= build
 BUILD_TYPE  ?= RelWithDebInfo
 JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
 PACKAGES    := cmake g++ ninja-build pkg-config qt6-base-dev libeigen3-dev \
-               libgtest-dev libgmock-dev libbenchmark-dev
+               libsimdjson-dev libgtest-dev libgmock-dev libbenchmark-dev
 
 # CI builds treat warnings as errors; a developer's build only shows them.
 ifdef CI

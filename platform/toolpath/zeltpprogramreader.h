@@ -1,0 +1,64 @@
+#ifndef ZELTPPROGRAMREADER_H
+#define ZELTPPROGRAMREADER_H
+
+#include "zeltoolpath_export.h"
+
+#include <QCoreApplication>
+
+#include <memory>
+
+class ZELGeoContainer;
+class ZELTPProgram;
+class ZELTPProgramReaderPrivate;
+
+/*!
+    Reads a toolpath document (JSON, format "zelkin-toolpath", version 1)
+    and builds the toolpath program it holds in a geometry container. The
+    format is described for CAM developers in docs/toolpath-format.md.
+
+    The document gives angles in degrees, which the reader converts to
+    radians; lengths stay in mm and feed rates in mm/min. Each point's tool
+    frame is built from its origin, travel direction (u) and surface normal
+    (w), with v = w x u. Off-part points that give no directions take them
+    from their neighbours along their link, course or probing procedure.
+    The junction point of two consecutive trajectories of a course is one
+    point that both trajectories hold, and the on-part points of a course
+    are numbered from its roll-in point (0), those before it negative.
+
+    A read either builds the whole program or throws ZELTPFormatException
+    with one message naming the document, the JSON path of the value at
+    fault and what was expected there; the container is then left as it was
+    (its modified flag included). Any input ends in one or the other: the
+    reader keeps no state between reads, nests no deeper than 1024 levels,
+    and allocates in proportion to the document.
+*/
+class ZELTOOLPATH_EXPORT ZELTPProgramReader
+{
+    Q_DECLARE_TR_FUNCTIONS(ZELTPProgramReader)
+
+public:
+    //! The reader creates its objects in `container` (not owned).
+    explicit ZELTPProgramReader(ZELGeoContainer* container);
+    virtual ~ZELTPProgramReader();
+
+    //! Reads the document in the file `fileName` and returns the program
+    //! (owned by the container), every object of it initialised. Throws
+    //! ZELTPFormatException "<fileName>: cannot open the file: <reason>"
+    //! when the file cannot be read, and the format's messages (source
+    //! `fileName`) for a document that breaks a rule.
+    ZELTPProgram* Read(const QString& fileName) const;
+    //! Reads the document `data` as Read reads a file's bytes; error
+    //! messages name the document `sourceName`.
+    ZELTPProgram* ReadData(const QByteArray& data, const QString& sourceName) const;
+
+protected:
+    explicit ZELTPProgramReader(ZELTPProgramReaderPrivate* d);
+
+    std::unique_ptr<ZELTPProgramReaderPrivate> const d_ptr;
+
+private:
+    Q_DECLARE_PRIVATE(ZELTPProgramReader)
+    Q_DISABLE_COPY_MOVE(ZELTPProgramReader)
+};
+
+#endif // ZELTPPROGRAMREADER_H

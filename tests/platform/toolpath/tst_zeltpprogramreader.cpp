@@ -1,0 +1,1115 @@
+// The toolpath document reader: a complete hand-written document read into
+// the model field by field, the generated example documents, files and
+// data, and for every kind of malformed document its one exact message and
+// a container left as it was.
+
+#include "zeltptestsupport.h"
+
+#include <zeltpcourselink.h>
+#include <zeltpformatexception.h>
+#include <zeltpoffpartpoint.h>
+#include <zeltponparttrajectory.h>
+#include <zeltppoint.h>
+#include <zeltpprobingprocedure.h>
+#include <zeltpprogram.h>
+#include <zeltpprogramreader.h>
+#include <zeltprolllayupprocedure.h>
+#include <zeltptoolchangelink.h>
+#include <zeltptowcourse.h>
+#include <zeltptowtrajectory.h>
+
+#include <zelgeocontainer.h>
+#include <zelsysexception.h>
+
+#include <zeltestsupport.h>
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <functional>
+#include <variant>
+
+namespace {
+
+constexpr double kRadiansPerDegree = 0.017453292519943295;
+
+QString DataFile(const char* name)
+{
+    return QStringLiteral(ZELTP_TEST_DATA_DIR "/%1").arg(QLatin1String(name));
+}
+
+QString ExampleFile(const char* name)
+{
+    return QStringLiteral(ZELTP_EXAMPLE_TOOLPATH_DIR "/%1").arg(QLatin1String(name));
+}
+
+QByteArray FileBytes(const QString& fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return QByteArray();
+    return file.readAll();
+}
+
+::testing::AssertionResult SameVector(const ZELMathVector& expected, const ZELMathVector& actual, double tolerance)
+{
+    if (expected.IsEqual(actual, tolerance))
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "expected (" << expected.GetX() << ", " << expected.GetY() << ", "
+                                         << expected.GetZ() << "), got (" << actual.GetX() << ", " << actual.GetY()
+                                         << ", " << actual.GetZ() << ")";
+}
+
+::testing::AssertionResult At(const ZELTPPoint* point, double x, double y, double z)
+{
+    const ZELMathPoint tip = point->GetTipCoordinates();
+    return SameVector(ZELMathVector(x, y, z), ZELMathVector(tip.GetX(), tip.GetY(), tip.GetZ()), ZELTest::kExact);
+}
+
+// The tool frame's u (travel) and w (normal) directions, and v = w x u.
+::testing::AssertionResult Directed(const ZELTPPoint* point, const ZELMathVector& travel, const ZELMathVector& normal)
+{
+    const ZELMathAxis frame = point->GetToolFrame();
+    ::testing::AssertionResult u = SameVector(travel, frame.GetUDirection(), ZELTest::kTight);
+    if (!u)
+        return u << " (u)";
+    ::testing::AssertionResult w = SameVector(normal, frame.GetWDirection(), ZELTest::kTight);
+    if (!w)
+        return w << " (w)";
+    ::testing::AssertionResult v = SameVector(normal.Cross(travel), frame.GetVDirection(), ZELTest::kTight);
+    if (!v)
+        return v << " (v)";
+    return ::testing::AssertionSuccess();
+}
+
+const ZELMathVector kPlusX(1.0, 0.0, 0.0);
+const ZELMathVector kPlusY(0.0, 1.0, 0.0);
+const ZELMathVector kPlusZ(0.0, 0.0, 1.0);
+// The surface normal of the first course of complete.json.
+const ZELMathVector kTiltedNormal(0.0, -0.6, 0.8);
+
+bool IsOffPart(const ZELTPPoint* point)
+{
+    return qobject_cast<const ZELTPOffPartPoint*>(point) != nullptr;
+}
+
+// The distinct points of a course's chain in laying order: a trajectory's
+// first point is left out when it is the one before's last.
+QList<ZELTPPoint*> ChainPoints(const ZELTPTowCourse* course)
+{
+    QList<ZELTPPoint*> points;
+    for (int i = 0; i < course->GetNumTrajectories(); ++i) {
+        const QList<ZELTPPoint*>& run = course->GetTrajectory(i)->GetPoints();
+        points.append(i == 0 ? run : run.mid(1));
+    }
+    return points;
+}
+
+QList<int> Indices(const QList<ZELTPPoint*>& points)
+{
+    QList<int> indices;
+    for (const ZELTPPoint* point : points)
+        indices.append(point->GetIndex());
+    return indices;
+}
+
+// The on-part points of a chain carry consecutive indices.
+::testing::AssertionResult NumberedOneByOne(const QList<ZELTPPoint*>& chain)
+{
+    const ZELTPPoint* previous = nullptr;
+    for (const ZELTPPoint* point : chain) {
+        if (IsOffPart(point))
+            continue;
+        if (previous && point->GetIndex() != previous->GetIndex() + 1)
+            return ::testing::AssertionFailure() << "index " << point->GetIndex() << " follows "
+                                                 << previous->GetIndex();
+        previous = point;
+    }
+    return ::testing::AssertionSuccess();
+}
+
+// The links and courses of a layup in path order.
+struct LayupPath
+{
+    QList<ZELTPCourseLink*> links;
+    QList<ZELTPTowCourse*> courses;
+};
+
+LayupPath WalkPath(const ZELTPRollLayupProcedure* layup)
+{
+    LayupPath path;
+    for (ZELTPCourseLink* link = layup->GetApproachLink(); link;) {
+        path.links.append(link);
+        auto* course = qobject_cast<ZELTPTowCourse*>(link->GetToCourse());
+        if (!course)
+            break;
+        path.courses.append(course);
+        link = course->GetRetractLink();
+    }
+    return path;
+}
+
+// ---------------------------------------------------------------------------
+// A complete document, every field read
+
+class ZELTPProgramReaderComplete : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        program = ZELTPProgramReader(&container).Read(DataFile("complete.json"));
+        ASSERT_NE(program, nullptr);
+        ASSERT_EQ(program->GetNumProcedures(), 2);
+        layup = qobject_cast<ZELTPRollLayupProcedure*>(program->GetProcedure(0));
+        probing = qobject_cast<ZELTPProbingProcedure*>(program->GetProcedure(1));
+        ASSERT_NE(layup, nullptr);
+        ASSERT_NE(probing, nullptr);
+        path = WalkPath(layup);
+        ASSERT_EQ(path.links.size(), 3);
+        ASSERT_EQ(path.courses.size(), 2);
+    }
+
+    ZELGeoContainer container;
+    ZELTPProgram* program = nullptr;
+    ZELTPRollLayupProcedure* layup = nullptr;
+    ZELTPProbingProcedure* probing = nullptr;
+    LayupPath path;
+};
+
+TEST_F(ZELTPProgramReaderComplete, ProgramKeepsNameRevisionAndProceduresInOrder)
+{
+    EXPECT_EQ(program->GetName(), QStringLiteral("wing-skin-lh"));
+    EXPECT_EQ(program->GetRevision(), QStringLiteral("B"));
+    EXPECT_EQ(layup->GetName(), QStringLiteral("Ply 101 +45"));
+    EXPECT_EQ(probing->GetName(), QStringLiteral("probe tool"));
+}
+
+TEST_F(ZELTPProgramReaderComplete, LayupFieldsAreReadWithAnglesInRadians)
+{
+    EXPECT_TRUE(ZELTest::SameDouble(2540.0, layup->GetAddingFeedrate(), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(1270.0, layup->GetCuttingFeedrate(), ZELTest::kExact));
+    EXPECT_EQ(layup->GetMaterialDescription().GetId(), QStringLiteral("IM7-8552-6.35"));
+    EXPECT_EQ(layup->GetMaterialDescription().GetName(), QStringLiteral("IM7/8552 1/4in tow"));
+    EXPECT_TRUE(ZELTest::SameDouble(1234.5, layup->GetTotalMaterialLength(), ZELTest::kExact));
+
+    ASSERT_EQ(layup->GetNumPlyDescriptions(), 2);
+    EXPECT_EQ(layup->GetPlyDescription(0).GetName(), QStringLiteral("P45"));
+    EXPECT_TRUE(ZELTest::SameDouble(M_PI / 4.0, layup->GetPlyDescription(0).GetOrientation(), ZELTest::kTight));
+    EXPECT_EQ(layup->GetPlyDescription(0).GetPropagationMode(), ZELCompStrategy::Angle);
+    EXPECT_EQ(layup->GetPlyDescription(1).GetName(), QStringLiteral("P-30"));
+    EXPECT_TRUE(ZELTest::SameDouble(-M_PI / 6.0, layup->GetPlyDescription(1).GetOrientation(), ZELTest::kTight));
+    EXPECT_EQ(layup->GetPlyDescription(1).GetPropagationMode(), ZELCompStrategy::GeodesicOffset);
+}
+
+TEST_F(ZELTPProgramReaderComplete, SafetyPlaneNormalIsNormalised)
+{
+    const ZELMathPlane plane = layup->GetSafetyPlane();
+    EXPECT_TRUE(SameVector(ZELMathVector(0.0, 0.0, 250.0),
+                           ZELMathVector(plane.GetOrigin().GetX(), plane.GetOrigin().GetY(), plane.GetOrigin().GetZ()),
+                           ZELTest::kExact));
+    EXPECT_TRUE(SameVector(kTiltedNormal, plane.GetNormal(), ZELTest::kTight));
+    EXPECT_TRUE(SameVector(kPlusZ, probing->GetSafetyPlane().GetNormal(), ZELTest::kExact));
+}
+
+TEST_F(ZELTPProgramReaderComplete, LinkIntoEachCourseAndTheLastLinkLeadsNowhere)
+{
+    EXPECT_EQ(path.links.at(0)->GetToCourse(), path.courses.at(0));
+    EXPECT_EQ(path.courses.at(0)->GetRetractLink(), path.links.at(1));
+    EXPECT_EQ(path.links.at(1)->GetToCourse(), path.courses.at(1));
+    EXPECT_EQ(path.courses.at(1)->GetRetractLink(), path.links.at(2));
+    EXPECT_EQ(path.links.at(2)->GetToCourse(), nullptr);
+}
+
+TEST_F(ZELTPProgramReaderComplete, LinksKeepNamesDetailsAndFeedratesWithDefaults)
+{
+    EXPECT_EQ(path.links.at(0)->GetName(), QStringLiteral("approach"));
+    EXPECT_EQ(path.links.at(0)->GetPointsDetail(), ZELTPCourseLink::PointsDetailLow);
+    EXPECT_EQ(path.links.at(1)->GetName(), QStringLiteral("tool change"));
+    EXPECT_EQ(path.links.at(1)->GetPointsDetail(), ZELTPCourseLink::PointsDetailMedium);
+    EXPECT_EQ(path.links.at(2)->GetName(), QString());
+    EXPECT_EQ(path.links.at(2)->GetPointsDetail(), ZELTPCourseLink::PointsDetailFull);
+
+    ASSERT_EQ(path.links.at(1)->GetNumTrajectories(), 2);
+    EXPECT_TRUE(ZELTest::SameDouble(15000.0, path.links.at(1)->GetTrajectory(0)->GetFeedrate(), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(10000.0, path.links.at(1)->GetTrajectory(1)->GetFeedrate(), ZELTest::kExact));
+    for (const ZELTPCourseLink* link : path.links) {
+        for (int i = 0; i < link->GetNumTrajectories(); ++i)
+            EXPECT_EQ(dynamic_cast<const ZELTPOnPartTrajectory*>(link->GetTrajectory(i)), nullptr);
+    }
+}
+
+TEST_F(ZELTPProgramReaderComplete, ToolChangeLinkNamesItsRemovePointAndConfigurations)
+{
+    EXPECT_EQ(qobject_cast<ZELTPToolChangeLink*>(path.links.at(0)), nullptr);
+    EXPECT_EQ(qobject_cast<ZELTPToolChangeLink*>(path.links.at(2)), nullptr);
+    const auto* change = qobject_cast<ZELTPToolChangeLink*>(path.links.at(1));
+    ASSERT_NE(change, nullptr);
+
+    // Point 2 of the link's flat list is the first point of its second
+    // trajectory, which is not the first trajectory's last point even
+    // though both lie at the same place: links share no points.
+    ASSERT_EQ(change->GetNumPoints(), 4);
+    EXPECT_EQ(change->GetToolRemovePoint(), change->GetTrajectory(1)->GetPoint(0));
+    EXPECT_NE(change->GetPoint(1), change->GetPoint(2));
+    EXPECT_TRUE(At(change->GetToolRemovePoint(), 500.0, 0.0, 300.0));
+
+    EXPECT_EQ(change->GetPreviousMachineConfiguration().GetTool().GetName(), QStringLiteral("R8-2in"));
+    EXPECT_TRUE(ZELTest::SameDouble(50.8, change->GetPreviousMachineConfiguration().GetTool().GetWidth(),
+                                    ZELTest::kExact));
+    EXPECT_EQ(change->GetPreviousMachineConfiguration().GetHead().GetName(), QStringLiteral("H1"));
+    EXPECT_TRUE(ZELTest::SameDouble(6.35, change->GetPreviousMachineConfiguration().GetHead().GetTowWidth(),
+                                    ZELTest::kExact));
+    EXPECT_EQ(change->GetNextMachineConfiguration().GetTool().GetName(), QStringLiteral("R16-4in"));
+    EXPECT_TRUE(ZELTest::SameDouble(101.6, change->GetNextMachineConfiguration().GetTool().GetWidth(),
+                                    ZELTest::kExact));
+    EXPECT_EQ(change->GetNextMachineConfiguration().GetHead().GetName(), QStringLiteral("H2"));
+    EXPECT_TRUE(ZELTest::SameDouble(3.175, change->GetNextMachineConfiguration().GetHead().GetTowWidth(),
+                                    ZELTest::kExact));
+}
+
+TEST_F(ZELTPProgramReaderComplete, CourseKeepsNameMaskToolingAndTowLengths)
+{
+    const ZELTPTowCourse* course = path.courses.at(0);
+    EXPECT_EQ(course->GetName(), QStringLiteral("course 1"));
+    EXPECT_EQ(course->GetUsedTowMask().GetNumTows(), 8);
+    EXPECT_EQ(course->GetUsedTowMask().GetRawValue(), quint64(0x0F));
+    EXPECT_EQ(course->GetMachineConfiguration().GetTool().GetName(), QStringLiteral("R8-2in"));
+    EXPECT_TRUE(ZELTest::SameDouble(50.8, course->GetMachineConfiguration().GetTool().GetWidth(), ZELTest::kExact));
+    EXPECT_EQ(course->GetMachineConfiguration().GetHead().GetName(), QStringLiteral("H1"));
+    EXPECT_TRUE(ZELTest::SameDouble(6.35, course->GetMachineConfiguration().GetHead().GetTowWidth(),
+                                    ZELTest::kExact));
+    EXPECT_TRUE(ZELTPTest::SameDoubles({300.0, 300.0, 300.0, 280.0, 0.0, 0.0, 0.0, 0.0}, course->GetTowLengths()));
+
+    EXPECT_EQ(path.courses.at(1)->GetUsedTowMask(), ZELCompTowMask(16, true));
+    EXPECT_EQ(path.courses.at(1)->GetTowLengths().size(), 16);
+}
+
+TEST_F(ZELTPProgramReaderComplete, CourseTrajectoriesKeepKindsFeedratesTiltsInRadiansAndTowFields)
+{
+    const ZELTPTowCourse* course = path.courses.at(0);
+    ASSERT_EQ(course->GetNumTrajectories(), 6);
+    EXPECT_EQ(dynamic_cast<const ZELTPOnPartTrajectory*>(course->GetApproachTrajectory()), nullptr);
+    EXPECT_EQ(dynamic_cast<const ZELTPOnPartTrajectory*>(course->GetRetractTrajectory()), nullptr);
+    EXPECT_TRUE(ZELTest::SameDouble(6000.0, course->GetApproachTrajectory()->GetFeedrate(), ZELTest::kExact));
+
+    const ZELTPOnPartTrajectory* rollIn = course->GetRollInTrajectory();
+    ASSERT_NE(rollIn, nullptr);
+    EXPECT_EQ(dynamic_cast<const ZELTPTowTrajectory*>(rollIn), nullptr);
+    EXPECT_TRUE(ZELTest::SameDouble(5080.0, rollIn->GetFeedrate(), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(2.0 * kRadiansPerDegree, rollIn->GetForwardTilt(), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(-1.0 * kRadiansPerDegree, rollIn->GetSideTilt(), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(10.0 * kRadiansPerDegree, rollIn->GetSmoothingAngle(), ZELTest::kTight));
+
+    const auto* first = dynamic_cast<const ZELTPTowTrajectory*>(course->GetTrajectory(2));
+    ASSERT_NE(first, nullptr);
+    EXPECT_TRUE(ZELTest::SameDouble(12700.0, first->GetFeedrate(), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(3.0 * kRadiansPerDegree, first->GetForwardTilt(), ZELTest::kTight));
+    EXPECT_TRUE(std::isnan(first->GetSideTilt()));
+    EXPECT_TRUE(std::isnan(first->GetSmoothingAngle()));
+    EXPECT_EQ(first->GetTowMask().GetNumTows(), 8);
+    EXPECT_EQ(first->GetTowMask().GetRawValue(), quint64(0x0F));
+    EXPECT_EQ(first->GetForcedMask().GetNumTows(), 8);
+    EXPECT_EQ(first->GetForcedMask().GetRawValue(), quint64(0x08));
+    EXPECT_TRUE(ZELTPTest::SameDoubles({1.0, 1.0, 1.0, 1.05, 1.0, 1.0, 1.0, 1.0}, first->GetForcedRates()));
+
+    // Tow 1 is cut; nothing forced is given, so nothing is forced.
+    const auto* second = dynamic_cast<const ZELTPTowTrajectory*>(course->GetTrajectory(3));
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(second->GetTowMask().GetRawValue(), quint64(0x0E));
+    EXPECT_EQ(second->GetForcedMask(), ZELCompTowMask(8, false));
+    EXPECT_TRUE(second->GetForcedRates().isEmpty());
+    EXPECT_TRUE(std::isnan(second->GetForwardTilt()));
+
+    const ZELTPOnPartTrajectory* rollOut = course->GetRollOutTrajectory();
+    ASSERT_NE(rollOut, nullptr);
+    EXPECT_EQ(rollOut, course->GetTrajectory(4));
+    EXPECT_TRUE(std::isnan(rollOut->GetForwardTilt()));
+    EXPECT_TRUE(std::isnan(rollOut->GetSideTilt()));
+    EXPECT_TRUE(std::isnan(rollOut->GetSmoothingAngle()));
+}
+
+TEST_F(ZELTPProgramReaderComplete, ConsecutiveTrajectoriesOfACourseShareOneJunctionPoint)
+{
+    for (const ZELTPTowCourse* course : path.courses) {
+        for (int i = 1; i < course->GetNumTrajectories(); ++i) {
+            const ZELTPTrajectory* before = course->GetTrajectory(i - 1);
+            EXPECT_EQ(before->GetPoint(before->GetNumPoints() - 1), course->GetTrajectory(i)->GetPoint(0))
+                << course->GetName().toStdString() << ", trajectory " << i;
+        }
+    }
+    EXPECT_EQ(ChainPoints(path.courses.at(0)).size(), 10);
+    EXPECT_EQ(ChainPoints(path.courses.at(1)).size(), 6);
+}
+
+TEST_F(ZELTPProgramReaderComplete, JunctionPointKeepsTheEarlierCopyWhereItGivesOriginAndDirections)
+{
+    const ZELTPTowCourse* course = path.courses.at(0);
+    // The tow trajectory writes this point 0.0005 mm further along and with
+    // another normal; the roll-in trajectory wrote it first.
+    const ZELTPPoint* junction = course->GetTrajectory(2)->GetPoint(0);
+    EXPECT_TRUE(At(junction, 120.0, 80.0, 60.0));
+    EXPECT_TRUE(Directed(junction, kPlusX, kTiltedNormal));
+
+    // The approach writes the roll-in's first point without directions: the
+    // point takes them from the roll-in's copy.
+    const ZELTPPoint* touchDown = course->GetTrajectory(1)->GetPoint(0);
+    EXPECT_FALSE(IsOffPart(touchDown));
+    EXPECT_TRUE(Directed(touchDown, kPlusX, kTiltedNormal));
+}
+
+TEST_F(ZELTPProgramReaderComplete, OnPartPointsAreNumberedFromTheRollInPointAndOffPartPointsAreNot)
+{
+    const ZELTPTowCourse* course = path.courses.at(0);
+    const QList<ZELTPPoint*> chain = ChainPoints(course);
+    ASSERT_EQ(chain.size(), 10);
+    EXPECT_EQ(Indices(chain), QList<int>({-1, -1, 0, 1, 2, 3, 4, 5, 6, -1}));
+    for (int i = 0; i < chain.size(); ++i)
+        EXPECT_EQ(IsOffPart(chain.at(i)), i == 0 || i == 9) << "chain point " << i;
+
+    EXPECT_EQ(course->GetRollInPoint(), chain.at(2));
+    EXPECT_EQ(course->GetRollInPoint(), course->GetRollInTrajectory()->GetPoint(1));
+    EXPECT_EQ(course->GetRollOutPoint(), chain.at(7));
+    EXPECT_EQ(course->GetRollOutPoint(), course->GetRollOutTrajectory()->GetPoint(1));
+    EXPECT_EQ(course->GetNumPoints(), 7);
+
+    const ZELTPTowCourse* second = path.courses.at(1);
+    EXPECT_EQ(Indices(ChainPoints(second)), QList<int>({-1, 0, 1, 2, 3, -1}));
+    EXPECT_EQ(second->GetRollInPoint(), second->GetRollInTrajectory()->GetPoint(0));
+    EXPECT_EQ(second->GetRollOutPoint(), second->GetRollOutTrajectory()->GetPoint(1));
+    EXPECT_EQ(second->GetNumPoints(), 4);
+}
+
+TEST_F(ZELTPProgramReaderComplete, ToolFramesHaveTheOriginTravelAsUAndNormalAsW)
+{
+    const QList<ZELTPPoint*> chain = ChainPoints(path.courses.at(0));
+    EXPECT_TRUE(At(chain.at(4), 200.0, 80.0, 60.0));
+    EXPECT_TRUE(Directed(chain.at(4), kPlusX, kTiltedNormal));
+    EXPECT_TRUE(SameVector(ZELMathVector(0.0, 0.8, 0.6), chain.at(4)->GetToolFrame().GetVDirection(),
+                           ZELTest::kTight));
+
+    const QList<ZELTPPoint*> second = ChainPoints(path.courses.at(1));
+    EXPECT_TRUE(At(second.at(5), 400.0, 160.0, 200.0));
+    EXPECT_TRUE(Directed(second.at(5), kPlusZ, ZELMathVector(-1.0, 0.0, 0.0)));
+}
+
+TEST_F(ZELTPProgramReaderComplete, OffPartPointsWithoutDirectionsTakeTheirNeighboursOrTheDefault)
+{
+    // Before the first point that gives directions: the nearest following.
+    EXPECT_TRUE(Directed(path.links.at(0)->GetPoint(0), kPlusY, kPlusZ));
+    EXPECT_TRUE(Directed(ChainPoints(path.courses.at(0)).at(0), kPlusX, kTiltedNormal));
+    EXPECT_TRUE(Directed(ChainPoints(path.courses.at(1)).at(0), kPlusX, kPlusZ));
+    // After it: the nearest preceding, across trajectories of one link.
+    EXPECT_TRUE(Directed(ChainPoints(path.courses.at(0)).at(9), kPlusX, kTiltedNormal));
+    for (int i = 1; i < 4; ++i)
+        EXPECT_TRUE(Directed(path.links.at(1)->GetPoint(i), kPlusX, kPlusZ)) << "link point " << i;
+    // A link whose points give no directions at all.
+    ASSERT_EQ(path.links.at(2)->GetNumPoints(), 1);
+    EXPECT_TRUE(Directed(path.links.at(2)->GetPoint(0), kPlusX, kPlusZ));
+    EXPECT_TRUE(At(path.links.at(2)->GetPoint(0), 400.0, 160.0, 400.0));
+}
+
+TEST_F(ZELTPProgramReaderComplete, ProbingProcedureKeepsTargetsTrajectoriesAndDerivedFrames)
+{
+    ASSERT_EQ(probing->GetNumProbingPoints(), 2);
+    EXPECT_TRUE(ZELTest::SameDouble(12.7, probing->GetProbingPoint(0).GetDiameter(), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(25.4, probing->GetProbingPoint(1).GetDiameter(), ZELTest::kExact));
+    ASSERT_EQ(probing->GetNumTrajectories(), 3);
+    EXPECT_TRUE(ZELTest::SameDouble(2500.0, probing->GetTrajectory(1)->GetFeedrate(), ZELTest::kExact));
+
+    const ZELTPTrajectory* toFirst = probing->GetTrajectory(0);
+    const ZELTPTrajectory* toSecond = probing->GetTrajectory(1);
+    ASSERT_EQ(toFirst->GetNumPoints(), 2);
+    ASSERT_EQ(toSecond->GetNumPoints(), 3);
+    EXPECT_TRUE(At(toFirst->GetPoint(1), 50.0, 50.0, 210.0));
+    EXPECT_TRUE(At(toSecond->GetPoint(2), 450.0, 50.0, 210.0));
+    EXPECT_NE(toFirst->GetPoint(1), toSecond->GetPoint(0));
+
+    const ZELMathVector normal(1.0, 0.0, 0.0);
+    EXPECT_TRUE(Directed(toFirst->GetPoint(0), kPlusY, normal));
+    EXPECT_TRUE(Directed(toSecond->GetPoint(2), kPlusY, normal));
+    EXPECT_TRUE(Directed(probing->GetTrajectory(2)->GetPoint(0), kPlusY, normal));
+    for (const ZELTPPoint* point : toSecond->GetPoints()) {
+        EXPECT_TRUE(IsOffPart(point));
+        EXPECT_EQ(point->GetIndex(), -1);
+    }
+}
+
+TEST_F(ZELTPProgramReaderComplete, EveryObjectIsInTheContainerAndInitialised)
+{
+    const QList<ZELGeoGeometry*> geometries = container.GetGeometries();
+    // The program, two procedures, three links, two courses and 10 + 2 + 4 +
+    // 6 + 1 + 6 points.
+    EXPECT_EQ(geometries.size(), 37);
+    EXPECT_EQ(ZELTPTest::AllOf<ZELTPPoint>(geometries).size(), 29);
+    EXPECT_EQ(ZELTPTest::AllOf<ZELTPOffPartPoint>(geometries).size(), 17);
+    for (const ZELGeoGeometry* geometry : geometries)
+        EXPECT_TRUE(geometry->IsInitialized()) << geometry->metaObject()->className();
+    EXPECT_TRUE(container.IsModified());
+}
+
+// ---------------------------------------------------------------------------
+// Files, data and the container
+
+TEST(ZELTPProgramReader, ReadDataBuildsWhatReadBuildsFromTheSameBytes)
+{
+    ZELGeoContainer fromFile;
+    ZELGeoContainer fromData;
+    ZELTPProgramReader(&fromFile).Read(DataFile("complete.json"));
+    const ZELTPProgram* program =
+        ZELTPProgramReader(&fromData).ReadData(FileBytes(DataFile("complete.json")), QStringLiteral("bytes"));
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetName(), QStringLiteral("wing-skin-lh"));
+    EXPECT_EQ(fromData.GetNumGeometries(), fromFile.GetNumGeometries());
+}
+
+TEST(ZELTPProgramReader, LeadingByteOrderMarkIsSkipped)
+{
+    ZELGeoContainer container;
+    const QByteArray data = QByteArray("\xEF\xBB\xBF") + FileBytes(DataFile("complete.json"));
+    const ZELTPProgram* program = ZELTPProgramReader(&container).ReadData(data, QStringLiteral("bom.json"));
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetNumProcedures(), 2);
+}
+
+TEST(ZELTPProgramReader, FileThatCannotBeOpenedNamesTheFileAndTheReason)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const QString fileName = directory.filePath(QStringLiteral("missing.json"));
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(fileName), ZELTPFormatException,
+                         fileName + QStringLiteral(": cannot open the file: No such file or directory"));
+    EXPECT_EQ(container.GetNumGeometries(), 0);
+}
+
+TEST(ZELTPProgramReader, ErrorsInAFileNameTheFile)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const QString fileName = directory.filePath(QStringLiteral("part.json"));
+    QFile file(fileName);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(R"({"format": "zelkin-toolpath", "version": 2})");
+    file.close();
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(fileName), ZELTPFormatException,
+                         fileName + QStringLiteral(": $.version: unsupported version 2 (this reader reads version 1)"));
+}
+
+TEST(ZELTPProgramReader, FormatExceptionCarriesSourceLocationAndProblem)
+{
+    ZELGeoContainer container;
+    try {
+        ZELTPProgramReader(&container).ReadData(R"({"format": "zelkin-toolpath", "version": "one"})",
+                                                QStringLiteral("part.json"));
+        ADD_FAILURE() << "nothing thrown";
+    } catch (const ZELTPFormatException& error) {
+        EXPECT_EQ(error.GetSourceName(), QStringLiteral("part.json"));
+        EXPECT_EQ(error.GetLocation(), QStringLiteral("$.version"));
+        EXPECT_EQ(error.GetProblem(), QStringLiteral("expected an integer, found a string"));
+        EXPECT_EQ(error.GetMessage(), QStringLiteral("part.json: $.version: expected an integer, found a string"));
+        EXPECT_NE(dynamic_cast<const ZELSysException*>(&error), nullptr);
+    }
+}
+
+TEST(ZELTPProgramReader, FailedReadLeavesTheContainerAsItWas)
+{
+    for (const bool modified : {false, true}) {
+        ZELGeoContainer container;
+        auto* earlier = new ZELTPProgram(&container, QStringLiteral("earlier"));
+        container.SetModified(modified);
+        // The document fails in its probing procedure, after the whole
+        // layup has been built.
+        QByteArray data = FileBytes(DataFile("complete.json"));
+        data.replace("\"diameter\": 25.4", "\"diameter\": -25.4");
+        EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).ReadData(data, QStringLiteral("part.json")),
+                             ZELTPFormatException,
+                             "part.json: $.program.procedures[1].probingPoints[1].diameter: "
+                             "expected a number > 0, found -25.4");
+        EXPECT_EQ(container.GetGeometries(), QList<ZELGeoGeometry*>({earlier}));
+        EXPECT_EQ(container.IsModified(), modified);
+    }
+}
+
+TEST(ZELTPProgramReader, ReaderReadsAgainAfterAFailure)
+{
+    ZELGeoContainer container;
+    const ZELTPProgramReader reader(&container);
+    EXPECT_THROW(reader.ReadData(QByteArray("{"), QStringLiteral("broken.json")), ZELTPFormatException);
+    const ZELTPProgram* program = reader.Read(DataFile("complete.json"));
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(container.GetNumGeometries(), 37);
+}
+
+// ---------------------------------------------------------------------------
+// The example documents
+
+TEST(ZELTPProgramReader, MinimalExampleIsReadAsItsDocumentationSays)
+{
+    ZELGeoContainer container;
+    const ZELTPProgram* program = ZELTPProgramReader(&container).Read(ExampleFile("minimal.json"));
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetName(), QStringLiteral("minimal-panel"));
+    ASSERT_EQ(program->GetNumProcedures(), 2);
+    const auto* layup = qobject_cast<const ZELTPRollLayupProcedure*>(program->GetProcedure(0));
+    ASSERT_NE(layup, nullptr);
+    const LayupPath path = WalkPath(layup);
+    ASSERT_EQ(path.links.size(), 2);
+    ASSERT_EQ(path.courses.size(), 1);
+    const ZELTPTowCourse* course = path.courses.at(0);
+    EXPECT_EQ(course->GetUsedTowMask(), ZELCompTowMask(16, true));
+    EXPECT_EQ(Indices(ChainPoints(course)), QList<int>({-1, -1, 0, 1, 2, 3, 4, -1}));
+    EXPECT_TRUE(At(course->GetRollInPoint(), 3000.0, 3500.0, -1500.0));
+    EXPECT_TRUE(At(course->GetRollOutPoint(), 3100.0, 3500.0, -1500.0));
+
+    const auto* probing = qobject_cast<const ZELTPProbingProcedure*>(program->GetProcedure(1));
+    ASSERT_NE(probing, nullptr);
+    EXPECT_EQ(probing->GetNumProbingPoints(), 1);
+    EXPECT_EQ(probing->GetNumTrajectories(), 2);
+}
+
+struct ExampleCase
+{
+    const char* name;
+    const char* file;
+    const char* programName;
+    // The fewest on-part points of a course that the examples' README gives.
+    int fewestOnPartPoints;
+};
+ZELTEST_PRINT_CASE_BY_NAME(ExampleCase);
+
+const ExampleCase kExamples[] = {
+    {"FlatPanel", "flat-panel.json", "flat-panel", 24},
+    {"CylinderSection", "cylinder-section.json", "cylinder-section", 24},
+    {"Dome", "dome.json", "dome", 26},
+};
+
+class ZELTPProgramReaderExample : public ::testing::TestWithParam<ExampleCase>
+{
+};
+
+// Each example holds four plies at 0, +45, -45 and 90 degrees of four
+// courses each, two tool changes in all, and a probing procedure with three
+// sphere targets of 12.7 mm.
+TEST_P(ZELTPProgramReaderExample, GeneratedExampleIsReadWithItsPliesCoursesToolChangesAndProbing)
+{
+    const ExampleCase& example = GetParam();
+    ZELGeoContainer container;
+    const ZELTPProgram* program = ZELTPProgramReader(&container).Read(ExampleFile(example.file));
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetName(), QLatin1String(example.programName));
+    ASSERT_EQ(program->GetNumProcedures(), 5);
+
+    const double orientations[] = {0.0, M_PI / 4.0, -M_PI / 4.0, M_PI / 2.0};
+    int toolChanges = 0;
+    for (int p = 0; p < 4; ++p) {
+        const auto* layup = qobject_cast<const ZELTPRollLayupProcedure*>(program->GetProcedure(p));
+        ASSERT_NE(layup, nullptr) << "procedure " << p;
+        ASSERT_EQ(layup->GetNumPlyDescriptions(), 1);
+        EXPECT_TRUE(ZELTest::SameDouble(orientations[p], layup->GetPlyDescription(0).GetOrientation(),
+                                        ZELTest::kTight));
+        const LayupPath path = WalkPath(layup);
+        EXPECT_EQ(path.links.size(), 5);
+        EXPECT_EQ(path.courses.size(), 4);
+        for (const ZELTPCourseLink* link : path.links)
+            toolChanges += qobject_cast<const ZELTPToolChangeLink*>(link) ? 1 : 0;
+        for (const ZELTPTowCourse* course : path.courses) {
+            const QList<ZELTPPoint*> chain = ChainPoints(course);
+            const qsizetype onPart = std::count_if(chain.begin(), chain.end(),
+                                                   [](const ZELTPPoint* point) { return !IsOffPart(point); });
+            EXPECT_GE(onPart, example.fewestOnPartPoints);
+            EXPECT_LE(onPart, 30);
+            EXPECT_EQ(course->GetRollInPoint()->GetIndex(), 0);
+            EXPECT_TRUE(NumberedOneByOne(chain));
+        }
+    }
+    EXPECT_EQ(toolChanges, 2);
+
+    const auto* probing = qobject_cast<const ZELTPProbingProcedure*>(program->GetProcedure(4));
+    ASSERT_NE(probing, nullptr);
+    ASSERT_EQ(probing->GetNumProbingPoints(), 3);
+    EXPECT_EQ(probing->GetNumTrajectories(), 4);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(ZELTest::SameDouble(12.7, probing->GetProbingPoint(i).GetDiameter(), ZELTest::kExact));
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, ZELTPProgramReaderExample, ::testing::ValuesIn(kExamples),
+                         [](const ::testing::TestParamInfo<ExampleCase>& info) { return info.param.name; });
+
+// ---------------------------------------------------------------------------
+// Malformed documents
+
+// A small valid document that the cases below break one rule of: one layup
+// of one course of 16 tows between two links, and a probing procedure with
+// one target.
+const char kValid[] = R"({
+  "format": "zelkin-toolpath",
+  "version": 1,
+  "program": {
+    "name": "panel",
+    "procedures": [
+      {
+        "kind": "rollLayup",
+        "name": "Ply 1",
+        "safetyPlane": {"origin": [0, 0, 100], "normal": [0, 0, 1]},
+        "addingFeedrate": 2540,
+        "cuttingFeedrate": 1270,
+        "material": {"id": "M1"},
+        "totalMaterialLength": 640,
+        "plies": [{"name": "P0", "orientation": 0, "propagation": "angle"}],
+        "links": [
+          {"trajectories": [{"kind": "offPart", "feedrate": 20000, "points": [{"origin": [0, 0, 50]}]}]},
+          {"trajectories": [{"kind": "offPart", "feedrate": 20000, "points": [{"origin": [40, 0, 50]}]}]}
+        ],
+        "courses": [
+          {
+            "towMask": "1111111111111111",
+            "machineConfiguration": {"roller": {"name": "R16", "width": 101.6},
+                                     "head": {"name": "H1", "towWidth": 6.35}},
+            "towLengths": [40, 40, 40, 40, 40, 40, 40, 40, 40, 40, 40, 40, 40, 40, 40, 40],
+            "trajectories": [
+              {"kind": "offPart", "feedrate": 6000, "points": [
+                {"origin": [0, 0, 10]},
+                {"origin": [0, 0, 0], "travel": [1, 0, 0], "normal": [0, 0, 1]}]},
+              {"kind": "onPart", "feedrate": 5000, "points": [
+                {"origin": [0, 0, 0], "travel": [1, 0, 0], "normal": [0, 0, 1]},
+                {"origin": [5, 0, 0], "travel": [1, 0, 0], "normal": [0, 0, 1]}]},
+              {"kind": "tow", "feedrate": 12000, "towMask": "1111111111111111", "points": [
+                {"origin": [5, 0, 0], "travel": [1, 0, 0], "normal": [0, 0, 1]},
+                {"origin": [35, 0, 0], "travel": [1, 0, 0], "normal": [0, 0, 1]}]},
+              {"kind": "onPart", "feedrate": 5000, "points": [
+                {"origin": [35, 0, 0], "travel": [1, 0, 0], "normal": [0, 0, 1]},
+                {"origin": [40, 0, 0], "travel": [1, 0, 0], "normal": [0, 0, 1]}]},
+              {"kind": "offPart", "feedrate": 6000, "points": [
+                {"origin": [40, 0, 0], "travel": [1, 0, 0], "normal": [0, 0, 1]},
+                {"origin": [40, 0, 10]}]}
+            ],
+            "rollInPoint": 0,
+            "rollOutPoint": 1
+          }
+        ]
+      },
+      {
+        "kind": "probing",
+        "name": "probe",
+        "safetyPlane": {"origin": [0, 0, 100], "normal": [0, 0, 1]},
+        "trajectories": [
+          {"kind": "offPart", "feedrate": 3000, "points": [{"origin": [0, 0, 50]}]},
+          {"kind": "offPart", "feedrate": 3000, "points": [{"origin": [10, 0, 50]}]}
+        ],
+        "probingPoints": [{"diameter": 12.7}]
+      }
+    ]
+  }
+})";
+
+const QJsonValue kRemoved(QJsonValue::Undefined);
+
+using PathStep = std::variant<QString, int>;
+
+QList<PathStep> PathSteps(const QString& path)
+{
+    QList<PathStep> steps;
+    static const QRegularExpression step(QStringLiteral(R"(\.?([A-Za-z]+)|\[(\d+)\])"));
+    for (const QRegularExpressionMatch& match : step.globalMatch(path)) {
+        if (match.capturedLength(1) > 0)
+            steps.append(match.captured(1));
+        else
+            steps.append(match.captured(2).toInt());
+    }
+    return steps;
+}
+
+// `node` with the value at `steps` set to `value` (appended at an index one
+// past the end) or, for kRemoved, taken out.
+QJsonValue Edit(const QJsonValue& node, QList<PathStep> steps, const QJsonValue& value)
+{
+    const PathStep step = steps.takeFirst();
+    if (const QString* key = std::get_if<QString>(&step)) {
+        QJsonObject object = node.toObject();
+        if (!steps.isEmpty())
+            object.insert(*key, Edit(object.value(*key), steps, value));
+        else if (value.isUndefined())
+            object.remove(*key);
+        else
+            object.insert(*key, value);
+        return object;
+    }
+    const int index = std::get<int>(step);
+    QJsonArray array = node.toArray();
+    if (!steps.isEmpty())
+        array.replace(index, Edit(array.at(index), steps, value));
+    else if (value.isUndefined())
+        array.removeAt(index);
+    else if (index == array.size())
+        array.append(value);
+    else
+        array.replace(index, value);
+    return array;
+}
+
+// The valid document with the value at `path` ("program.procedures[0].name")
+// replaced, added or removed.
+QByteArray Edited(const QString& path, const QJsonValue& value)
+{
+    const QJsonValue root = QJsonDocument::fromJson(kValid).object();
+    return QJsonDocument(Edit(root, PathSteps(path), value).toObject()).toJson(QJsonDocument::Compact);
+}
+
+QJsonArray Triple(double x, double y, double z)
+{
+    return QJsonArray{x, y, z};
+}
+
+QJsonObject FramedPoint(double x, const QJsonArray& travel, const QJsonArray& normal)
+{
+    return QJsonObject{{QStringLiteral("origin"), Triple(x, 0, 0)},
+                       {QStringLiteral("travel"), travel},
+                       {QStringLiteral("normal"), normal}};
+}
+
+QJsonObject Configuration(double rollerWidth)
+{
+    return QJsonObject{
+        {QStringLiteral("roller"), QJsonObject{{QStringLiteral("name"), QStringLiteral("R")},
+                                               {QStringLiteral("width"), rollerWidth}}},
+        {QStringLiteral("head"), QJsonObject{{QStringLiteral("name"), QStringLiteral("H")},
+                                             {QStringLiteral("towWidth"), 6.35}}}};
+}
+
+QJsonObject ToolChange(int removePoint, double nextRollerWidth)
+{
+    return QJsonObject{{QStringLiteral("removePoint"), removePoint},
+                       {QStringLiteral("previous"), Configuration(101.6)},
+                       {QStringLiteral("next"), Configuration(nextRollerWidth)}};
+}
+
+struct MalformedCase
+{
+    const char* name;
+    std::function<QByteArray()> document;
+    QString message;
+};
+ZELTEST_PRINT_CASE_BY_NAME(MalformedCase);
+
+MalformedCase Change(const char* name, const char* path, const QJsonValue& value, const char* message)
+{
+    const QString at = QString::fromLatin1(path);
+    return {name, [at, value] { return Edited(at, value); }, QString::fromUtf8(message)};
+}
+
+// The valid document, compact and with its keys sorted, with the text `from`
+// replaced by `to`.
+MalformedCase Rewritten(const char* name, const char* from, const char* to, const char* message)
+{
+    return {name,
+            [from, to] {
+                const QByteArray compact = QJsonDocument::fromJson(kValid).toJson(QJsonDocument::Compact);
+                return QByteArray(compact).replace(from, to);
+            },
+            QString::fromUtf8(message)};
+}
+
+MalformedCase Text(const char* name, const QByteArray& text, const QString& message)
+{
+    return {name, [text] { return text; }, message};
+}
+
+const char kCourse[] = "program.procedures[0].courses[0]";
+
+QString InCourse(const char* path)
+{
+    return QString::fromLatin1(kCourse) + QLatin1Char('.') + QLatin1String(path);
+}
+
+MalformedCase CourseChange(const char* name, const char* path, const QJsonValue& value, const char* message)
+{
+    const QString at = InCourse(path);
+    return {name, [at, value] { return Edited(at, value); }, QString::fromUtf8(message)};
+}
+
+QString TooDeep()
+{
+    return QStringLiteral("case.json: $") + QStringLiteral("[0]").repeated(1024)
+        + QStringLiteral(": invalid JSON at byte 1024: nested deeper than 1024 levels");
+}
+
+const MalformedCase kMalformed[] = {
+    // The document and the program.
+    Text("RootIsNotAnObject", "[1, 2]", "case.json: $: expected an object, found an array"),
+    Change("MissingFormat", "format", kRemoved, "case.json: $: missing field 'format'"),
+    Change("WrongFormatName", "format", QStringLiteral("zelkin-path"),
+           "case.json: $.format: expected 'zelkin-toolpath', found 'zelkin-path'"),
+    Change("VersionTwo", "version", 2, "case.json: $.version: unsupported version 2 (this reader reads version 1)"),
+    Change("VersionZero", "version", 0, "case.json: $.version: unsupported version 0 (this reader reads version 1)"),
+    Change("VersionWithFraction", "version", 1.5, "case.json: $.version: expected an integer, found 1.5"),
+    Change("VersionAsString", "version", QStringLiteral("1"),
+           "case.json: $.version: expected an integer, found a string"),
+    Change("MissingProgram", "program", kRemoved, "case.json: $: missing field 'program'"),
+    Change("ProgramNameMissing", "program.name", kRemoved, "case.json: $.program: missing field 'name'"),
+    Change("ProgramNameEmpty", "program.name", QString(), "case.json: $.program.name: name is empty"),
+    Change("ProgramNameWithSlash", "program.name", QStringLiteral("wing/skin"),
+           "case.json: $.program.name: name contains the path separator '/'"),
+    Change("ProgramNameWithBackslash", "program.name", QStringLiteral("wing\\skin"),
+           "case.json: $.program.name: name contains the path separator '\\'"),
+    Change("ProgramNameWithParentStep", "program.name", QStringLiteral("..panel"),
+           "case.json: $.program.name: name contains '..'"),
+    Change("ProgramNameWithNul", "program.name", QString::fromUtf8("pa\0nel", 6),
+           "case.json: $.program.name: name contains a NUL character"),
+    Change("ProgramNameWithTab", "program.name", QStringLiteral("pa\tnel"),
+           "case.json: $.program.name: name contains the control character U+0009"),
+    Change("ProgramNameNotAString", "program.name", 7, "case.json: $.program.name: expected a string, found a number"),
+    Change("RevisionNotAString", "program.revision", true,
+           "case.json: $.program.revision: expected a string, found a boolean"),
+    Change("RevisionNull", "program.revision", QJsonValue::Null,
+           "case.json: $.program.revision: expected a string, found null"),
+    Change("ProceduresNotAnArray", "program.procedures", QJsonObject(),
+           "case.json: $.program.procedures: expected an array, found an object"),
+    Change("ProcedureNotAnObject", "program.procedures[1]", QJsonValue::Null,
+           "case.json: $.program.procedures[1]: expected an object, found null"),
+    Change("UnknownProcedureKind", "program.procedures[0].kind", QStringLiteral("drill"),
+           "case.json: $.program.procedures[0].kind: unknown procedure kind 'drill'"),
+    Change("ProbingNameEmpty", "program.procedures[1].name", QString(),
+           "case.json: $.program.procedures[1].name: name is empty"),
+
+    // The layup's own fields.
+    Change("SafetyPlaneNormalZero", "program.procedures[0].safetyPlane.normal", Triple(0, 0, 0),
+           "case.json: $.program.procedures[0].safetyPlane.normal: expected a non-zero vector"),
+    Change("AddingFeedrateZero", "program.procedures[0].addingFeedrate", 0,
+           "case.json: $.program.procedures[0].addingFeedrate: expected a number > 0, found 0"),
+    Change("CuttingFeedrateMissing", "program.procedures[0].cuttingFeedrate", kRemoved,
+           "case.json: $.program.procedures[0]: missing field 'cuttingFeedrate'"),
+    Change("TotalMaterialLengthNegative", "program.procedures[0].totalMaterialLength", -5,
+           "case.json: $.program.procedures[0].totalMaterialLength: expected a number >= 0, found -5"),
+    Change("MaterialWithoutId", "program.procedures[0].material", QJsonObject{{QStringLiteral("name"), QStringLiteral("carbon")}},
+           "case.json: $.program.procedures[0].material: missing field 'id'"),
+    Change("UnknownPropagation", "program.procedures[0].plies[0].propagation", QStringLiteral("spiral"),
+           "case.json: $.program.procedures[0].plies[0].propagation: unknown propagation 'spiral' (expected "
+           "'angle', 'offset', 'geodesicOffset', 'parallel', 'geodesic' or 'userDefined')"),
+    Change("PlyOrientationNotANumber", "program.procedures[0].plies[0].orientation", QStringLiteral("45"),
+           "case.json: $.program.procedures[0].plies[0].orientation: expected a number, found a string"),
+    Change("OneLinkTooFew", "program.procedures[0].links[1]", kRemoved,
+           "case.json: $.program.procedures[0].links: expected 2 links, one more than courses (1), found 1"),
+    Change("OneLinkTooMany", "program.procedures[0].links[2]", QJsonObject(),
+           "case.json: $.program.procedures[0].links: expected 2 links, one more than courses (1), found 3"),
+
+    // Links and tool changes.
+    Change("UnknownPointsDetail", "program.procedures[0].links[0].pointsDetail", QStringLiteral("high"),
+           "case.json: $.program.procedures[0].links[0].pointsDetail: "
+           "unknown points detail 'high' (expected 'low', 'medium' or 'full')"),
+    Change("LinkTrajectoryOnThePart", "program.procedures[0].links[0].trajectories[0].kind", QStringLiteral("tow"),
+           "case.json: $.program.procedures[0].links[0].trajectories[0].kind: "
+           "expected trajectory kind 'offPart', found 'tow'"),
+    Change("LinkTrajectoryWithoutPoints", "program.procedures[0].links[1].trajectories[0].points", QJsonArray(),
+           "case.json: $.program.procedures[0].links[1].trajectories[0].points: trajectory needs at least 1 point"),
+    Change("OffPartPointWithTravelOnly", "program.procedures[0].links[0].trajectories[0].points[0].travel",
+           Triple(1, 0, 0),
+           "case.json: $.program.procedures[0].links[0].trajectories[0].points[0]: "
+           "missing field 'normal' (an off-part point gives travel and normal, or neither)"),
+    Change("RemovePointPastTheLinksPoints", "program.procedures[0].links[1].toolChange", ToolChange(1, 50.8),
+           "case.json: $.program.procedures[0].links[1].toolChange.removePoint: "
+           "index 1 is outside the link's points (0 to 0)"),
+    Change("ToolChangeRollerWidthZero", "program.procedures[0].links[1].toolChange", ToolChange(0, 0),
+           "case.json: $.program.procedures[0].links[1].toolChange.next.roller.width: "
+           "expected a number > 0, found 0"),
+
+    // Courses.
+    CourseChange("CourseTowMaskMissing", "towMask", kRemoved,
+                 "case.json: $.program.procedures[0].courses[0]: missing field 'towMask'"),
+    CourseChange("CourseTowMaskEmpty", "towMask", QString(),
+                 "case.json: $.program.procedures[0].courses[0].towMask: tow mask is empty (expected 1 to 64 tows)"),
+    CourseChange("CourseTowMaskOf65Tows", "towMask", QString(65, QLatin1Char('1')),
+                 "case.json: $.program.procedures[0].courses[0].towMask: tow mask has 65 tows, at most 64"),
+    CourseChange("CourseTowMaskWithOtherCharacters", "towMask", QStringLiteral("11x1111111111111"),
+                 "case.json: $.program.procedures[0].courses[0].towMask: "
+                 "expected a tow mask of '0' and '1' characters, found '11x1111111111111'"),
+    CourseChange("HeadMissing", "machineConfiguration.head", kRemoved,
+                 "case.json: $.program.procedures[0].courses[0].machineConfiguration: missing field 'head'"),
+    CourseChange("TowLengthsOnePerTow", "towLengths", QJsonArray{40, 40},
+                 "case.json: $.program.procedures[0].courses[0].towLengths: "
+                 "expected 16 tow lengths (one per tow of the course's towMask), found 2"),
+    CourseChange("TowLengthNegative", "towLengths[3]", -1,
+                 "case.json: $.program.procedures[0].courses[0].towLengths[3]: expected a number >= 0, found -1"),
+    CourseChange("ThreeTrajectories", "trajectories", QJsonArray{QJsonObject(), QJsonObject(), QJsonObject()},
+                 "case.json: $.program.procedures[0].courses[0].trajectories: "
+                 "expected at least 4 trajectories (approach, roll-in, roll-out, retract), found 3"),
+    CourseChange("ApproachOnThePart", "trajectories[0].kind", QStringLiteral("onPart"),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[0].kind: "
+                 "expected trajectory kind 'offPart' for the course's approach, found 'onPart'"),
+    CourseChange("RetractLaysTows", "trajectories[4].kind", QStringLiteral("tow"),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[4].kind: "
+                 "expected trajectory kind 'offPart' for the course's retract, found 'tow'"),
+    CourseChange("OffPartBetweenRollInAndRollOut", "trajectories[2].kind", QStringLiteral("offPart"),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[2].kind: "
+                 "expected trajectory kind 'onPart' or 'tow', found 'offPart'"),
+    CourseChange("UnknownTrajectoryKind", "trajectories[2].kind", QStringLiteral("drill"),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[2].kind: "
+                 "unknown trajectory kind 'drill'"),
+    CourseChange("FeedrateMissing", "trajectories[1].feedrate", kRemoved,
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1]: missing field 'feedrate'"),
+    CourseChange("FeedrateAsString", "trajectories[1].feedrate", QStringLiteral("fast"),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].feedrate: "
+                 "expected a number, found a string"),
+    CourseChange("TiltNotANumber", "trajectories[1].forwardTilt", QJsonArray(),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].forwardTilt: "
+                 "expected a number, found an array"),
+    CourseChange("TowMaskOfTwelveTows", "trajectories[2].towMask", QStringLiteral("111111111111"),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[2].towMask: "
+                 "tow mask has 12 tows, expected 16 (the course's towMask)"),
+    CourseChange("ForcedMaskOfTwoTows", "trajectories[2].forcedMask", QStringLiteral("11"),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[2].forcedMask: "
+                 "tow mask has 2 tows, expected 16 (the trajectory's towMask)"),
+    CourseChange("ForcedRatesOnePerTow", "trajectories[2].forcedRates", QJsonArray{1, 1},
+                 "case.json: $.program.procedures[0].courses[0].trajectories[2].forcedRates: "
+                 "expected 16 forced rates (one per tow of the trajectory's towMask), found 2"),
+    CourseChange("TowTrajectoryOfOnePoint", "trajectories[2].points[1]", kRemoved,
+                 "case.json: $.program.procedures[0].courses[0].trajectories[2].points: "
+                 "tow trajectory needs at least 2 points"),
+    CourseChange("PointNotAnObject", "trajectories[1].points[1]", 5,
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1]: "
+                 "expected an object, found a number"),
+    CourseChange("OriginOfTwoNumbers", "trajectories[1].points[1].origin", QJsonArray{5, 0},
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1].origin: "
+                 "expected 3 numbers, found 2"),
+    CourseChange("OriginWithAString", "trajectories[1].points[1].origin[1]", QStringLiteral("0"),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1].origin[1]: "
+                 "expected a number, found a string"),
+    CourseChange("NormalNotAUnitVector", "trajectories[1].points[1].normal", Triple(0, 0, 1.25),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1].normal: "
+                 "expected a unit vector (length 1.25)"),
+    CourseChange("TravelOf1e308", "trajectories[1].points[1].travel", Triple(1e308, 0, 0),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1].travel: "
+                 "expected a unit vector (length 1e+308)"),
+    CourseChange("TravelAndNormalNotPerpendicular", "trajectories[1].points[1]",
+                 FramedPoint(5, Triple(0.9539392014169456, 0, 0.3), Triple(0, 0, 1)),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1]: "
+                 "travel and normal are not perpendicular (dot 0.3)"),
+    CourseChange("OnPartPointWithoutNormal", "trajectories[1].points[1].normal", kRemoved,
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1]: missing field 'normal'"),
+    CourseChange("JunctionCopiesApart", "trajectories[3].points[0].origin", Triple(35.5, 0, 0),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[3].points[0].origin: "
+                 "origin is 0.5 mm from the previous trajectory's last point (at most 0.001 mm)"),
+    CourseChange("JunctionCopyAt1e308", "trajectories[1].points[0].origin", Triple(1e308, 0, 0),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[0].origin: "
+                 "origin is 1e+308 mm from the previous trajectory's last point (at most 0.001 mm)"),
+    CourseChange("RollInPointPastTheRollIn", "rollInPoint", 2,
+                 "case.json: $.program.procedures[0].courses[0].rollInPoint: "
+                 "index 2 is outside the roll-in trajectory's points (0 to 1)"),
+    CourseChange("RollOutPointNegative", "rollOutPoint", -1,
+                 "case.json: $.program.procedures[0].courses[0].rollOutPoint: "
+                 "index -1 is outside the roll-out trajectory's points (0 to 1)"),
+    CourseChange("RollInPointWithFraction", "rollInPoint", 0.5,
+                 "case.json: $.program.procedures[0].courses[0].rollInPoint: expected an integer, found 0.5"),
+    Rewritten("RollInPointBeyond64BitIntegers", "\"rollInPoint\":0", "\"rollInPoint\":18446744073709551615",
+              "case.json: $.program.procedures[0].courses[0].rollInPoint: integer 18446744073709551615 is too large"),
+    CourseChange("RollOutPointMissing", "rollOutPoint", kRemoved,
+                 "case.json: $.program.procedures[0].courses[0]: missing field 'rollOutPoint'"),
+
+    // Probing.
+    Change("ProbingPointsOneTooMany", "program.procedures[1].probingPoints[1]", QJsonObject{{QStringLiteral("diameter"), 12.7}},
+           "case.json: $.program.procedures[1].trajectories: "
+           "expected 3 trajectories, one more than probingPoints (2), found 2"),
+    Change("ProbingDiameterMissing", "program.procedures[1].probingPoints[0].diameter", kRemoved,
+           "case.json: $.program.procedures[1].probingPoints[0]: missing field 'diameter'"),
+    Change("ProbingTrajectoryOnThePart", "program.procedures[1].trajectories[1].kind", QStringLiteral("onPart"),
+           "case.json: $.program.procedures[1].trajectories[1].kind: "
+           "expected trajectory kind 'offPart', found 'onPart'"),
+
+    // Text that is not JSON, or not JSON this reader takes.
+    Text("EmptyDocument", "", "case.json: $: invalid JSON at byte 0: the document is empty"),
+    Text("WhitespaceOnly", " \n\t ", "case.json: $: invalid JSON at byte 4: the document is empty"),
+    Text("TruncatedAfterAValue", R"({"format": "zelkin-toolpath", "version": 1)",
+         "case.json: $.version: invalid JSON at byte 42: unexpected end of the document"),
+    Text("TruncatedInAString", R"({"format": "zelkin-tool)",
+         "case.json: $.format: invalid JSON at byte 23: unexpected end of the document in a string"),
+    Text("MissingComma", R"({"format": "zelkin-toolpath" "version": 1})",
+         R"(case.json: $.format: invalid JSON at byte 29: expected ',' or '}', found '"')"),
+    Text("TrailingComma", R"({"a": 1,})", "case.json: $: invalid JSON at byte 8: expected a string key, found '}'"),
+    Text("EntryMissingInAnArray", R"({"program": {"procedures": [{"kind": "rollLayup"}, ]}})",
+         "case.json: $.program.procedures[1]: invalid JSON at byte 51: expected a value, found ']'"),
+    Text("ErrorUnderAKeyThatIsNotAName", R"({"x-cam id": [1 2]})",
+         "case.json: $['x-cam id'][0]: invalid JSON at byte 16: expected ',' or ']', found '2'"),
+    Text("KeyNotAString", "{1: 2}", "case.json: $: invalid JSON at byte 1: expected a string key, found '1'"),
+    Text("MissingColon", R"({"a" 1})", "case.json: $.a: invalid JSON at byte 5: expected ':', found '1'"),
+    Text("NotANumber", R"({"v": NaN})", "case.json: $.v: invalid JSON at byte 6: expected a value, found 'NaN'"),
+    Text("MinusInfinity", R"({"v": -Infinity})",
+         "case.json: $.v: invalid JSON at byte 6: invalid number '-Infinity'"),
+    Text("NumberBeyondDoubles", R"({"v": 1e999})",
+         "case.json: $.v: invalid JSON at byte 6: number '1e999' is out of range"),
+    Text("IntegerBeyond64Bits", R"({"v": 18446744073709551616})",
+         "case.json: $.v: invalid JSON at byte 6: number '18446744073709551616' is out of range"),
+    Text("LeadingZero", R"({"v": 01})", "case.json: $.v: invalid JSON at byte 7: expected ',' or '}', found '1'"),
+    Text("BinaryGarbage", QByteArray("\x00\x01\xfe\xff", 4),
+         "case.json: $: invalid JSON at byte 0: expected a value, found byte 0x00"),
+    Text("InvalidUtf8InAString", "{\"a\": \"\xff\"}",
+         "case.json: $.a: invalid JSON at byte 7: invalid UTF-8 in a string"),
+    Text("TabInAString", "{\"a\": \"x\ty\"}",
+         "case.json: $.a: invalid JSON at byte 8: unescaped control character 0x09 in a string"),
+    Text("InvalidEscape", R"({"a": "\q"})", R"(case.json: $.a: invalid JSON at byte 7: invalid escape '\q' in a string)"),
+    Text("UnpairedSurrogate", R"({"a": "\ud800"})",
+         "case.json: $.a: invalid JSON at byte 7: unpaired surrogate in a string"),
+    Text("TextAfterTheDocument", "{} x",
+         "case.json: $: invalid JSON at byte 3: expected the end of the document, found 'x'"),
+    Text("ByteOrderMarkThenGarbage", "\xEF\xBB\xBFx", "case.json: $: invalid JSON at byte 3: expected a value, found 'x'"),
+    Text("NestedTooDeep", QByteArray(2000, '['), TooDeep()),
+};
+
+class ZELTPProgramReaderMalformed : public ::testing::TestWithParam<MalformedCase>
+{
+};
+
+TEST_P(ZELTPProgramReaderMalformed, RefusedWithOneExactMessageAndNothingLeftInTheContainer)
+{
+    const MalformedCase& malformed = GetParam();
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).ReadData(malformed.document(), QStringLiteral("case.json")),
+                         ZELTPFormatException, malformed.message);
+    EXPECT_EQ(container.GetNumGeometries(), 0);
+    EXPECT_FALSE(container.IsModified());
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, ZELTPProgramReaderMalformed, ::testing::ValuesIn(kMalformed),
+                         [](const ::testing::TestParamInfo<MalformedCase>& info) { return info.param.name; });
+
+// Normals of any length are taken as directions, however large or small
+// their components.
+TEST(ZELTPProgramReader, SafetyPlaneNormalOfExtremeComponentsIsNormalised)
+{
+    for (const double component : {1e308, 1e-300}) {
+        ZELGeoContainer container;
+        const ZELTPProgram* program = ZELTPProgramReader(&container).ReadData(
+            Edited(QStringLiteral("program.procedures[0].safetyPlane.normal"), Triple(component, component, 0)),
+            QStringLiteral("case.json"));
+        ASSERT_NE(program, nullptr);
+        EXPECT_TRUE(SameVector(ZELMathVector(M_SQRT1_2, M_SQRT1_2, 0.0),
+                               program->GetProcedure(0)->GetSafetyPlane().GetNormal(), ZELTest::kTight))
+            << component;
+    }
+}
+
+TEST(ZELTPProgramReader, KeyGivenTwiceCountsFromItsFirstValue)
+{
+    const QByteArray compact = QJsonDocument::fromJson(kValid).toJson(QJsonDocument::Compact);
+    ZELGeoContainer container;
+    const ZELTPProgram* program = ZELTPProgramReader(&container).ReadData(
+        QByteArray(compact).replace("\"name\":\"panel\"", "\"name\":\"panel\",\"name\":\"\""),
+        QStringLiteral("case.json"));
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetName(), QStringLiteral("panel"));
+}
+
+TEST(ZELTPProgramReader, ValidDocumentOfTheMalformedCasesIsRead)
+{
+    ZELGeoContainer container;
+    const ZELTPProgram* program = ZELTPProgramReader(&container).ReadData(kValid, QStringLiteral("case.json"));
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetName(), QStringLiteral("panel"));
+    EXPECT_EQ(program->GetRevision(), QStringLiteral("0"));
+}
+
+} // namespace

@@ -1,5 +1,5 @@
 # Two entry points for a fresh Debian 12 machine:
-#   make demo   set up, build, and run the command-line tool on the shipped example
+#   make demo   set up, build, and post a generated part for the shipped example machine
 #   make test   set up, build, and run the whole test suite through CTest
 #
 # Set-up installs only the Debian packages that are missing, without asking.
@@ -20,6 +20,8 @@ endif
 SUDO := $(shell [ "$$(id -u)" -eq 0 ] || echo sudo)
 ZELKIN := $(BUILD_DIR)/apps/zelkin/zelkin
 EXAMPLE_MACHINE := examples/machines/gantry-rbr.xml
+DEMO_TOOLPATH := $(BUILD_DIR)/demo/cylinder-section.json
+DEMO_OUTPUT := demo-output
 
 .PHONY: all setup configure build test demo clean
 
@@ -55,8 +57,16 @@ demo: build
 	@echo "== The example machine, as zelkin reads it =="
 	$(ZELKIN) machine $(EXAMPLE_MACHINE)
 	@echo
-	@echo "The machine summary above was read from $(EXAMPLE_MACHINE)."
-	@echo "Posting NC files from a toolpath arrives with the 'zelkin post' command."
+	@echo "== A cylinder-section part with four plies and a probing procedure =="
+	@mkdir -p $(dir $(DEMO_TOOLPATH))
+	$(ZELKIN) generate-toolpath --part cylinder --plies 0,45,-45,90 -o $(DEMO_TOOLPATH)
+	@echo
+	@echo "== Posting it for the example machine =="
+	rm -rf $(DEMO_OUTPUT)
+	$(ZELKIN) post --machine $(EXAMPLE_MACHINE) --toolpath $(DEMO_TOOLPATH) --output $(DEMO_OUTPUT)
+	@echo
+	@echo "The NC files are in $(DEMO_OUTPUT)/:"
+	@find $(DEMO_OUTPUT) -type f | sort | xargs ls -l
 
 clean:
-	rm -rf $(BUILD_DIR)
+	rm -rf $(BUILD_DIR) $(DEMO_OUTPUT)

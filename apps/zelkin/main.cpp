@@ -5,6 +5,8 @@
 #include "zelkingeneratetoolpathcommand.h"
 #include "zelkinhelpcommand.h"
 #include "zelkinmachinecommand.h"
+#include "zelkinpostcommand.h"
+#include "zelkinsolvecommand.h"
 
 #include <QCoreApplication>
 
@@ -21,6 +23,8 @@ int main(int argc, char* argv[])
     registry.Add(std::make_unique<ZELKinHelpCommand>(registry));
     registry.Add(std::make_unique<ZELKinMachineCommand>());
     registry.Add(std::make_unique<ZELKinGenerateToolpathCommand>());
+    registry.Add(std::make_unique<ZELKinSolveCommand>());
+    registry.Add(std::make_unique<ZELKinPostCommand>());
     registry.Add(std::make_unique<ZELKinGCodeCommand>());
 
     return ZELKinApplication(registry, QStringLiteral(ZELKIN_VERSION)).Run(QCoreApplication::arguments().mid(1));

@@ -47,6 +47,13 @@ QString ZELKinArguments::GetValue(const QString& option) const
     return m_parser.value(option);
 }
 
+QString ZELKinArguments::GetRequiredValue(const QString& option) const
+{
+    if (!IsSet(option))
+        throw ZELKinUsageError(QStringLiteral("missing the option --%1").arg(option), m_command);
+    return GetValue(option);
+}
+
 QStringList ZELKinArguments::GetPositionals() const
 {
     return m_parser.positionalArguments();

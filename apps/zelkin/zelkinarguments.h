@@ -24,6 +24,9 @@ public:
     bool IsSet(const QString& option) const;
     //! The value given to an option that takes one; empty when it was not given.
     QString GetValue(const QString& option) const;
+    //! The value of an option the command cannot do without. Throws
+    //! ZELKinUsageError "missing the option --<option>" when it was not given.
+    QString GetRequiredValue(const QString& option) const;
     //! The positional arguments, in order.
     QStringList GetPositionals() const;
     //! The only positional argument. Throws ZELKinUsageError "missing the

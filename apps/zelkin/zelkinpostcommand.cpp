@@ -1,0 +1,105 @@
+#include "zelkinpostcommand.h"
+
+#include "zelkinarguments.h"
+#include "zelkinclock.h"
+#include "zelkintranslationjob.h"
+
+#include <zelkinwriter.h>
+
+namespace {
+
+const QString MachineOption = QStringLiteral("machine");
+const QString ToolpathOption = QStringLiteral("toolpath");
+const QString OutputOption = QStringLiteral("output");
+const QString FormatOption = QStringLiteral("format");
+const QString OptionsOption = QStringLiteral("options");
+const QString PlyOption = QStringLiteral("ply-to-process");
+const QString DebugPathOption = QStringLiteral("debug-path");
+
+// The one dialect the writer knows; any other name would write nothing.
+const QString AFPGCodeFormat = QStringLiteral("IngersollAFPGCode");
+
+QString FormatOf(const ZELKinArguments& arguments, const QString& command)
+{
+    if (!arguments.IsSet(FormatOption))
+        return AFPGCodeFormat;
+    const QString format = arguments.GetValue(FormatOption);
+    if (format != AFPGCodeFormat)
+        throw ZELKinUsageError(QStringLiteral("unknown NC format '%1' (known: %2)").arg(format, AFPGCodeFormat),
+                               command);
+    return format;
+}
+
+} // namespace
+
+QString ZELKinPostCommand::GetName() const
+{
+    return QStringLiteral("post");
+}
+
+QString ZELKinPostCommand::GetSummary() const
+{
+    return QStringLiteral("Post a toolpath for a machine: write its NC files");
+}
+
+QString ZELKinPostCommand::GetSynopsis() const
+{
+    return QStringLiteral("--machine M.xml --toolpath T.json --output PATH [--format NAME]\n"
+                          "                    [--options TEXT] [--ply-to-process TEXT] [--debug-path DIR]");
+}
+
+QString ZELKinPostCommand::GetDescription() const
+{
+    return QStringLiteral(
+        "Loads the machine description M.xml and the toolpath file T.json, translates\n"
+        "and solves the toolpath for the machine, and writes the NC files, printing\n"
+        "the library's progress lines. Procedures that cannot be solved are left out\n"
+        "with a message.\n"
+        "\n"
+        "PATH decides the layout: a path ending in .bun is one bundle file; a path\n"
+        "ending in .aptsource writes the bundle beside it (same name, .bun); any other\n"
+        "path is a directory, which gets a folder named after the toolpath program\n"
+        "with the program-set file (.PPSF), one ply file per layup procedure (.PPF)\n"
+        "and the probing file (.PTPF).\n"
+        "\n"
+        "Options:\n"
+        "  --machine M.xml        The machine description.\n"
+        "  --toolpath T.json      The toolpath file.\n"
+        "  --output PATH          Where the NC files go (see above).\n"
+        "  --format NAME          The NC dialect; only IngersollAFPGCode (the default).\n"
+        "  --options TEXT         Writer options, \"key: value\" items separated by ';':\n"
+        "                         tooling-retract, pinch-max-length,\n"
+        "                         pinch-release-length (mm).\n"
+        "  --ply-to-process TEXT  ONEPLY: list the plies on stderr, read the padded ply\n"
+        "                         number to write from standard input, write it alone\n"
+        "                         to PATH_procedures and, for a bundle, replace that\n"
+        "                         ply's section in the existing bundle.\n"
+        "  --debug-path DIR       Write path-solving diagnostic files under DIR.\n"
+        "\n"
+        "Dates in the files come from SOURCE_DATE_EPOCH when it is set.\n");
+}
+
+int ZELKinPostCommand::Run(const QStringList& arguments)
+{
+    const QString valueName = QStringLiteral("value");
+    const ZELKinArguments parsed(GetName(), arguments,
+                                 {QCommandLineOption(MachineOption, QString(), valueName),
+                                  QCommandLineOption(ToolpathOption, QString(), valueName),
+                                  QCommandLineOption(OutputOption, QString(), valueName),
+                                  QCommandLineOption(FormatOption, QString(), valueName),
+                                  QCommandLineOption(OptionsOption, QString(), valueName),
+                                  QCommandLineOption(PlyOption, QString(), valueName),
+                                  QCommandLineOption(DebugPathOption, QString(), valueName)});
+    parsed.RequireAtMostPositionals(0);
+    const QString format = FormatOf(parsed, GetName());
+    const QString output = parsed.GetRequiredValue(OutputOption);
+    const ZELKinTranslationJob job({parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
+                                    parsed.GetValue(DebugPathOption)});
+
+    ZELKinWriter writer(job.GetProgram());
+    writer.SetCurrentDateTime(ZELKinClock::Now());
+    QString ply = parsed.GetValue(PlyOption);
+    writer.SetPlyToProcess(ply);
+    writer.Write(output, format, parsed.GetValue(OptionsOption));
+    return ZELKinExitStatus::Success;
+}

@@ -1,0 +1,77 @@
+#include "zelkinsolvecommand.h"
+
+#include "zelkinarguments.h"
+#include "zelkinoutputfile.h"
+#include "zelkinpositioncsv.h"
+#include "zelkintranslationjob.h"
+
+#include <zelkinprogram.h>
+#include <zelsysexception.h>
+
+#include <QFile>
+
+#include <cstdio>
+
+namespace {
+
+const QString MachineOption = QStringLiteral("machine");
+const QString ToolpathOption = QStringLiteral("toolpath");
+const QString CsvOption = QStringLiteral("csv");
+
+} // namespace
+
+QString ZELKinSolveCommand::GetName() const
+{
+    return QStringLiteral("solve");
+}
+
+QString ZELKinSolveCommand::GetSummary() const
+{
+    return QStringLiteral("Translate and solve a toolpath and write the axis values as CSV");
+}
+
+QString ZELKinSolveCommand::GetSynopsis() const
+{
+    return QStringLiteral("--machine M.xml --toolpath T.json [--csv FILE]");
+}
+
+QString ZELKinSolveCommand::GetDescription() const
+{
+    return QStringLiteral(
+        "Loads the machine description M.xml and the toolpath file T.json, translates\n"
+        "the toolpath into a program for that machine and solves its kinematics, as\n"
+        "'zelkin post' does, printing the library's progress lines. Then writes the\n"
+        "axis values of every position as CSV: procedure, script, index, and one column\n"
+        "per machine variable (linear axes in mm, rotary axes in degrees).\n"
+        "\n"
+        "Options:\n"
+        "  --machine M.xml   The machine description.\n"
+        "  --toolpath T.json The toolpath file.\n"
+        "  --csv FILE        Write the CSV to FILE instead of after the progress lines\n"
+        "                    on standard output.\n");
+}
+
+int ZELKinSolveCommand::Run(const QStringList& arguments)
+{
+    const ZELKinArguments parsed(GetName(), arguments,
+                                 {QCommandLineOption(MachineOption, QString(), QStringLiteral("M.xml")),
+                                  QCommandLineOption(ToolpathOption, QString(), QStringLiteral("T.json")),
+                                  QCommandLineOption(CsvOption, QString(), QStringLiteral("FILE"))});
+    parsed.RequireAtMostPositionals(0);
+    const ZELKinTranslationJob job({parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
+                                    QString()});
+
+    if (parsed.IsSet(CsvOption)) {
+        ZELKinOutputFile csv(parsed.GetValue(CsvOption));
+        if (!ZELKinPositionCsv::Write(*job.GetProgram(), csv.GetDevice()))
+            csv.ThrowWriteError();
+        csv.Commit();
+        return ZELKinExitStatus::Success;
+    }
+    std::fflush(stdout);
+    QFile out;
+    out.open(stdout, QIODevice::WriteOnly);
+    if (!ZELKinPositionCsv::Write(*job.GetProgram(), &out))
+        throw ZELSysException(QStringLiteral("cannot write the CSV to standard output: %1").arg(out.errorString()));
+    return ZELKinExitStatus::Success;
+}

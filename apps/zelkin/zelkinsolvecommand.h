@@ -1,0 +1,22 @@
+#ifndef ZELKINSOLVECOMMAND_H
+#define ZELKINSOLVECOMMAND_H
+
+#include "zelkincommand.h"
+
+/*!
+    "zelkin solve --machine M.xml --toolpath T.json [--csv FILE]": translates
+    a toolpath for a machine and solves it, as posting would, and writes the
+    axis values chosen for every position as CSV. It answers "where will the
+    machine's axes be?" before any NC code is written.
+*/
+class ZELKinSolveCommand : public ZELKinCommand
+{
+public:
+    QString GetName() const override;
+    QString GetSummary() const override;
+    QString GetSynopsis() const override;
+    QString GetDescription() const override;
+    int Run(const QStringList& arguments) override;
+};
+
+#endif // ZELKINSOLVECOMMAND_H

@@ -1,0 +1,41 @@
+#include "zelkintranslationjob.h"
+
+#include "zelkinclock.h"
+#include "zelkinmachinefile.h"
+
+#include <zelkinafpmachine.h>
+#include <zelkinprogram.h>
+#include <zelkinsolver.h>
+#include <zelkintranslator.h>
+#include <zeltpprogram.h>
+#include <zeltpprogramreader.h>
+#include <zelsysexception.h>
+
+namespace {
+
+ZELKinSolver* CreateSolver(const ZELKinAFPMachine& machine)
+{
+    ZELKinSolver* solver = machine.CreateSolver();
+    if (!solver)
+        throw ZELSysException(QStringLiteral("the machine's solver '%1' is not one zelkin knows (it knows \"RBR\")")
+                                  .arg(machine.GetSolverName()));
+    return solver;
+}
+
+} // namespace
+
+ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
+    : m_machine(ZELKinMachineFile::Load(&m_container, input.machinePath))
+    , m_solver(CreateSolver(*m_machine))
+{
+    const ZELTPProgram* toolpath = ZELTPProgramReader(&m_container).Read(input.toolpathPath);
+    m_solver->SetDebugPath(input.debugPath);
+
+    ZELKinTranslator translator(m_solver.get());
+    translator.SetCurrentDateTime(ZELKinClock::Now());
+    m_program = translator.Translate(toolpath);
+    m_program->SetOriginalFileName(toolpath->GetName());
+    m_program->SetRevisionNumber(toolpath->GetRevision());
+}
+
+ZELKinTranslationJob::~ZELKinTranslationJob() = default;

@@ -1,0 +1,275 @@
+#include "zelkintesttoolpath.h"
+#include "zelkintoolrun.h"
+
+#include <zeltestsupport.h>
+
+#include <QDirIterator>
+#include <QFile>
+#include <QStringList>
+
+#include <string>
+
+namespace {
+
+// 2023-11-14 22:13:20 UTC.
+const QByteArray kEpoch("1700000000");
+const QString kStamp = QStringLiteral("11/14/23 22:13:20");
+
+QProcessEnvironment Reproducible()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QString::fromLatin1(kEpoch));
+    return environment;
+}
+
+QByteArray ReadAll(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
+QStringList LinesOf(const QString& path)
+{
+    return QString::fromUtf8(ReadAll(path)).split(QLatin1Char('\n'));
+}
+
+// Every file below `directory`, as paths relative to it, sorted.
+QStringList FilesBelow(const QString& directory)
+{
+    QStringList files;
+    QDirIterator it(directory, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files.append(QDir(directory).relativeFilePath(it.next()));
+    files.sort();
+    return files;
+}
+
+struct Posting
+{
+    Posting() { toolpath = WriteFile(directory, QStringLiteral("flat.json"), ZELKinTestToolpath::Document()); }
+
+    QString PathOf(const QString& name) const { return QDir(directory.path()).filePath(name); }
+
+    ZELKinToolRun Post(const QString& output, const QStringList& extra = QStringList(),
+                       const QByteArray& input = QByteArray()) const
+    {
+        return RunZelkin(QStringList{QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                     QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output} +
+                             extra,
+                         Reproducible(), input);
+    }
+
+    QTemporaryDir directory;
+    QString toolpath;
+};
+
+} // namespace
+
+TEST(ZELKinPostCommand, WritesTheProgramSetPlyAndProbingFilesInAFolderNamedAfterTheProgram)
+{
+    const Posting posting;
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+    const ZELKinToolRun run = posting.Post(output);
+
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_EQ(run.standardError, QString());
+    EXPECT_EQ(run.standardOutput, QStringLiteral("Translating the program\nSolving kinematics\n  Processing ply one\n"
+                                                 "  Writing ply one\n  Writing probe\n"));
+    EXPECT_EQ(FilesBelow(output), QStringList({QStringLiteral("flat-test/flat-test#0101.PPF"),
+                                               QStringLiteral("flat-test/flat-test.PPSF"),
+                                               QStringLiteral("flat-test/flat-test.PTPF")}));
+}
+
+TEST(ZELKinPostCommand, StampsTheToolpathsNameRevisionAndTheSourceDateIntoTheProgramSet)
+{
+    const Posting posting;
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+    ASSERT_EQ(posting.Post(output).exitCode, 0);
+
+    const QStringList lines = LinesOf(output + QStringLiteral("/flat-test/flat-test.PPSF"));
+    ASSERT_GE(lines.size(), 12);
+    EXPECT_EQ(lines.at(0), QStringLiteral("PROGRAM SET ID: flat-test"));
+    EXPECT_EQ(lines.at(1), QStringLiteral("REVISION      : B"));
+    EXPECT_EQ(lines.at(8), QStringLiteral("CPS DATE/TIME : ") + kStamp);
+    EXPECT_EQ(lines.at(10), QStringLiteral("CPP DATE/TIME : ") + kStamp);
+    EXPECT_TRUE(lines.contains(QStringLiteral("; 0101, ply one")));
+}
+
+TEST(ZELKinPostCommand, ThePlyFileLaysTheCourseWithItsTowsAddedAndCut)
+{
+    const Posting posting;
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+    ASSERT_EQ(posting.Post(output).exitCode, 0);
+
+    const QStringList lines = LinesOf(output + QStringLiteral("/flat-test/flat-test#0101.PPF"));
+    EXPECT_TRUE(lines.contains(QStringLiteral("GUD_EID=\"flat-test\"")));
+    EXPECT_TRUE(lines.contains(QStringLiteral("GUD_REVISION=\"B\"")));
+    EXPECT_TRUE(lines.contains(QStringLiteral(";[COURSE] CourseNumber=1,TowRoller=16,TowsUsed=FFFF,Material=IM7-8552")));
+    EXPECT_TRUE(lines.contains(QStringLiteral("; Tows Required for Course [FFFF]")));
+    EXPECT_FALSE(lines.contains(QStringLiteral("M85; 8-Tow Roller Loaded")));
+    EXPECT_TRUE(lines.contains(QStringLiteral("M84; 16-Tow Roller Loaded")));
+    // U counts the path of the course's points from its first position: 50
+    // mm along and 100 mm down to the part (111.803 mm), 60 mm more to where
+    // the tow trajectory starts and the tows are added, pinched for the
+    // machine's 12.7 mm add pinch, and 90 mm more to the roll-out, where
+    // they are cut.
+    EXPECT_TRUE(lines.contains(QStringLiteral(";PMAC1: G500U171.803A/B[FFFF]")));
+    EXPECT_TRUE(lines.contains(QStringLiteral(";PMAC1: G500U184.503A/E[FFFF]")));
+    EXPECT_TRUE(lines.contains(QStringLiteral(";PMAC1: G500U261.803C/B[FFFF]")));
+    EXPECT_EQ(lines.last(), QString()) << "the file ends its last line";
+    EXPECT_EQ(lines.at(lines.size() - 2), QStringLiteral("M02"));
+}
+
+TEST(ZELKinPostCommand, TheSameInputsAndSourceDateGiveTheSameBytes)
+{
+    const Posting posting;
+    const QString first = posting.PathOf(QStringLiteral("first.bun"));
+    const QString second = posting.PathOf(QStringLiteral("second.bun"));
+    ASSERT_EQ(posting.Post(first).exitCode, 0);
+    ASSERT_EQ(posting.Post(second).exitCode, 0);
+
+    const QByteArray bundle = ReadAll(first);
+    EXPECT_FALSE(bundle.isEmpty());
+    EXPECT_EQ(bundle, ReadAll(second));
+}
+
+TEST(ZELKinPostCommand, ABundlePathWritesOneFileWithEverySection)
+{
+    const Posting posting;
+    const QString bundle = posting.PathOf(QStringLiteral("job.bun"));
+    ASSERT_EQ(posting.Post(bundle).exitCode, 0);
+
+    const QStringList lines = LinesOf(bundle);
+    EXPECT_EQ(lines.first(), QStringLiteral("SetId|flat-test|"));
+    EXPECT_TRUE(lines.contains(QStringLiteral(">>>>> Filename|flat-test.PPSF| <<<<<")));
+    EXPECT_TRUE(lines.contains(QStringLiteral(">>>>> Filename|flat-test#0101.PPF| <<<<<")));
+    EXPECT_TRUE(lines.contains(QStringLiteral(">>>>> Filename|flat-test.PTPF| <<<<<")));
+    EXPECT_EQ(lines.count(QStringLiteral(">>>>> End of File <<<<<")), 3);
+    EXPECT_EQ(FilesBelow(posting.directory.path()), QStringList({QStringLiteral("flat.json"), QStringLiteral("job.bun")}));
+}
+
+TEST(ZELKinPostCommand, AnAptsourcePathWritesTheBundleBesideIt)
+{
+    const Posting posting;
+    ASSERT_EQ(posting.Post(posting.PathOf(QStringLiteral("job.aptsource"))).exitCode, 0);
+
+    EXPECT_EQ(FilesBelow(posting.directory.path()), QStringList({QStringLiteral("flat.json"), QStringLiteral("job.bun")}));
+}
+
+TEST(ZELKinPostCommand, OnePlyModeReadsThePlyFromStandardInputAndReplacesItsSectionOfTheBundle)
+{
+    const Posting posting;
+    const QString bundle = posting.PathOf(QStringLiteral("job.bun"));
+    ASSERT_EQ(posting.Post(bundle).exitCode, 0);
+    const QByteArray before = ReadAll(bundle);
+
+    const ZELKinToolRun run = posting.Post(bundle, {QStringLiteral("--ply-to-process"), QStringLiteral("ONEPLY")},
+                                           QByteArrayLiteral("0101\n"));
+
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_TRUE(run.standardError.contains(QStringLiteral(" Program has these procedures:\n0101\n")))
+        << run.standardError.toStdString();
+    EXPECT_TRUE(run.standardError.contains(QStringLiteral(" Enter PROCEDURE to process: ")));
+    EXPECT_TRUE(QFile::exists(bundle + QStringLiteral("_procedures/flat-test/flat-test#0101.PPF")));
+    // The ply was posted from the same inputs, so its new section is the old one.
+    EXPECT_EQ(ReadAll(bundle), before);
+}
+
+TEST(ZELKinPostCommand, AnUnsolvableProcedureIsLeftOutWithItsMessage)
+{
+    QTemporaryDir directory;
+    const QString toolpath = WriteFile(directory, QStringLiteral("turning.json"),
+                                       ZELKinTestToolpath::Document(QStringLiteral("ply one"), true));
+    const QString output = QDir(directory.path()).filePath(QStringLiteral("nc"));
+
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output},
+                                        Reproducible());
+
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("    Kinematics solving failed for course 1 at point 8\n")))
+        << run.standardOutput.toStdString();
+    EXPECT_TRUE(run.standardOutput.contains(
+        QStringLiteral("      Could not successfully find a kinematics solution for procedure ply one. It will be "
+                       "omitted from the program.\n")))
+        << run.standardOutput.toStdString();
+    EXPECT_EQ(FilesBelow(output), QStringList({QStringLiteral("flat-test/flat-test.PPSF"),
+                                               QStringLiteral("flat-test/flat-test.PTPF")}));
+}
+
+TEST(ZELKinPostCommand, ASourceDateThatIsNoNumberIsAnErrorAndNothingIsWritten)
+{
+    const Posting posting;
+    QProcessEnvironment environment = Reproducible();
+    environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("yesterday"));
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+    const ZELKinToolRun run =
+        RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                   QStringLiteral("--toolpath"), posting.toolpath, QStringLiteral("--output"), output},
+                  environment);
+
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList({QStringLiteral("zelkin: error: SOURCE_DATE_EPOCH is not a number of seconds: 'yesterday'")}));
+    EXPECT_FALSE(QFile::exists(output));
+}
+
+TEST(ZELKinPostCommand, PostsTheShippedExampleEndToEnd)
+{
+    QTemporaryDir directory;
+    const QString output = QDir(directory.path()).filePath(QStringLiteral("nc"));
+    const ZELKinToolRun run =
+        RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                   QStringLiteral("--toolpath"), QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/cylinder-section.json"),
+                   QStringLiteral("--output"), output},
+                  Reproducible());
+
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_FALSE(run.standardOutput.contains(QStringLiteral("Could not successfully find")));
+    const QStringList files = FilesBelow(output);
+    EXPECT_EQ(files.filter(QStringLiteral(".PPSF")).size(), 1);
+    EXPECT_GE(files.filter(QStringLiteral(".PPF")).size(), 4) << files.join(QLatin1Char(' ')).toStdString();
+    EXPECT_EQ(files.filter(QStringLiteral(".PTPF")).size(), 1);
+}
+
+struct UsageCase
+{
+    const char* name;
+    QStringList arguments;
+    const char* error;
+};
+ZELTEST_PRINT_CASE_BY_NAME(UsageCase);
+
+class ZELKinPostCommandUsage : public ::testing::TestWithParam<UsageCase>
+{
+};
+
+TEST_P(ZELKinPostCommandUsage, IsRefusedWithStatusTwoAndWritesNothing)
+{
+    QTemporaryDir directory;
+    const ZELKinToolRun run = RunZelkin(QStringList{QStringLiteral("post")} + GetParam().arguments);
+
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.standardOutput, QString());
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList({QStringLiteral("zelkin: error: ") + QString::fromUtf8(GetParam().error),
+                           QStringLiteral("zelkin: hint: run 'zelkin help post' for its usage")}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ZELKinPostCommandUsage,
+    ::testing::Values(
+        UsageCase{"NoOutput",
+                  {QStringLiteral("--machine"), QStringLiteral("m.xml"), QStringLiteral("--toolpath"),
+                   QStringLiteral("t.json")},
+                  "missing the option --output"},
+        UsageCase{"NoMachine", {QStringLiteral("--toolpath"), QStringLiteral("t.json"), QStringLiteral("--output"),
+                                QStringLiteral("out")},
+                  "missing the option --machine"},
+        UsageCase{"UnknownFormat",
+                  {QStringLiteral("--machine"), QStringLiteral("m.xml"), QStringLiteral("--toolpath"),
+                   QStringLiteral("t.json"), QStringLiteral("--output"), QStringLiteral("out"),
+                   QStringLiteral("--format"), QStringLiteral("Fanuc")},
+                  "unknown NC format 'Fanuc' (known: IngersollAFPGCode)"}),
+    [](const ::testing::TestParamInfo<UsageCase>& info) { return std::string(info.param.name); });

@@ -1,0 +1,218 @@
+#include "zelkintesttoolpath.h"
+#include "zelkintoolrun.h"
+
+#include <zeltestsupport.h>
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <string>
+
+namespace {
+
+const QString kHeader = QStringLiteral("procedure,script,index,X,Y,Z,C,A,C1,U");
+
+struct SolvedToolpath
+{
+    SolvedToolpath()
+    {
+        toolpath = WriteFile(directory, QStringLiteral("flat.json"), ZELKinTestToolpath::Document());
+        csv = QDir(directory.path()).filePath(QStringLiteral("axes.csv"));
+    }
+
+    ZELKinToolRun Solve(const QStringList& extra = QStringList()) const
+    {
+        return RunZelkin(QStringList{QStringLiteral("solve"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                     QStringLiteral("--toolpath"), toolpath} +
+                         extra);
+    }
+
+    QStringList ReadCsv() const
+    {
+        QFile file(csv);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << csv.toStdString();
+        QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+        EXPECT_EQ(lines.last(), QString()) << "the last row ends its line";
+        lines.removeLast();
+        return lines;
+    }
+
+    QTemporaryDir directory;
+    QString toolpath;
+    QString csv;
+};
+
+// The first six columns of a row, and the wrist and material columns apart.
+struct Row
+{
+    QString position;
+    QStringList wrist;
+    QString material;
+};
+
+Row Split(const QString& line)
+{
+    const QStringList fields = line.split(QLatin1Char(','));
+    EXPECT_EQ(fields.size(), 10) << line.toStdString();
+    if (fields.size() != 10)
+        return Row();
+    return Row{fields.mid(0, 6).join(QLatin1Char(',')), fields.mid(6, 3), fields.at(9)};
+}
+
+} // namespace
+
+TEST(ZELKinSolveCommand, PrintsTheLibrarysProgressLines)
+{
+    const SolvedToolpath solved;
+    const ZELKinToolRun run = solved.Solve({QStringLiteral("--csv"), solved.csv});
+
+    EXPECT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("Translating the program\nSolving kinematics\n  Processing ply one\n"));
+    EXPECT_EQ(run.standardError, QString());
+}
+
+TEST(ZELKinSolveCommand, WritesOneRowPerPositionInTheOrderTheMachineRunsThem)
+{
+    const SolvedToolpath solved;
+    ASSERT_EQ(solved.Solve({QStringLiteral("--csv"), solved.csv}).exitCode, 0);
+
+    // Link positions are not solved: they keep the bare point; solved course
+    // positions carry the roller centre, 30 mm above the point. Index 4 of
+    // the course is the tow add command and index 14 the cut.
+    const QStringList expected{
+        kHeader,
+        QStringLiteral("ply one,link 1,0,2800.000000,3500.000000,-1200.000000"),
+        QStringLiteral("ply one,course 1,0,2900.000000,3500.000000,-1370.000000"),
+        QStringLiteral("ply one,course 1,1,2950.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,2,3000.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,3,3010.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,5,3020.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,6,3030.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,7,3040.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,8,3050.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,9,3060.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,10,3070.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,11,3080.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,12,3090.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,13,3100.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,15,3110.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,16,3170.000000,3500.000000,-1370.000000"),
+        QStringLiteral("ply one,link 2,0,3300.000000,3500.000000,-1200.000000"),
+        QStringLiteral("probe,probing,0,2500.000000,3500.000000,-1300.000000"),
+        QStringLiteral("probe,probing,1,2500.000000,3500.000000,-1490.000000"),
+        QStringLiteral("probe,probing,3,2500.000000,3500.000000,-1300.000000"),
+    };
+    const QStringList lines = solved.ReadCsv();
+    ASSERT_EQ(lines.size(), expected.size());
+    EXPECT_EQ(lines.first(), kHeader);
+    for (int i = 1; i < lines.size(); ++i)
+        EXPECT_EQ(Split(lines.at(i)).position, expected.at(i)) << "row " << i;
+}
+
+TEST(ZELKinSolveCommand, LayupRowsShareOneWristAndProbingRowsHaveNone)
+{
+    const SolvedToolpath solved;
+    ASSERT_EQ(solved.Solve({QStringLiteral("--csv"), solved.csv}).exitCode, 0);
+    const QStringList lines = solved.ReadCsv();
+    ASSERT_EQ(lines.size(), 21);
+
+    // Every frame of the ply is the same up to its origin, so the cheapest
+    // series keeps one wrist, in degrees with six decimals, along all of it.
+    const QStringList wrist = Split(lines.at(1)).wrist;
+    for (const QString& value : wrist)
+        EXPECT_TRUE(QRegularExpression(QStringLiteral("^-?\\d+\\.\\d{6}$")).match(value).hasMatch())
+            << value.toStdString();
+    for (int i = 1; i <= 17; ++i) {
+        EXPECT_EQ(Split(lines.at(i)).wrist, wrist) << "row " << i;
+        EXPECT_EQ(Split(lines.at(i)).material, QString()) << "the solver leaves the material axis alone";
+    }
+    for (int i = 18; i <= 20; ++i)
+        EXPECT_EQ(Split(lines.at(i)).wrist, QStringList({QString(), QString(), QString()})) << "row " << i;
+}
+
+TEST(ZELKinSolveCommand, WithoutCsvFileWritesTheRowsAfterTheProgressLines)
+{
+    const SolvedToolpath solved;
+    const ZELKinToolRun run = solved.Solve();
+
+    EXPECT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    const QStringList lines = run.standardOutput.split(QLatin1Char('\n'));
+    ASSERT_GE(lines.size(), 5);
+    EXPECT_EQ(lines.at(2), QStringLiteral("  Processing ply one"));
+    EXPECT_EQ(lines.at(3), kHeader);
+    EXPECT_TRUE(lines.at(4).startsWith(QStringLiteral("ply one,link 1,0,2800.000000,")));
+}
+
+TEST(ZELKinSolveCommand, ProcedureNamesWithCommasAreQuoted)
+{
+    QTemporaryDir directory;
+    const QString toolpath =
+        WriteFile(directory, QStringLiteral("t.json"), ZELKinTestToolpath::Document(QStringLiteral("ply \"one\", left")));
+    const QString csv = QDir(directory.path()).filePath(QStringLiteral("axes.csv"));
+    const ZELKinToolRun run =
+        RunZelkin({QStringLiteral("solve"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                   QStringLiteral("--toolpath"), toolpath, QStringLiteral("--csv"), csv});
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+
+    QFile file(csv);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    ASSERT_GE(lines.size(), 2);
+    EXPECT_TRUE(lines.at(1).startsWith(QStringLiteral("\"ply \"\"one\"\", left\",link 1,0,"))) << lines.at(1).toStdString();
+}
+
+TEST(ZELKinSolveCommand, AMissingToolpathIsOneErrorLineAndNoCsv)
+{
+    const SolvedToolpath solved;
+    const ZELKinToolRun run =
+        RunZelkin({QStringLiteral("solve"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                   QStringLiteral("--toolpath"), QStringLiteral("/nonexistent/t.json"), QStringLiteral("--csv"),
+                   solved.csv});
+
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 1);
+    const QStringList errors = run.GetErrorLines();
+    ASSERT_EQ(errors.size(), 1);
+    EXPECT_TRUE(errors.first().startsWith(QStringLiteral("zelkin: error: "))) << errors.first().toStdString();
+    EXPECT_TRUE(errors.first().contains(QStringLiteral("/nonexistent/t.json"))) << errors.first().toStdString();
+    EXPECT_FALSE(QFile::exists(solved.csv));
+}
+
+struct UsageCase
+{
+    const char* name;
+    QStringList arguments;
+    const char* error;
+};
+ZELTEST_PRINT_CASE_BY_NAME(UsageCase);
+
+class ZELKinSolveCommandUsage : public ::testing::TestWithParam<UsageCase>
+{
+};
+
+TEST_P(ZELKinSolveCommandUsage, IsRefusedWithStatusTwo)
+{
+    const ZELKinToolRun run = RunZelkin(QStringList{QStringLiteral("solve")} + GetParam().arguments);
+
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.standardOutput, QString());
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList({QStringLiteral("zelkin: error: ") + QString::fromUtf8(GetParam().error),
+                           QStringLiteral("zelkin: hint: run 'zelkin help solve' for its usage")}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ZELKinSolveCommandUsage,
+    ::testing::Values(
+        UsageCase{"NoMachine", {QStringLiteral("--toolpath"), QStringLiteral("t.json")},
+                  "missing the option --machine"},
+        UsageCase{"NoToolpath", {QStringLiteral("--machine"), QStringLiteral("m.xml")},
+                  "missing the option --toolpath"},
+        UsageCase{"Positional",
+                  {QStringLiteral("--machine"), QStringLiteral("m.xml"), QStringLiteral("--toolpath"),
+                   QStringLiteral("t.json"), QStringLiteral("extra")},
+                  "unexpected argument 'extra'"},
+        UsageCase{"UnknownOption", {QStringLiteral("--fast")}, "unknown option '--fast'"}),
+    [](const ::testing::TestParamInfo<UsageCase>& info) { return std::string(info.param.name); });

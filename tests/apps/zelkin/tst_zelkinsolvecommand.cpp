@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <algorithm>
 #include <string>
 
 namespace {
@@ -179,6 +180,34 @@ TEST(ZELKinSolveCommand, AMissingToolpathIsOneErrorLineAndNoCsv)
     EXPECT_TRUE(errors.first().contains(QStringLiteral("/nonexistent/t.json"))) << errors.first().toStdString();
     EXPECT_FALSE(QFile::exists(solved.csv));
 }
+
+class ZELKinSolveCommandExample : public ::testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(ZELKinSolveCommandExample, SolvesEveryProcedureOfTheShippedExample)
+{
+    QTemporaryDir directory;
+    const QString csv = QDir(directory.path()).filePath(QStringLiteral("axes.csv"));
+    const ZELKinToolRun run = RunZelkin(
+        {QStringLiteral("solve"), QStringLiteral("--machine"), GetExampleMachinePath(), QStringLiteral("--toolpath"),
+         QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/") + QString::fromUtf8(GetParam()), QStringLiteral("--csv"),
+         csv});
+
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_FALSE(run.standardOutput.contains(QStringLiteral("failed"))) << run.standardOutput.toStdString();
+    EXPECT_FALSE(run.standardOutput.contains(QStringLiteral("Could not successfully find")));
+    EXPECT_TRUE(QFile::exists(csv));
+}
+
+INSTANTIATE_TEST_SUITE_P(Toolpaths, ZELKinSolveCommandExample,
+                         ::testing::Values("minimal.json", "flat-panel.json", "cylinder-section.json", "dome.json"),
+                         [](const ::testing::TestParamInfo<const char*>& info) {
+                             std::string name = info.param;
+                             name.erase(name.find('.'));
+                             name.erase(std::remove(name.begin(), name.end(), '-'), name.end());
+                             return name;
+                         });
 
 struct UsageCase
 {

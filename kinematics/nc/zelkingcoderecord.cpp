@@ -1,45 +1,103 @@
 #include "zelkingcoderecord.h"
 #include "zelkingcoderecord_p.h"
 
-#include <QRegularExpression>
 #include <QStringView>
-
-#include <algorithm>
 
 namespace {
 
 const QString GName = QStringLiteral("G");
 const QString MName = QStringLiteral("M");
 
-// One word: the name, then "=", "(" and a double quote, each optional, then
-// the value, either quoted text or a number. Compiled once, on first use;
-// a compiled expression may be matched from several threads.
-const QRegularExpression& WordPattern()
+bool IsNameChar(QChar unit)
 {
-    static const QRegularExpression pattern = [] {
-        QRegularExpression expression(
-            QStringLiteral(R"re(([A-Z_]+(?:\d(?=\=))?)\=?\(?\"?((?:[^\"\r\n]+(?=\"))|(?:-?\d+(?:\.\d+)?))?)re"));
-        expression.optimize();
-        return expression;
-    }();
-    return pattern;
+    const char16_t c = unit.unicode();
+    return (c >= u'A' && c <= u'Z') || c == u'_';
 }
 
-QRegularExpressionMatchIterator MatchWords(QStringView code)
+// ASCII digits only: other scripts' digits are no part of a number.
+bool IsDigit(QChar unit)
 {
-#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
-    return WordPattern().globalMatchView(code);
-#else
-    return WordPattern().globalMatch(code);
-#endif
+    const char16_t c = unit.unicode();
+    return c >= u'0' && c <= u'9';
+}
+
+bool IsAt(QStringView code, qsizetype at, char16_t c)
+{
+    return at < code.size() && code[at] == c;
+}
+
+qsizetype SkipDigits(QStringView code, qsizetype at)
+{
+    while (at < code.size() && IsDigit(code[at]))
+        ++at;
+    return at;
+}
+
+// The end of the value that starts at `at`, or `at` when there is none.
+// Quoted text wins: a run without quote, carriage return or line feed counts
+// only when a quote ends it. Otherwise a number: an optional minus sign,
+// digits, and a point only together with the digits after it.
+qsizetype ValueEnd(QStringView code, qsizetype at)
+{
+    qsizetype end = at;
+    while (end < code.size() && code[end] != u'"' && code[end] != u'\r' && code[end] != u'\n')
+        ++end;
+    if (end > at && IsAt(code, end, u'"'))
+        return end;
+
+    const qsizetype digits = IsAt(code, at, u'-') ? at + 1 : at;
+    end = SkipDigits(code, digits);
+    if (end == digits)
+        return at;
+    if (IsAt(code, end, u'.')) {
+        const qsizetype fractionEnd = SkipDigits(code, end + 1);
+        if (fractionEnd > end + 1)
+            return fractionEnd;
+    }
+    return end;
+}
+
+// Scans `code`, the start of the line, for words, left to right: a word
+// starts at the next capital or underscore, and anything else between words
+// is skipped.
+ZELKinGCodeRecordPrivate::Words ScanWords(QStringView code)
+{
+    ZELKinGCodeRecordPrivate::Words words;
+    qsizetype at = 0;
+    while (at < code.size()) {
+        if (!IsNameChar(code[at])) {
+            ++at;
+            continue;
+        }
+        ZELKinGCodeRecordPrivate::Word word;
+        word.nameBegin = at;
+        while (at < code.size() && IsNameChar(code[at]))
+            ++at;
+        // One digit joins the name only when "=" follows it ("R1=16").
+        if (at < code.size() && IsDigit(code[at]) && IsAt(code, at + 1, u'='))
+            ++at;
+        word.nameLength = at - word.nameBegin;
+        for (const char16_t optional : {u'=', u'(', u'"'}) {
+            if (IsAt(code, at, optional))
+                ++at;
+        }
+        const qsizetype valueEnd = ValueEnd(code, at);
+        word.valueBegin = at;
+        word.valueLength = valueEnd - at;
+        at = valueEnd;
+        words.append(word);
+    }
+    return words;
 }
 
 // The values of `name`, the latest first, as unsigned decimal numbers.
-QList<unsigned> GetCodes(const ZELKinGCodeRecordPrivate::Words& words, const QString& name)
+QList<unsigned> GetCodes(const ZELKinGCodeRecordPrivate& d, const QString& name)
 {
     QList<unsigned> codes;
-    for (auto [it, end] = words.equal_range(name); it != end; ++it)
-        codes.append(it->toUInt(nullptr, 10));
+    for (auto it = d.words.crbegin(); it != d.words.crend(); ++it) {
+        if (d.NameOf(*it) == name)
+            codes.append(d.ValueOf(*it).toUInt(nullptr, 10));
+    }
     return codes;
 }
 
@@ -58,16 +116,12 @@ ZELKinGCodeRecordPrivate* ZELKinGCodeRecordPrivate::SharedEmpty()
 
 void ZELKinGCodeRecordPrivate::Parse(const QString& text)
 {
+    line = text;
     const qsizetype semicolon = text.indexOf(QLatin1Char(';'));
     // Without a semicolon the whole line is both the code and the comment.
     const QStringView code = semicolon < 0 ? QStringView(text) : QStringView(text).left(semicolon);
     comment = semicolon < 0 ? text : text.mid(semicolon + 1);
-
-    QRegularExpressionMatchIterator matches = MatchWords(code);
-    while (matches.hasNext()) {
-        const QRegularExpressionMatch match = matches.next();
-        words.insert(match.capturedView(1).toString(), match.capturedView(2).toString());
-    }
+    words = ScanWords(code);
 }
 
 ZELKinGCodeRecord::ZELKinGCodeRecord()
@@ -106,40 +160,54 @@ QString ZELKinGCodeRecord::GetComment() const
 QList<unsigned> ZELKinGCodeRecord::GetGCodes() const
 {
     Q_D(const ZELKinGCodeRecord);
-    return GetCodes(d->words, GName);
+    return GetCodes(*d, GName);
 }
 
 QList<unsigned> ZELKinGCodeRecord::GetMCodes() const
 {
     Q_D(const ZELKinGCodeRecord);
-    return GetCodes(d->words, MName);
+    return GetCodes(*d, MName);
 }
 
 QStringList ZELKinGCodeRecord::GetVariables() const
 {
     Q_D(const ZELKinGCodeRecord);
-    QStringList names = d->words.keys();
-    names.removeAll(GName);
-    names.removeAll(MName);
+    QStringList names;
+    for (const ZELKinGCodeRecordPrivate::Word& word : d->words) {
+        const QStringView name = d->NameOf(word);
+        if (name != GName && name != MName)
+            names.append(name.toString());
+    }
     return names;
 }
 
 QString ZELKinGCodeRecord::GetVariableValue(const QString& name) const
 {
     Q_D(const ZELKinGCodeRecord);
-    return d->words.value(name);
+    for (auto it = d->words.crbegin(); it != d->words.crend(); ++it) {
+        if (d->NameOf(*it) == name)
+            return d->ValueOf(*it).toString();
+    }
+    return QString();
 }
 
 QStringList ZELKinGCodeRecord::GetVariableValues(const QString& name) const
 {
     Q_D(const ZELKinGCodeRecord);
-    QStringList values = d->words.values(name);
-    std::reverse(values.begin(), values.end());
+    QStringList values;
+    for (const ZELKinGCodeRecordPrivate::Word& word : d->words) {
+        if (d->NameOf(word) == name)
+            values.append(d->ValueOf(word).toString());
+    }
     return values;
 }
 
 bool ZELKinGCodeRecord::IsVariable(const QString& name) const
 {
     Q_D(const ZELKinGCodeRecord);
-    return d->words.contains(name);
+    for (const ZELKinGCodeRecordPrivate::Word& word : d->words) {
+        if (d->NameOf(word) == name)
+            return true;
+    }
+    return false;
 }

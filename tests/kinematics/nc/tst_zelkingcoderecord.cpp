@@ -3,10 +3,13 @@
 
 #include <zeltestsupport.h>
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <initializer_list>
 #include <map>
 #include <memory>
+#include <random>
 #include <string>
 #include <thread>
 #include <utility>
@@ -65,6 +68,41 @@ std::vector<std::string> SortedVariableNames(const WordList& words)
     return names;
 }
 
+// The words of `line` as the word pattern finds them, matched globally over
+// the text before the first semicolon: the reference the record's own
+// scanner must agree with on every line.
+WordList PatternWords(const QString& line)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral(R"re(([A-Z_]+(?:\d(?=\=))?)\=?\(?\"?((?:[^\"\r\n]+(?=\"))|(?:-?\d+(?:\.\d+)?))?)re"));
+    const qsizetype semicolon = line.indexOf(QLatin1Char(';'));
+    const QString code = semicolon < 0 ? line : line.left(semicolon);
+    WordList words;
+    QRegularExpressionMatchIterator matches = pattern.globalMatch(code);
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        words.emplace_back(match.captured(1).toStdString(), match.captured(2).toStdString());
+    }
+    return words;
+}
+
+// Why the record of `line` differs from the word pattern; empty when it
+// does not.
+std::string DifferenceFromPattern(const QString& line)
+{
+    const ZELKinGCodeRecord record(1, line);
+    const WordList expected = PatternWords(line);
+    if (WordsOf(record) != GroupByName(expected))
+        return "words differ";
+    if (Sorted(record.GetVariables()) != SortedVariableNames(expected))
+        return "variables differ";
+    for (const auto& [name, values] : GroupByName(expected)) {
+        if (record.GetVariableValue(QString::fromStdString(name)).toStdString() != values.back())
+            return "last value of " + name + " differs";
+    }
+    return std::string();
+}
+
 struct LineCase
 {
     const char* name;
@@ -110,6 +148,11 @@ TEST_P(ZELKinGCodeRecordLine, KeepsTheComment)
 TEST_P(ZELKinGCodeRecordLine, KeepsTheGivenLineNumber)
 {
     EXPECT_EQ(ZELKinGCodeRecord(7, GetParam().line).GetLineNumber(), 7u);
+}
+
+TEST_P(ZELKinGCodeRecordLine, AgreesWithTheWordPattern)
+{
+    EXPECT_EQ(DifferenceFromPattern(GetParam().line), std::string());
 }
 
 const LineCase LineCases[] = {
@@ -205,6 +248,16 @@ const LineCase LineCases[] = {
      {{"X", "1"}, {"BER", "2"}},
      QStringLiteral("\u00c4X1 \u00dcBER=2")},
     {"TrailingCarriageReturnStaysInTheComment", QStringLiteral("G1\r"), {{"G", "1"}}, QStringLiteral("G1\r")},
+    {"MinusWithoutDigitsIsNoValue", QStringLiteral("X- Y1"), {{"X", ""}, {"Y", "1"}}, QStringLiteral("X- Y1")},
+    {"DigitBeforeEqualsAtTheEndLeavesAnEmptyValue", QStringLiteral("R1="), {{"R1", ""}}, QStringLiteral("R1=")},
+    {"SecondPointEndsTheNumber", QStringLiteral("X1.5.3"), {{"X", "1.5"}}, QStringLiteral("X1.5.3")},
+    {"LineFeedEndsAQuotedValue",
+     QStringLiteral("MSG(\"A\nB\")"),
+     {{"MSG", ""}, {"A", ""}, {"B", ""}},
+     QStringLiteral("MSG(\"A\nB\")")},
+    {"QuoteRightAfterTheNameOpensTheValue", QStringLiteral("X\"5\" Y2"), {{"X", "5"}, {"Y", "2"}},
+     QStringLiteral("X\"5\" Y2")},
+    {"DigitBeforeEqualsThenQuotedText", QStringLiteral("R2=\"A B\""), {{"R2", "A B"}}, QStringLiteral("R2=\"A B\"")},
 };
 
 INSTANTIATE_TEST_SUITE_P(Lines, ZELKinGCodeRecordLine, ::testing::ValuesIn(LineCases),
@@ -248,6 +301,38 @@ const CodesCase CodesCases[] = {
 
 INSTANTIATE_TEST_SUITE_P(Codes, ZELKinGCodeRecordCodes, ::testing::ValuesIn(CodesCases),
                          [](const ::testing::TestParamInfo<CodesCase>& info) { return std::string(info.param.name); });
+
+TEST_P(ZELKinGCodeRecordCodes, AgreeWithTheWordPattern)
+{
+    EXPECT_EQ(DifferenceFromPattern(GetParam().line), std::string());
+}
+
+// A line of up to 40 characters drawn from those that decide where words and
+// values start and end.
+QString RandomLine(std::mt19937& generator)
+{
+    static const QString alphabet = QStringLiteral("ABGMRXYZ__0123456789==((\"\"--.. ;\r\ngx\u00c4");
+    std::uniform_int_distribution<int> length(0, 40);
+    std::uniform_int_distribution<qsizetype> pick(0, alphabet.size() - 1);
+    QString line;
+    for (int n = length(generator); n > 0; --n)
+        line.append(alphabet.at(pick(generator)));
+    return line;
+}
+
+TEST(ZELKinGCodeRecord, AgreesWithTheWordPatternOnRandomLines)
+{
+    constexpr int kLines = 100000;
+    std::mt19937 generator(20261122u);
+    int differing = 0;
+    for (int i = 0; i < kLines; ++i) {
+        const QString line = RandomLine(generator);
+        const std::string difference = DifferenceFromPattern(line);
+        if (!difference.empty() && ++differing <= 5)
+            ADD_FAILURE() << difference << " on line " << i << ": " << ::testing::PrintToString(line.toStdString());
+    }
+    EXPECT_EQ(differing, 0);
+}
 
 } // namespace
 

@@ -169,19 +169,77 @@ QList<SavedRecord> ReadRecords(QIODevice* device)
 
 } // namespace
 
+// How far past the last slot a requested identity may lie and still get
+// a slot: the slots at most double, plus this many.
+constexpr quint64 SlotGrowthAllowance = 1024;
+
+bool ZELGeoContainerPrivate::FitsSlots(quint64 identity) const
+{
+    return identity - 1 < 2 * quint64(inSlots.size()) + SlotGrowthAllowance;
+}
+
 ZELGeoGeometryRef ZELGeoContainerPrivate::Register(ZELGeoGeometry* geometry, const ZELGeoGeometryRef& requested)
 {
     const quint64 identity = requested.IsValid() ? requested.GetIdentity() : nextIdentity;
-    if (geometries.contains(identity))
+    if (Find(identity))
         throw ZELSysException(QStringLiteral("geometry identity %1 is already in use").arg(identity));
-    geometries.insert(identity, geometry);
+    if (FitsSlots(identity)) {
+        if (!IsInSlots(identity))
+            inSlots.resize(std::size_t(identity), nullptr);
+        inSlots[std::size_t(identity - 1)] = geometry;
+    } else {
+        distant.insert(identity, geometry);
+    }
+    ++count;
     nextIdentity = std::max(nextIdentity, identity + 1);
     return ZELGeoGeometryRef(identity);
 }
 
 void ZELGeoContainerPrivate::Unregister(const ZELGeoGeometryRef& reference)
 {
-    geometries.remove(reference.GetIdentity());
+    const quint64 identity = reference.GetIdentity();
+    if (IsInSlots(identity) && inSlots[std::size_t(identity - 1)]) {
+        inSlots[std::size_t(identity - 1)] = nullptr;
+        --count;
+    } else if (distant.remove(identity)) {
+        --count;
+    }
+}
+
+ZELGeoGeometry* ZELGeoContainerPrivate::Find(quint64 identity) const
+{
+    ZELGeoGeometry* const inSlot = IsInSlots(identity) ? inSlots[std::size_t(identity - 1)] : nullptr;
+    if (inSlot || distant.isEmpty())
+        return inSlot;
+    return distant.value(identity, nullptr);
+}
+
+QList<ZELGeoGeometry*> ZELGeoContainerPrivate::InIdentityOrder() const
+{
+    QList<ZELGeoGeometry*> geometries;
+    geometries.reserve(count);
+    for (ZELGeoGeometry* geometry : inSlots) {
+        if (geometry)
+            geometries.append(geometry);
+    }
+    if (distant.isEmpty())
+        return geometries;
+    // Slots may have grown past identities kept aside earlier: merge.
+    QList<quint64> identities = distant.keys();
+    for (ZELGeoGeometry* geometry : std::as_const(geometries))
+        identities.append(geometry->GetReference().GetIdentity());
+    std::sort(identities.begin(), identities.end());
+    geometries.clear();
+    for (const quint64 identity : std::as_const(identities))
+        geometries.append(Find(identity));
+    return geometries;
+}
+
+void ZELGeoContainerPrivate::Clear()
+{
+    inSlots.clear();
+    distant.clear();
+    count = 0;
 }
 
 ZELGeoContainer::ZELGeoContainer(QObject* parent)
@@ -193,33 +251,28 @@ ZELGeoContainer::ZELGeoContainer(QObject* parent)
 ZELGeoContainer::~ZELGeoContainer()
 {
     // Later geometries usually depend on earlier ones: delete them first.
-    QList<ZELGeoGeometry*> geometries = GetGeometries();
-    d_func()->geometries.clear();
+    Q_D(ZELGeoContainer);
+    const QList<ZELGeoGeometry*> geometries = d->InIdentityOrder();
+    d->Clear();
     std::for_each(geometries.rbegin(), geometries.rend(), [](ZELGeoGeometry* geometry) { delete geometry; });
 }
 
 ZELGeoGeometry* ZELGeoContainer::GetGeometryByRef(const ZELGeoGeometryRef& reference) const
 {
     Q_D(const ZELGeoContainer);
-    return d->geometries.value(reference.GetIdentity(), nullptr);
+    return d->Find(reference.GetIdentity());
 }
 
 int ZELGeoContainer::GetNumGeometries() const
 {
     Q_D(const ZELGeoContainer);
-    return int(d->geometries.size());
+    return int(d->count);
 }
 
 QList<ZELGeoGeometry*> ZELGeoContainer::GetGeometries() const
 {
     Q_D(const ZELGeoContainer);
-    QList<quint64> identities = d->geometries.keys();
-    std::sort(identities.begin(), identities.end());
-    QList<ZELGeoGeometry*> geometries;
-    geometries.reserve(identities.size());
-    for (const quint64 identity : identities)
-        geometries.append(d->geometries.value(identity));
-    return geometries;
+    return d->InIdentityOrder();
 }
 
 void ZELGeoContainer::DeleteGeometry(ZELGeoGeometry* geometry)

@@ -110,6 +110,72 @@ TEST(ZELGeoContainer, ListsGeometriesInCreationOrder)
     EXPECT_EQ(container.GetGeometries(), QList<ZELGeoGeometry*>({a, c}));
 }
 
+namespace {
+
+// A node under an identity the caller chooses, as the loading constructor
+// receives it.
+ZELGeoTestNode* NodeWithIdentity(ZELGeoContainer& container, quint64 identity)
+{
+    return new ZELGeoTestNode(&container, ZELGeoGeometryRef(identity));
+}
+
+QList<quint64> IdentitiesOf(const QList<ZELGeoGeometry*>& geometries)
+{
+    QList<quint64> identities;
+    for (const ZELGeoGeometry* geometry : geometries)
+        identities.append(geometry->GetReference().GetIdentity());
+    return identities;
+}
+
+} // namespace
+
+TEST(ZELGeoContainer, FindsAndListsGeometriesUnderRequestedIdentitiesNearAndFar)
+{
+    ZELGeoContainer container;
+    auto* first = new ZELGeoTestNode(&container, 1);
+    auto* far = NodeWithIdentity(container, quint64(1) << 60);
+    auto* near = NodeWithIdentity(container, 40);
+    EXPECT_EQ(container.GetGeometryByRef(ZELGeoGeometryRef(1)), first);
+    EXPECT_EQ(container.GetGeometryByRef(ZELGeoGeometryRef(40)), near);
+    EXPECT_EQ(container.GetGeometryByRef(ZELGeoGeometryRef(quint64(1) << 60)), far);
+    EXPECT_EQ(container.GetGeometryByRef(ZELGeoGeometryRef(2)), nullptr);
+    EXPECT_EQ(container.GetNumGeometries(), 3);
+    EXPECT_EQ(IdentitiesOf(container.GetGeometries()), QList<quint64>({1, 40, quint64(1) << 60}));
+}
+
+TEST(ZELGeoContainer, ListsInIdentityOrderWhenNearIdentitiesPassOneKeptAside)
+{
+    ZELGeoContainer container;
+    new ZELGeoTestNode(&container, 1);
+    NodeWithIdentity(container, 5000);
+    NodeWithIdentity(container, 3000);
+    NodeWithIdentity(container, 6000);
+    EXPECT_EQ(IdentitiesOf(container.GetGeometries()), QList<quint64>({1, 3000, 5000, 6000}));
+    EXPECT_THROW_MESSAGE(NodeWithIdentity(container, 5000), ZELSysException, "geometry identity 5000 is already in use");
+}
+
+TEST(ZELGeoContainer, AFreedIdentityCanBeRequestedAgainButIsNeverHandedOutAgain)
+{
+    ZELGeoContainer container;
+    new ZELGeoTestNode(&container, 1);
+    delete new ZELGeoTestNode(&container, 2);
+    auto* again = NodeWithIdentity(container, 2);
+    auto* next = new ZELGeoTestNode(&container, 3);
+    EXPECT_EQ(container.GetGeometryByRef(ZELGeoGeometryRef(2)), again);
+    EXPECT_EQ(next->GetReference().GetIdentity(), 3u);
+    EXPECT_EQ(container.GetNumGeometries(), 3);
+}
+
+TEST(ZELGeoContainer, AGeometryDeletedFromTheSideTableIsForgotten)
+{
+    ZELGeoContainer container;
+    const quint64 farIdentity = quint64(1) << 40;
+    delete NodeWithIdentity(container, farIdentity);
+    EXPECT_EQ(container.GetGeometryByRef(ZELGeoGeometryRef(farIdentity)), nullptr);
+    EXPECT_EQ(container.GetNumGeometries(), 0);
+    EXPECT_TRUE(container.GetGeometries().isEmpty());
+}
+
 TEST(ZELGeoContainer, DeletesItsGeometriesWhenDestroyed)
 {
     QPointer<ZELGeoTestNode> node;

@@ -93,13 +93,15 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     parsed.RequireAtMostPositionals(0);
     const QString format = FormatOf(parsed, GetName());
     const QString output = parsed.GetRequiredValue(OutputOption);
-    const ZELKinTranslationJob job({parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
-                                    parsed.GetValue(DebugPathOption)});
+    auto job = std::make_unique<ZELKinTranslationJob>(ZELKinTranslationJob::Input{
+        parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
+        parsed.GetValue(DebugPathOption)});
 
-    ZELKinWriter writer(job.GetProgram());
+    ZELKinWriter writer(job->GetProgram());
     writer.SetCurrentDateTime(ZELKinClock::Now());
     QString ply = parsed.GetValue(PlyOption);
     writer.SetPlyToProcess(ply);
     writer.Write(output, format, parsed.GetValue(OptionsOption));
+    ZELKinTranslationJob::KeepUntilExit(std::move(job));
     return ZELKinExitStatus::Success;
 }

@@ -51,6 +51,22 @@ QString ZELKinSolveCommand::GetDescription() const
         "                    on standard output.\n");
 }
 
+void ZELKinSolveCommand::WriteCsv(const ZELKinProgram& program, const ZELKinArguments& parsed)
+{
+    if (parsed.IsSet(CsvOption)) {
+        ZELKinOutputFile csv(parsed.GetValue(CsvOption));
+        if (!ZELKinPositionCsv::Write(program, csv.GetDevice()))
+            csv.ThrowWriteError();
+        csv.Commit();
+        return;
+    }
+    std::fflush(stdout);
+    QFile out;
+    out.open(stdout, QIODevice::WriteOnly);
+    if (!ZELKinPositionCsv::Write(program, &out))
+        throw ZELSysException(QStringLiteral("cannot write the CSV to standard output: %1").arg(out.errorString()));
+}
+
 int ZELKinSolveCommand::Run(const QStringList& arguments)
 {
     const ZELKinArguments parsed(GetName(), arguments,
@@ -58,20 +74,9 @@ int ZELKinSolveCommand::Run(const QStringList& arguments)
                                   QCommandLineOption(ToolpathOption, QString(), QStringLiteral("T.json")),
                                   QCommandLineOption(CsvOption, QString(), QStringLiteral("FILE"))});
     parsed.RequireAtMostPositionals(0);
-    const ZELKinTranslationJob job({parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
-                                    QString()});
-
-    if (parsed.IsSet(CsvOption)) {
-        ZELKinOutputFile csv(parsed.GetValue(CsvOption));
-        if (!ZELKinPositionCsv::Write(*job.GetProgram(), csv.GetDevice()))
-            csv.ThrowWriteError();
-        csv.Commit();
-        return ZELKinExitStatus::Success;
-    }
-    std::fflush(stdout);
-    QFile out;
-    out.open(stdout, QIODevice::WriteOnly);
-    if (!ZELKinPositionCsv::Write(*job.GetProgram(), &out))
-        throw ZELSysException(QStringLiteral("cannot write the CSV to standard output: %1").arg(out.errorString()));
+    auto job = std::make_unique<ZELKinTranslationJob>(ZELKinTranslationJob::Input{
+        parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption), QString()});
+    WriteCsv(*job->GetProgram(), parsed);
+    ZELKinTranslationJob::KeepUntilExit(std::move(job));
     return ZELKinExitStatus::Success;
 }

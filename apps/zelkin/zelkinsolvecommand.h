@@ -3,6 +3,9 @@
 
 #include "zelkincommand.h"
 
+class ZELKinArguments;
+class ZELKinProgram;
+
 /*!
     "zelkin solve --machine M.xml --toolpath T.json [--csv FILE]": translates
     a toolpath for a machine and solves it, as posting would, and writes the
@@ -17,6 +20,10 @@ public:
     QString GetSynopsis() const override;
     QString GetDescription() const override;
     int Run(const QStringList& arguments) override;
+
+private:
+    //! To the --csv file, or to standard output after the progress lines.
+    static void WriteCsv(const ZELKinProgram& program, const ZELKinArguments& parsed);
 };
 
 #endif // ZELKINSOLVECOMMAND_H

@@ -11,6 +11,8 @@
 #include <zeltpprogramreader.h>
 #include <zelsysexception.h>
 
+#include <vector>
+
 namespace {
 
 ZELKinSolver* CreateSolver(const ZELKinAFPMachine& machine)
@@ -39,3 +41,10 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
 }
 
 ZELKinTranslationJob::~ZELKinTranslationJob() = default;
+
+void ZELKinTranslationJob::KeepUntilExit(std::unique_ptr<ZELKinTranslationJob> job)
+{
+    // Allocated once and never freed, so that nothing destroys it at exit.
+    static auto* const kept = new std::vector<std::unique_ptr<ZELKinTranslationJob>>;
+    kept->push_back(std::move(job));
+}

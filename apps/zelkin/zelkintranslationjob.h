@@ -41,6 +41,13 @@ public:
     //! The machine's solver, configured from its description.
     const ZELKinSolver* GetSolver() const { return m_solver.get(); }
 
+    //! Keeps a finished job, still reachable, until the process ends, and
+    //! never destroys it: the tool exits right after its last file, and
+    //! deleting a program of millions of objects one by one would take
+    //! about as long as solving it. The operating system takes the memory
+    //! back at once.
+    static void KeepUntilExit(std::unique_ptr<ZELKinTranslationJob> job);
+
 private:
     ZELGeoContainer m_container;
     ZELKinAFPMachine* m_machine = nullptr;

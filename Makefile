@@ -1,14 +1,19 @@
 # Two entry points for a fresh Debian 12 machine:
 #   make demo   set up, build, and post a generated part for the shipped example machine
 #   make test   set up, build, and run the whole test suite through CTest
+# and two for the benchmarks (an optimised build of their own, in build-bench):
+#   make bench        every benchmark at every size, one table of the targets (about half an hour)
+#   make bench-quick  the smallest sizes only, in under a minute once built
 #
 # Set-up installs only the Debian packages that are missing, without asking.
 
 BUILD_DIR   ?= build
+BENCH_DIR   ?= build-bench
 BUILD_TYPE  ?= RelWithDebInfo
 JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
 PACKAGES    := cmake g++ ninja-build pkg-config qt6-base-dev libeigen3-dev \
-               libsimdjson-dev libgtest-dev libgmock-dev libbenchmark-dev
+               libsimdjson-dev libgtest-dev libgmock-dev libbenchmark-dev \
+               liborocos-kdl-dev python3
 
 # CI builds treat warnings as errors; a developer's build only shows them.
 ifdef CI
@@ -23,7 +28,7 @@ EXAMPLE_MACHINE := examples/machines/gantry-rbr.xml
 DEMO_TOOLPATH := $(BUILD_DIR)/demo/cylinder-section.json
 DEMO_OUTPUT := demo-output
 
-.PHONY: all setup configure build test demo clean
+.PHONY: all setup configure build test demo bench bench-quick bench-build clean
 
 all: build
 
@@ -68,5 +73,19 @@ demo: build
 	@echo "The NC files are in $(DEMO_OUTPUT)/:"
 	@find $(DEMO_OUTPUT) -type f | sort | xargs ls -l
 
+bench-build: setup
+	cmake -S . -B $(BENCH_DIR) -G Ninja \
+	    -DCMAKE_BUILD_TYPE=Release \
+	    -DZELKIN_WARNINGS_AS_ERRORS=$(WERROR) \
+	    -DZELKIN_BUILD_TESTS=OFF \
+	    -DZELKIN_BUILD_BENCHMARKS=ON
+	cmake --build $(BENCH_DIR) -j $(JOBS)
+
+bench: bench-build
+	bench/run-benchmarks --build $(BENCH_DIR)
+
+bench-quick: bench-build
+	bench/run-benchmarks --build $(BENCH_DIR) --quick
+
 clean:
-	rm -rf $(BUILD_DIR) $(DEMO_OUTPUT)
+	rm -rf $(BUILD_DIR) $(BENCH_DIR) $(DEMO_OUTPUT)

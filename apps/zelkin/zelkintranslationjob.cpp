@@ -11,6 +11,8 @@
 #include <zeltpprogramreader.h>
 #include <zelsysexception.h>
 
+#include <QThread>
+
 #include <vector>
 
 namespace {
@@ -35,6 +37,9 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
 
     ZELKinTranslator translator(m_solver.get());
     translator.SetCurrentDateTime(ZELKinClock::Now());
+    // The machine's own solvers are safe to call from several threads; the
+    // diagnostic files are written one procedure after the other.
+    translator.SetThreadCount(input.debugPath.isEmpty() ? QThread::idealThreadCount() : 1);
     m_program = translator.Translate(toolpath);
     m_program->SetOriginalFileName(toolpath->GetName());
     m_program->SetRevisionNumber(toolpath->GetRevision());

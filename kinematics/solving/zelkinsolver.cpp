@@ -20,10 +20,21 @@ QString ToolPathNameOf(const ZELKinProcedure* procedure)
     return source ? source->GetName() : QString();
 }
 
+thread_local QStringList* heldLines = nullptr;
+
 } // namespace
+
+void ZELKinSolverPrivate::HoldLines(QStringList* lines)
+{
+    heldLines = lines;
+}
 
 void ZELKinSolverPrivate::PrintLine(const QString& line)
 {
+    if (heldLines) {
+        heldLines->append(line);
+        return;
+    }
     std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stdout);
     std::fflush(stdout);
 }

@@ -4,6 +4,7 @@
 #include "zelkinsolver.h"
 
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 class ZELKinSolverPrivate
@@ -19,8 +20,13 @@ public:
     virtual ~ZELKinSolverPrivate() = default;
 
     //! Writes `line` and a line end to standard output at once, so that
-    //! progress and failure lines keep their order with other output.
+    //! progress and failure lines keep their order with other output; on a
+    //! thread that holds its lines back, appends it to them instead.
     static void PrintLine(const QString& line);
+    //! From now on PrintLine on the calling thread appends to `lines`; null
+    //! makes it print again. Procedures solved side by side hold their lines
+    //! back, so that they can be printed in the procedures' order.
+    static void HoldLines(QStringList* lines);
 
     ZELKinSolver* const q_ptr;
     //! The machine solved for; not owned.

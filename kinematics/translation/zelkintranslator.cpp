@@ -11,6 +11,7 @@
 #include "zelkinrolllayupposition.h"
 #include "zelkinrolllayupprocedure.h"
 #include "zelkinsolver.h"
+#include "zelkinsolver_p.h"
 #include "zelkintoolchange.h"
 #include "zelkintowcourse.h"
 #include "zelkintowfeedcommand.h"
@@ -31,7 +32,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <deque>
+#include <future>
 #include <limits>
 #include <utility>
 
@@ -45,11 +47,11 @@ constexpr double RollerWidthAllowance = 0.001;
 // last point is the next trajectory's first and is taken there.
 constexpr int DefaultEnd = -1;
 
+// Through the solver's printing, so that the lines keep their order with
+// the solver's.
 void PrintLine(const QString& line)
 {
-    // Flushed at once, so that the lines keep their order with the solver's.
-    std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stdout);
-    std::fflush(stdout);
+    ZELKinSolverPrivate::PrintLine(line);
 }
 
 QString AuthorFromEnvironment()
@@ -359,22 +361,61 @@ void ZELKinTranslatorPrivate::AddProbePositions(ZELKinProbeProcedure* procedure,
 
 void ZELKinTranslatorPrivate::Solve(ZELKinProgram* program) const
 {
+    QList<ZELKinRollLayupProcedure*> layups;
     for (ZELKinProcedure* procedure : program->GetProcedures()) {
-        auto* layup = qobject_cast<ZELKinRollLayupProcedure*>(procedure);
-        if (!layup)
-            continue;
-        const ZELKinSolutionSeries series = solver->Solve(layup);
-        if (series.GetCount() == 0) {
-            const ZELTPProcedure* source = layup->GetToolPathProcedure();
-            PrintLine(ZELKinTranslator::tr("      Could not successfully find a kinematics solution for procedure "
-                                           "%1. It will be omitted from the program.")
-                          .arg(source ? source->GetName() : QString()));
-            program->RemoveProcedure(layup);
-            continue;
-        }
-        for (int i = 0; i < series.GetCount(); ++i)
-            series.GetSolution(i).Apply(qobject_cast<ZELKinPosition*>(series.GetCommand(i)));
+        if (auto* layup = qobject_cast<ZELKinRollLayupProcedure*>(procedure))
+            layups.append(layup);
     }
+    if (threadCount <= 1) {
+        for (ZELKinRollLayupProcedure* layup : std::as_const(layups))
+            Keep(program, layup, solver->Solve(layup));
+        return;
+    }
+    // Up to threadCount procedures are solved ahead, each on a thread of
+    // its own; the calling thread prints and keeps them in order.
+    std::deque<std::future<SolvedProcedure>> running;
+    qsizetype next = 0;
+    while (next < layups.size() || !running.empty()) {
+        while (next < layups.size() && running.size() < std::size_t(threadCount)) {
+            ZELKinRollLayupProcedure* layup = layups.at(next++);
+            running.push_back(std::async(std::launch::async, [this, layup] { return SolveHoldingLines(layup); }));
+        }
+        const SolvedProcedure solved = running.front().get();
+        running.pop_front();
+        for (const QString& line : solved.lines)
+            PrintLine(line);
+        Keep(program, solved.layup, solved.series);
+    }
+}
+
+ZELKinTranslatorPrivate::SolvedProcedure ZELKinTranslatorPrivate::SolveHoldingLines(
+    ZELKinRollLayupProcedure* layup) const
+{
+    SolvedProcedure solved{layup, ZELKinSolutionSeries(), QStringList()};
+    ZELKinSolverPrivate::HoldLines(&solved.lines);
+    try {
+        solved.series = solver->Solve(layup);
+    } catch (...) {
+        ZELKinSolverPrivate::HoldLines(nullptr);
+        throw;
+    }
+    ZELKinSolverPrivate::HoldLines(nullptr);
+    return solved;
+}
+
+void ZELKinTranslatorPrivate::Keep(ZELKinProgram* program, ZELKinRollLayupProcedure* layup,
+                                   const ZELKinSolutionSeries& series) const
+{
+    if (series.GetCount() == 0) {
+        const ZELTPProcedure* source = layup->GetToolPathProcedure();
+        PrintLine(ZELKinTranslator::tr("      Could not successfully find a kinematics solution for procedure "
+                                       "%1. It will be omitted from the program.")
+                      .arg(source ? source->GetName() : QString()));
+        program->RemoveProcedure(layup);
+        return;
+    }
+    for (int i = 0; i < series.GetCount(); ++i)
+        series.GetSolution(i).Apply(qobject_cast<ZELKinPosition*>(series.GetCommand(i)));
 }
 
 ZELKinTranslator::ZELKinTranslator(ZELKinSolver* solver)
@@ -388,6 +429,12 @@ ZELKinTranslator::ZELKinTranslator(ZELKinTranslatorPrivate* d)
 }
 
 ZELKinTranslator::~ZELKinTranslator() = default;
+
+void ZELKinTranslator::SetThreadCount(int count)
+{
+    Q_D(ZELKinTranslator);
+    d->threadCount = std::max(1, count);
+}
 
 void ZELKinTranslator::SetCurrentDateTime(const QDateTime& now)
 {

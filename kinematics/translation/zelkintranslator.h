@@ -51,6 +51,14 @@ public:
     //! Translate takes the current local date and time.
     void SetCurrentDateTime(const QDateTime& now);
 
+    //! Solves up to `count` roll layup procedures at once, each on a thread
+    //! of its own; 1 (the default, and what anything less is taken as)
+    //! solves them one after the other on the calling thread. The solver
+    //! must then be safe to call from several threads at once, as
+    //! ZELKinRBRSolver is. The program and the lines printed are the same
+    //! whatever the count.
+    void SetThreadCount(int count);
+
     /*!
         Builds the kinematic program of `program` in the container of the
         solver's machine, solves it and returns it; the caller owns it (the

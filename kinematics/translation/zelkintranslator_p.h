@@ -3,11 +3,13 @@
 
 #include "zelkintranslator.h"
 
+#include "zelkinsolutionseries.h"
 #include "zelkintowcommand.h"
 
 #include <zelcomptowmask.h>
 
 #include <QList>
+#include <QStringList>
 
 class ZELKinCourseLink;
 class ZELKinProbeProcedure;
@@ -93,15 +95,29 @@ public:
     void AddProbePositions(ZELKinProbeProcedure* procedure, const ZELTPTrajectory* trajectory,
                            const TipVariables& tip) const;
 
+    //! A roll layup procedure solved, with the solver's lines held back.
+    struct SolvedProcedure
+    {
+        ZELKinRollLayupProcedure* layup;
+        ZELKinSolutionSeries series;
+        QStringList lines;
+    };
+
     //! Solves every roll layup procedure and writes the solutions into its
     //! positions; removes those that have none.
     void Solve(ZELKinProgram* program) const;
+    SolvedProcedure SolveHoldingLines(ZELKinRollLayupProcedure* layup) const;
+    //! Writes the solutions into the procedure's positions, or removes a
+    //! procedure that has none.
+    void Keep(ZELKinProgram* program, ZELKinRollLayupProcedure* layup, const ZELKinSolutionSeries& series) const;
 
     ZELKinTranslator* const q_ptr;
     //! Not owned.
     ZELKinSolver* const solver;
     //! Null until set: programs then take the current date and time.
     QDateTime currentDateTime;
+    //! How many procedures are solved at once.
+    int threadCount = 1;
 };
 
 #endif // ZELKINTRANSLATOR_P_H

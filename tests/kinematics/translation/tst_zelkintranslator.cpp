@@ -1192,6 +1192,57 @@ TEST_F(ZELKinTranslatorTest, DropsALayupThatCannotBeSolvedWithItsMessageAndKeeps
     EXPECT_EQ(output.count(message), 1);
 }
 
+TEST_F(ZELKinTranslatorTest, SolvingLayupsSideBySideGivesTheProgramAndLinesOfSolvingThemOneByOne)
+{
+    Shape second;
+    second.y = 3600.0;
+    Shape turning;
+    turning.halfTurnIndex = 4;
+    builder.AddFlatLayup(QStringLiteral("ply one"), {Shape(), second});
+    builder.AddFlatLayup(QStringLiteral("half turn"), {turning});
+    builder.AddFlatLayup(QStringLiteral("ply three"), {second});
+    builder.AddFlatLayup(QStringLiteral("ply four"), {Shape(), second});
+
+    const ZELKinProgram* oneByOne = Translate();
+    const QString oneByOneOutput = output;
+    ZELKinTranslator translator(solver.get());
+    translator.SetCurrentDateTime(kDate);
+    translator.SetThreadCount(3);
+    const ZELKinProgram* sideBySide = TranslateWith(translator);
+
+    EXPECT_EQ(output, oneByOneOutput);
+    EXPECT_TRUE(output.contains(QStringLiteral("  Processing half turn\n    Kinematics solving failed for course 1 at "
+                                               "point")))
+        << output.toStdString();
+    EXPECT_EQ(output.count(QStringLiteral("It will be omitted from the program.")), 1);
+    ASSERT_EQ(sideBySide->GetNumProcedures(), 3);
+    ASSERT_EQ(oneByOne->GetNumProcedures(), 3);
+    for (int p = 0; p < 3; ++p) {
+        const QList<ZELKinPosition*> expected = PositionsOf(oneByOne->GetProcedure(p));
+        const QList<ZELKinPosition*> actual = PositionsOf(sideBySide->GetProcedure(p));
+        ASSERT_EQ(actual.size(), expected.size());
+        for (qsizetype i = 0; i < actual.size(); ++i) {
+            for (const char* axis : {"X", "Y", "Z", "C", "A", "C1"}) {
+                SCOPED_TRACE(QStringLiteral("procedure %1 position %2 %3").arg(p).arg(i).arg(QLatin1String(axis))
+                                 .toStdString());
+                EXPECT_TRUE(ZELTest::SameDouble(expected.at(i)->GetVariableValue(Axis(axis)),
+                                                actual.at(i)->GetVariableValue(Axis(axis)), ZELTest::kExact));
+            }
+        }
+    }
+}
+
+TEST_F(ZELKinTranslatorTest, AThreadCountBelowOneSolvesOneByOne)
+{
+    builder.AddFlatLayup(QStringLiteral("ply one"));
+    ZELKinTranslator translator(solver.get());
+    translator.SetCurrentDateTime(kDate);
+    translator.SetThreadCount(0);
+    const ZELKinProgram* program = TranslateWith(translator);
+    ASSERT_EQ(program->GetNumProcedures(), 1);
+    EXPECT_EQ(output, QStringLiteral("Translating the program\nSolving kinematics\n  Processing ply one\n"));
+}
+
 TEST_F(ZELKinTranslatorTest, LeavesADroppedLayupUnsolvedInTheContainer)
 {
     Shape turning;

@@ -34,6 +34,12 @@ public:
     VariableValues::const_iterator Find(const ZELKinVariable* variable) const;
     //! Inserts, replaces or (for NaN) removes the variable's value.
     void StoreValue(ZELKinVariable* variable, double value);
+    //! Makes room for `count` values in all, so that a position's values
+    //! cost one allocation of their exact size rather than a doubling
+    //! vector's spare room, on each of millions of positions.
+    void ReserveValues(std::size_t count) { variableValues.reserve(count); }
+
+    static ZELKinPositionPrivate* get(ZELKinPosition* position) { return position->d_func(); }
 
     // A flat list, not a hash: a program holds millions of positions, each
     // with at most the machine's handful of axes. A linear scan over a few

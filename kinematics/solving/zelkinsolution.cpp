@@ -3,6 +3,7 @@
 
 #include "zelkinmachine.h"
 #include "zelkinposition.h"
+#include "zelkinposition_p.h"
 #include "zelkinprogram.h"
 #include "zelkinvariable.h"
 
@@ -181,6 +182,11 @@ void ZELKinSolution::Apply(ZELKinPosition* position) const
     Q_D(const ZELKinSolution);
     if (!position)
         return;
+    // Room for every axis of the machine: posting adds the ones that
+    // solving leaves out.
+    const ZELKinMachine* machine = MachineOf(position);
+    ZELKinPositionPrivate::get(position)->ReserveValues(
+        std::size_t(std::max(machine ? machine->GetVariables().size() : 0, d->values.size())));
     for (const ZELKinSolutionPrivate::Value& entry : d->values)
         position->SetVariableValue(entry.variable, entry.value);
 }

@@ -4,13 +4,12 @@
 #include "zelkinafpmachine.h"
 #include "zelkincourselink.h"
 #include "zelkinncformat_p.h"
+#include "zelkinncstream_p.h"
 #include "zelkinrolllayupposition.h"
 #include "zelkinrolllayupprocedure.h"
 #include "zelkintowcommand.h"
 #include "zelkintowcourse.h"
 #include "zelkintowfeedcommand.h"
-
-#include <QTextStream>
 
 #include <cmath>
 #include <limits>
@@ -94,10 +93,10 @@ ZELKinAFPGCodeCourse::ZELKinAFPGCodeCourse(const ZELKinAFPMachine* machine, cons
     }
 }
 
-void ZELKinAFPGCodeCourse::Write(QTextStream& out, ZELKinTowCourse* course, int listIndex) const
+void ZELKinAFPGCodeCourse::Write(ZELKinNCStream& out, ZELKinTowCourse* course, int listIndex) const
 {
-    ZELKinAFPGCodeMaterialAxis::Prepare(course, machine->GetMaterialVariable());
-    WriteRecordAndEvents(out, course, listIndex);
+    const std::optional<double> offset = ZELKinAFPGCodeMaterialAxis::Prepare(course, machine->GetMaterialVariable());
+    WriteRecordAndEvents(out, course, listIndex, offset);
     WriteTowsRequired(out, course);
     WriteStartChecks(out, course, listIndex);
     WriteApproach(out, course);
@@ -109,17 +108,18 @@ void ZELKinAFPGCodeCourse::Write(QTextStream& out, ZELKinTowCourse* course, int 
     out << "; End of Course #" << listIndex + 1 << " Circuit\n";
 }
 
-void ZELKinAFPGCodeCourse::WriteRecordAndEvents(QTextStream& out, const ZELKinTowCourse* course, int listIndex) const
+void ZELKinAFPGCodeCourse::WriteRecordAndEvents(ZELKinNCStream& out, const ZELKinTowCourse* course, int listIndex,
+                                                std::optional<double> offset) const
 {
     out << ";[COURSE] CourseNumber=" << listIndex + 1 << ",TowRoller=" << course->GetRollerTows()
         << ",TowsUsed=" << course->GetTowMask().GetHexadecimalString() << ",Material=" << material << '\n'
         << ";PMAC1: G400U0\n";
     ZELKinAFPGCodeTowEvents events(machine->GetPinchDistance(), machine->GetMaterialVariable(), splitting);
-    for (const ZELKinAFPGCodeTowEvents::Event& event : events.Collect(course))
+    for (const ZELKinAFPGCodeTowEvents::Event& event : events.Collect(course, offset))
         out << ZELKinAFPGCodeTowEvents::Line(event) << '\n';
 }
 
-void ZELKinAFPGCodeCourse::WriteTowsRequired(QTextStream& out, const ZELKinTowCourse* course)
+void ZELKinAFPGCodeCourse::WriteTowsRequired(ZELKinNCStream& out, const ZELKinTowCourse* course)
 {
     const ZELCompTowMask mask = course->GetTowMask();
     out << "; Tows Required for Course [" << mask.GetHexadecimalString() << "]\n"
@@ -127,7 +127,7 @@ void ZELKinAFPGCodeCourse::WriteTowsRequired(QTextStream& out, const ZELKinTowCo
         << ";[TOW LENGTH]" << TowLengths(course) << '\n';
 }
 
-void ZELKinAFPGCodeCourse::WriteStartChecks(QTextStream& out, const ZELKinTowCourse* course, int listIndex)
+void ZELKinAFPGCodeCourse::WriteStartChecks(ZELKinNCStream& out, const ZELKinTowCourse* course, int listIndex)
 {
     // The first course of a procedure starts the sequence and the ply, and
     // always checks the roller; the later ones only when coming from park.
@@ -147,7 +147,7 @@ void ZELKinAFPGCodeCourse::WriteStartChecks(QTextStream& out, const ZELKinTowCou
         out << prefix << "M84; 16-Tow Roller Loaded\n";
 }
 
-void ZELKinAFPGCodeCourse::WriteApproach(QTextStream& out, const ZELKinTowCourse* course) const
+void ZELKinAFPGCodeCourse::WriteApproach(ZELKinNCStream& out, const ZELKinTowCourse* course) const
 {
     const ZELKinCourseLink* approach = LinkAt(procedure, course->GetIndex());
     const ZELKinPosition* last = approach ? approach->GetLastPosition() : nullptr;
@@ -157,18 +157,24 @@ void ZELKinAFPGCodeCourse::WriteApproach(QTextStream& out, const ZELKinTowCourse
         << kFromPark << "GUD_MATERIAL_REQUIRED=\"" << material << "\"\n"
         << kFromPark << "M27; Verify Material Loaded\n"
         << kFromPark << "RETZ; Retract head\n"
-        << kFromPark << "G0" << words.Words(last, nullptr, {QStringLiteral("Z")}) << ";Last off part point\n"
-        << kFromPark << "G1F" << ZELKinNCFormat::General(ZELKinNCFormat::ToInches(feed)) << ";Last off part point\n"
-        << ";[FROM COURSE]G0" << words.Words(last) << ";Last off part point\n"
+        << kFromPark << "G0";
+    words.Write(out, last, nullptr, {QStringLiteral("Z")});
+    out << ";Last off part point\n"
+        << kFromPark << "G1F" << ZELKinNCFormat::ToInches(feed) << ";Last off part point\n"
+        << ";[FROM COURSE]G0";
+    words.Write(out, last);
+    out << ";Last off part point\n"
         << kFromPark << "MSG(\"Verify compaction roller is above expected starting point on tool\")\n"
         << kFromPark << "M0; Program Stop\n"
         << kFromPark << "MSG(\"\")\n"
-        << "N1G641 ADIS=OFF_PART " << words.Words(last) << "; Last off part point\n"
+        << "N1G641 ADIS=OFF_PART ";
+    words.Write(out, last);
+    out << "; Last off part point\n"
         << ";[FROM COURSE]M7; Check if prior course completed\n"
         << ";[END OF CONDITIONAL BLOCKS]\n";
 }
 
-void ZELKinAFPGCodeCourse::WriteCourseStart(QTextStream& out, const ZELKinTowCourse* course) const
+void ZELKinAFPGCodeCourse::WriteCourseStart(ZELKinNCStream& out, const ZELKinTowCourse* course) const
 {
     out << "GUD_PHASE=\"AFP\"\n"
         << "GUD_PLY_ID=\"" << plyName << "\"\n"
@@ -183,7 +189,7 @@ void ZELKinAFPGCodeCourse::WriteCourseStart(QTextStream& out, const ZELKinTowCou
         << "M19; Turn On Compaction Heater\n";
 }
 
-ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteCourseLines(QTextStream& out,
+ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out,
                                                                      const ZELKinTowCourse* course) const
 {
     const int count = course->GetNumCommands();
@@ -191,6 +197,8 @@ ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteCourseLines(QTextStream
     Written written{first, first ? first->GetNIndex() : 0};
     double previousFeed = first ? ZELKinAFPGCodeAxisWords::EffectiveFeed(first)
                                 : std::numeric_limits<double>::quiet_NaN();
+    // The values of the position last written, read once.
+    ZELKinAFPGCodeAxisWords::AxisValues writtenValues = words.ValuesOf(first);
     TowCodes codes;
     bool firstLine = true;
     // Each line begins with its line end, so that the last one can be
@@ -203,7 +211,10 @@ ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteCourseLines(QTextStream
         if (!position || position == first)
             continue;
         CollectTowCodes(course, i + 1, codes);
-        if (words.IsSamePosition(position, written.position))
+        // Any position here comes after `first`, so there is always one to
+        // compare with.
+        const ZELKinAFPGCodeAxisWords::AxisValues values = words.ValuesOf(position);
+        if (ZELKinAFPGCodeAxisWords::IsSamePosition(values, writtenValues))
             continue;
         const double feed = words.LimitFeed(position->GetFeedrate(), codes.afterAdd, codes.afterCut);
         out << "\nN" << position->GetNIndex();
@@ -213,20 +224,21 @@ ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteCourseLines(QTextStream
         out << "G1";
         if (i == count - 2)
             out << "G642 ADIS=COURSEND ";
-        out << words.Words(position, written.position, QStringList(), codes.text);
+        words.WriteModal(out, position, values, writtenValues, feed, previousFeed, codes.text);
         if (firstLine)
             out << ";First point in course";
         firstLine = false;
         codes = TowCodes();
         previousFeed = feed;
         written = Written{position, position->GetNIndex()};
+        writtenValues = values;
     }
     out << ";Last point in course\n"
         << "OFF_COURSE_MODE\n";
     return written;
 }
 
-ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteOffPartLine(QTextStream& out, const ZELKinTowCourse* course,
+ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,
                                                                      Written written) const
 {
     const int count = course->GetNumCommands();
@@ -234,13 +246,14 @@ ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteOffPartLine(QTextStream
                                  : nullptr;
     if (!last)
         return written;
-    out << 'N' << last->GetNIndex() << "G1G641 ADIS=OFF_PART M5M18" << words.Words(last, written.position)
-        << ";First off part point\n";
+    out << 'N' << last->GetNIndex() << "G1G641 ADIS=OFF_PART M5M18";
+    words.Write(out, last, written.position);
+    out << ";First off part point\n";
     written.position = last;
     return written;
 }
 
-void ZELKinAFPGCodeCourse::WriteRetract(QTextStream& out, const ZELKinTowCourse* course, Written written) const
+void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCourse* course, Written written) const
 {
     const ZELKinCourseLink* retract = LinkAt(procedure, course->GetIndex() + 1);
     if (!retract)
@@ -257,8 +270,9 @@ void ZELKinAFPGCodeCourse::WriteRetract(QTextStream& out, const ZELKinTowCourse*
             started = true;
             continue;
         }
-        out << 'N' << written.lastCourseLineN + 1 + j << "G1G642 ADIS=OFF_PART "
-            << words.Words(position, written.position) << '\n';
+        out << 'N' << written.lastCourseLineN + 1 + j << "G1G642 ADIS=OFF_PART ";
+        words.Write(out, position, written.position);
+        out << '\n';
         written.position = position;
     }
 }

@@ -6,7 +6,9 @@
 
 #include <QString>
 
-class QTextStream;
+#include <optional>
+
+class ZELKinNCStream;
 class ZELKinAFPMachine;
 class ZELKinPosition;
 class ZELKinRollLayupProcedure;
@@ -37,7 +39,7 @@ public:
 
     //! Writes the block of `course`, which stands at `listIndex` in its
     //! procedure's course list.
-    void Write(QTextStream& out, ZELKinTowCourse* course, int listIndex) const;
+    void Write(ZELKinNCStream& out, ZELKinTowCourse* course, int listIndex) const;
 
 private:
     //! The position last written, and the N index of the last line along
@@ -48,16 +50,19 @@ private:
         int lastCourseLineN;
     };
 
-    void WriteRecordAndEvents(QTextStream& out, const ZELKinTowCourse* course, int listIndex) const;
-    static void WriteTowsRequired(QTextStream& out, const ZELKinTowCourse* course);
+    //! `offset` is the "uAxisOffset" of every position of the course, when
+    //! one holds for them all.
+    void WriteRecordAndEvents(ZELKinNCStream& out, const ZELKinTowCourse* course, int listIndex,
+                              std::optional<double> offset) const;
+    static void WriteTowsRequired(ZELKinNCStream& out, const ZELKinTowCourse* course);
     //! The roller checks, which the first course of a procedure always
     //! runs and the later ones only when coming from park.
-    static void WriteStartChecks(QTextStream& out, const ZELKinTowCourse* course, int listIndex);
-    void WriteApproach(QTextStream& out, const ZELKinTowCourse* course) const;
-    void WriteCourseStart(QTextStream& out, const ZELKinTowCourse* course) const;
-    Written WriteCourseLines(QTextStream& out, const ZELKinTowCourse* course) const;
-    Written WriteOffPartLine(QTextStream& out, const ZELKinTowCourse* course, Written written) const;
-    void WriteRetract(QTextStream& out, const ZELKinTowCourse* course, Written written) const;
+    static void WriteStartChecks(ZELKinNCStream& out, const ZELKinTowCourse* course, int listIndex);
+    void WriteApproach(ZELKinNCStream& out, const ZELKinTowCourse* course) const;
+    void WriteCourseStart(ZELKinNCStream& out, const ZELKinTowCourse* course) const;
+    Written WriteCourseLines(ZELKinNCStream& out, const ZELKinTowCourse* course) const;
+    Written WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course, Written written) const;
+    void WriteRetract(ZELKinNCStream& out, const ZELKinTowCourse* course, Written written) const;
 
     const ZELKinAFPMachine* const machine;
     const ZELKinRollLayupProcedure* const procedure;

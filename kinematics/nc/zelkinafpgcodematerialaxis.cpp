@@ -15,16 +15,19 @@ const char* const kUAxisOffsetProperty = "uAxisOffset";
 
 } // namespace
 
-void ZELKinAFPGCodeMaterialAxis::Prepare(ZELKinCourse* course, ZELKinVariable* materialVariable)
+std::optional<double> ZELKinAFPGCodeMaterialAxis::Prepare(ZELKinCourse* course, ZELKinVariable* materialVariable)
 {
     const ZELKinPosition* first = course->GetFirstPosition();
     if (!materialVariable || !first)
-        return;
+        return std::nullopt;
     if (first->IsVariableDefined(materialVariable)) {
-        SetOffsets(course, first->GetVariableValue(materialVariable));
-        return;
+        const double offset = first->GetVariableValue(materialVariable);
+        SetOffsets(course, offset);
+        return offset;
     }
+    // Positions of other kinds than roll layup keep their own offsets.
     SetMaterialLengths(course, materialVariable);
+    return std::nullopt;
 }
 
 double ZELKinAFPGCodeMaterialAxis::MaterialFromCourseStart(const ZELKinPosition* position,

@@ -1,6 +1,8 @@
 #ifndef ZELKINAFPGCODEMATERIALAXIS_P_H
 #define ZELKINAFPGCODEMATERIALAXIS_P_H
 
+#include <optional>
+
 class ZELKinCourse;
 class ZELKinPosition;
 class ZELKinVariable;
@@ -24,7 +26,10 @@ class ZELKinAFPGCodeMaterialAxis
 public:
     ZELKinAFPGCodeMaterialAxis() = delete;
 
-    static void Prepare(ZELKinCourse* course, ZELKinVariable* materialVariable);
+    //! Returns the first position's U when it became the "uAxisOffset" of
+    //! every position of the course, so that a reader of the course need
+    //! not look the property up; empty otherwise.
+    static std::optional<double> Prepare(ZELKinCourse* course, ZELKinVariable* materialVariable);
     //! The position's U value less its "uAxisOffset" when it has one: mm of
     //! material from the course start. NaN without a U value.
     static double MaterialFromCourseStart(const ZELKinPosition* position, const ZELKinVariable* materialVariable);

@@ -4,12 +4,11 @@
 #include "zelkinafpgcodeplies_p.h"
 #include "zelkinafpmachine.h"
 #include "zelkinncformat_p.h"
+#include "zelkinncstream_p.h"
 #include "zelkinposition.h"
 #include "zelkinprogram.h"
 #include "zelkinrolllayupprocedure.h"
 #include "zelkintowcourse.h"
-
-#include <QTextStream>
 
 #include <limits>
 
@@ -25,9 +24,9 @@ double RetractFeedrateOf(const ZELKinRollLayupProcedure* procedure)
     return last ? last->GetFeedrate() : std::numeric_limits<double>::quiet_NaN();
 }
 
-QString Inches(double millimetres)
+ZELKinNCStream::Fixed Inches(double millimetres)
 {
-    return ZELKinNCFormat::Fixed(ZELKinNCFormat::ToInches(millimetres), 6);
+    return {ZELKinNCFormat::ToInches(millimetres), 6};
 }
 
 } // namespace
@@ -39,7 +38,7 @@ ZELKinAFPGCodePly::ZELKinAFPGCodePly(const ZELKinRollLayupProcedure* procedure,
 {
 }
 
-void ZELKinAFPGCodePly::Write(QTextStream& out) const
+void ZELKinAFPGCodePly::Write(ZELKinNCStream& out) const
 {
     WriteHead(out);
     WriteStartUp(out);
@@ -48,7 +47,7 @@ void ZELKinAFPGCodePly::Write(QTextStream& out) const
     WriteEnd(out);
 }
 
-void ZELKinAFPGCodePly::WriteHead(QTextStream& out) const
+void ZELKinAFPGCodePly::WriteHead(ZELKinNCStream& out) const
 {
     const ZELKinProgram* program = procedure->GetProgram();
     const QString plyNumber = ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure);
@@ -64,7 +63,7 @@ void ZELKinAFPGCodePly::WriteHead(QTextStream& out) const
     }
 }
 
-void ZELKinAFPGCodePly::WriteStartUp(QTextStream& out) const
+void ZELKinAFPGCodePly::WriteStartUp(ZELKinNCStream& out) const
 {
     const ZELKinProgram* program = procedure->GetProgram();
     out << ";[BEGIN START-UP CODES]\n"
@@ -94,16 +93,16 @@ void ZELKinAFPGCodePly::WriteStartUp(QTextStream& out) const
         << ",RetractFeedrate=" << Inches(RetractFeedrateOf(procedure)) << '\n';
 }
 
-void ZELKinAFPGCodePly::WritePlyRecords(QTextStream& out) const
+void ZELKinAFPGCodePly::WritePlyRecords(ZELKinNCStream& out) const
 {
     QString lastMaterial;
     for (int i = 0; i < procedure->GetNumPlies(); ++i) {
         const ZELKinPlyDescription ply = procedure->GetPlyDefinition(i);
         // The controller takes the angle in radians here, where the head
         // shows degrees.
-        out << ";[PLY] PlyId=" << ply.GetName() << ",Angle=" << ZELKinNCFormat::Fixed(ply.GetAngle(), 3)
+        out << ";[PLY] PlyId=" << ply.GetName() << ",Angle=" << ZELKinNCStream::Fixed{ply.GetAngle(), 3}
             << ",Method=" << ZELKinAFPGCodePlies::MethodLabel(ply.GetMethod())
-            << ",Area=" << ZELKinNCFormat::Fixed(ply.GetArea(), 3) << '\n';
+            << ",Area=" << ZELKinNCStream::Fixed{ply.GetArea(), 3} << '\n';
         lastMaterial = ply.GetMaterial();
     }
     out << "GUD_MATERIAL_REQUIRED=\"" << lastMaterial << "\"\n"
@@ -113,7 +112,7 @@ void ZELKinAFPGCodePly::WritePlyRecords(QTextStream& out) const
         << "M67; Establish Tool Transformation Frame\n";
 }
 
-void ZELKinAFPGCodePly::WriteCourses(QTextStream& out) const
+void ZELKinAFPGCodePly::WriteCourses(ZELKinNCStream& out) const
 {
     const auto* machine = qobject_cast<const ZELKinAFPMachine*>(procedure->GetProgram()->GetMachine());
     const ZELKinAFPGCodeCourse courseWriter(machine, procedure, splitting);
@@ -124,7 +123,7 @@ void ZELKinAFPGCodePly::WriteCourses(QTextStream& out) const
     }
 }
 
-void ZELKinAFPGCodePly::WriteEnd(QTextStream& out)
+void ZELKinAFPGCodePly::WriteEnd(ZELKinNCStream& out)
 {
     out << "M21; Ply End\n"
         << "M23; Sequence End\n"

@@ -3,7 +3,7 @@
 
 #include "zelkinafpgcodetowevents_p.h"
 
-class QTextStream;
+class ZELKinNCStream;
 class ZELKinRollLayupProcedure;
 
 /*!
@@ -23,14 +23,14 @@ public:
     ZELKinAFPGCodePly(const ZELKinRollLayupProcedure* procedure,
                       const ZELKinAFPGCodeTowEvents::PinchSplitting& splitting);
 
-    void Write(QTextStream& out) const;
+    void Write(ZELKinNCStream& out) const;
 
 private:
-    void WriteHead(QTextStream& out) const;
-    void WriteStartUp(QTextStream& out) const;
-    void WritePlyRecords(QTextStream& out) const;
-    void WriteCourses(QTextStream& out) const;
-    static void WriteEnd(QTextStream& out);
+    void WriteHead(ZELKinNCStream& out) const;
+    void WriteStartUp(ZELKinNCStream& out) const;
+    void WritePlyRecords(ZELKinNCStream& out) const;
+    void WriteCourses(ZELKinNCStream& out) const;
+    static void WriteEnd(ZELKinNCStream& out);
 
     const ZELKinRollLayupProcedure* const procedure;
     const ZELKinAFPGCodeTowEvents::PinchSplitting splitting;

@@ -2,13 +2,12 @@
 
 #include "zelkinafpmachine.h"
 #include "zelkinncformat_p.h"
+#include "zelkinncstream_p.h"
 #include "zelkinposition.h"
 #include "zelkinprobecommand.h"
 #include "zelkinprobeprocedure.h"
 #include "zelkinprogram.h"
 #include "zelkinvariable.h"
-
-#include <QTextStream>
 
 #include <cmath>
 
@@ -17,9 +16,9 @@ namespace {
 constexpr double kMoveTolerance = 0.001;
 constexpr double MillimetresPerInchOfRadius = 2.0 * ZELKinNCFormat::MillimetresPerInch;
 
-QString Inches(double millimetres, int decimals)
+ZELKinNCStream::Fixed Inches(double millimetres, int decimals)
 {
-    return ZELKinNCFormat::Fixed(ZELKinNCFormat::ToInches(millimetres), decimals);
+    return {ZELKinNCFormat::ToInches(millimetres), decimals};
 }
 
 const ZELKinAFPMachine* MachineOf(const ZELKinProbeProcedure* procedure)
@@ -30,11 +29,10 @@ const ZELKinAFPMachine* MachineOf(const ZELKinProbeProcedure* procedure)
 
 // A move word of the incremental move between targets: only for an axis
 // that moves.
-QString MoveWord(char axis, double from, double to)
+void WriteMoveWord(ZELKinNCStream& out, char axis, double from, double to)
 {
-    if (!(std::abs(to - from) > kMoveTolerance))
-        return QString();
-    return QLatin1Char(axis) + ZELKinNCFormat::General(ZELKinNCFormat::ToInches(to - from));
+    if (std::abs(to - from) > kMoveTolerance)
+        out << axis << ZELKinNCFormat::ToInches(to - from);
 }
 
 } // namespace
@@ -47,7 +45,7 @@ ZELKinAFPGCodeProbing::ZELKinAFPGCodeProbing(const ZELKinProbeProcedure* procedu
 {
 }
 
-void ZELKinAFPGCodeProbing::Write(QTextStream& out)
+void ZELKinAFPGCodeProbing::Write(ZELKinNCStream& out)
 {
     if (!CanWrite())
         return;
@@ -89,7 +87,7 @@ void ZELKinAFPGCodeProbing::CollectTargets()
     }
 }
 
-void ZELKinAFPGCodeProbing::WriteStartUp(QTextStream& out) const
+void ZELKinAFPGCodeProbing::WriteStartUp(ZELKinNCStream& out) const
 {
     const ZELKinProgram* program = procedure->GetProgram();
     out << "; Tool Point File processed at " << now.toString(Qt::TextDate) << '\n'
@@ -114,7 +112,7 @@ void ZELKinAFPGCodeProbing::WriteStartUp(QTextStream& out) const
         << "G700\n";
 }
 
-void ZELKinAFPGCodeProbing::WriteModel(QTextStream& out) const
+void ZELKinAFPGCodeProbing::WriteModel(ZELKinNCStream& out) const
 {
     out << ";[RETRACT MODEL] OPMM=SPECIFIED,RetractAxis=Z,RetractValue="
         << Inches(procedure->GetSafetyPlane().GetOrigin().GetZ(), 6) << ",RetractFeedrate=" << Inches(feedrate, 4)
@@ -130,7 +128,7 @@ void ZELKinAFPGCodeProbing::WriteModel(QTextStream& out) const
         << ";[CENTER OF GRAVITY TOLERANCE] Tolerance=9999.0000\n";
 }
 
-void ZELKinAFPGCodeProbing::WriteLocating(QTextStream& out, int target) const
+void ZELKinAFPGCodeProbing::WriteLocating(ZELKinNCStream& out, int target) const
 {
     const int number = target + 1;
     out << ";Start of Locating Process for Point " << number << '\n';
@@ -143,7 +141,7 @@ void ZELKinAFPGCodeProbing::WriteLocating(QTextStream& out, int target) const
         << "M63; Activate Probe Traori\n"
         << "M74; Disable Probe Protection Mode\n"
         << "PRB_SPH (GUD_PROBED_X, GUD_PROBED_Y, GUD_PROBED_Z, " << Inches(toolingRetract, 4) << ", "
-        << ZELKinNCFormat::Fixed(diameter / MillimetresPerInchOfRadius, 4) << "); Initiate Probe Cycle\n"
+        << ZELKinNCStream::Fixed{diameter / MillimetresPerInchOfRadius, 4} << "); Initiate Probe Cycle\n"
         << "M75; Enable Probe Protection Mode\n"
         << "M39; Read Probed Point\n"
         << "RETZ; Retract to Clearance Plane\n"
@@ -151,7 +149,7 @@ void ZELKinAFPGCodeProbing::WriteLocating(QTextStream& out, int target) const
         << ";End of Locating Process for Point " << number << '\n';
 }
 
-void ZELKinAFPGCodeProbing::WriteMoveToTarget(QTextStream& out, int target) const
+void ZELKinAFPGCodeProbing::WriteMoveToTarget(ZELKinNCStream& out, int target) const
 {
     if (target == 0) {
         out << "RETZ; Retract to Clearance Plane\n"
@@ -163,6 +161,8 @@ void ZELKinAFPGCodeProbing::WriteMoveToTarget(QTextStream& out, int target) cons
     const ZELMathPoint& from = targets.at(target - 1);
     const ZELMathPoint& to = targets.at(target);
     out << "G91; Incremental Positioning Mode\n"
-        << "G1" << MoveWord('X', from.GetX(), to.GetX()) << MoveWord('Y', from.GetY(), to.GetY()) << 'F'
-        << ZELKinNCFormat::General(ZELKinNCFormat::ToInches(feedrate)) << "; Position Axes For Next Tooling Point\n";
+        << "G1";
+    WriteMoveWord(out, 'X', from.GetX(), to.GetX());
+    WriteMoveWord(out, 'Y', from.GetY(), to.GetY());
+    out << 'F' << ZELKinNCFormat::ToInches(feedrate) << "; Position Axes For Next Tooling Point\n";
 }

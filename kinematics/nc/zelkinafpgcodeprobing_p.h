@@ -6,7 +6,7 @@
 #include <QDateTime>
 #include <QList>
 
-class QTextStream;
+class ZELKinNCStream;
 class ZELKinProbeProcedure;
 
 /*!
@@ -29,16 +29,16 @@ public:
     //! made.
     ZELKinAFPGCodeProbing(const ZELKinProbeProcedure* procedure, double toolingRetract, const QDateTime& now);
 
-    void Write(QTextStream& out);
+    void Write(ZELKinNCStream& out);
 
 private:
     //! Whether the machine has what the file needs.
     bool CanWrite() const;
     void CollectTargets();
-    void WriteStartUp(QTextStream& out) const;
-    void WriteModel(QTextStream& out) const;
-    void WriteLocating(QTextStream& out, int target) const;
-    void WriteMoveToTarget(QTextStream& out, int target) const;
+    void WriteStartUp(ZELKinNCStream& out) const;
+    void WriteModel(ZELKinNCStream& out) const;
+    void WriteLocating(ZELKinNCStream& out, int target) const;
+    void WriteMoveToTarget(ZELKinNCStream& out, int target) const;
 
     const ZELKinProbeProcedure* const procedure;
     const double toolingRetract;

@@ -3,10 +3,9 @@
 #include "zelkinafpgcodeplies_p.h"
 #include "zelkinafpmachine.h"
 #include "zelkinncformat_p.h"
+#include "zelkinncstream_p.h"
 #include "zelkinprogram.h"
 #include "zelkinrolllayupprocedure.h"
-
-#include <QTextStream>
 
 namespace {
 
@@ -62,9 +61,9 @@ const char* const kFixedConfigParameters = " MINIMUM_TOW_INTERRUPT=0.100\n"
                                            " P_AXIS_COMP_MODE=1\n"
                                            " ENHANCED_OFF_PART_MOTION=ON\n";
 
-QString Distance(double millimetres)
+ZELKinNCStream::Fixed Distance(double millimetres)
 {
-    return ZELKinNCFormat::Fixed(ZELKinNCFormat::ToInches(millimetres), 3);
+    return {ZELKinNCFormat::ToInches(millimetres), 3};
 }
 
 } // namespace
@@ -75,7 +74,7 @@ ZELKinAFPGCodeProgramSet::ZELKinAFPGCodeProgramSet(const ZELKinProgram* program,
 {
 }
 
-void ZELKinAFPGCodeProgramSet::Write(QTextStream& out) const
+void ZELKinAFPGCodeProgramSet::Write(ZELKinNCStream& out) const
 {
     WriteIdentification(out);
     WriteMachineDescription(out);
@@ -84,7 +83,7 @@ void ZELKinAFPGCodeProgramSet::Write(QTextStream& out) const
     WritePlyTable(out);
 }
 
-void ZELKinAFPGCodeProgramSet::WriteIdentification(QTextStream& out) const
+void ZELKinAFPGCodeProgramSet::WriteIdentification(ZELKinNCStream& out) const
 {
     out << "PROGRAM SET ID: " << program->GetOriginalFileName() << '\n'
         << "REVISION      : " << program->GetRevisionNumber() << '\n'
@@ -101,12 +100,12 @@ void ZELKinAFPGCodeProgramSet::WriteIdentification(QTextStream& out) const
         << '\n';
 }
 
-void ZELKinAFPGCodeProgramSet::WriteMachineDescription(QTextStream& out)
+void ZELKinAFPGCodeProgramSet::WriteMachineDescription(ZELKinNCStream& out)
 {
     out << kMachineDescription;
 }
 
-void ZELKinAFPGCodeProgramSet::WriteConfigParameters(QTextStream& out) const
+void ZELKinAFPGCodeProgramSet::WriteConfigParameters(ZELKinNCStream& out) const
 {
     const auto* machine = qobject_cast<const ZELKinAFPMachine*>(program->GetMachine());
     out << "#SYSCOM/CONFIG PARAMETERS\n"
@@ -118,14 +117,14 @@ void ZELKinAFPGCodeProgramSet::WriteConfigParameters(QTextStream& out) const
         << kFixedConfigParameters;
 }
 
-void ZELKinAFPGCodeProgramSet::WritePlyPrograms(QTextStream& out) const
+void ZELKinAFPGCodeProgramSet::WritePlyPrograms(ZELKinNCStream& out) const
 {
     out << "; NC_NUM, VelTRACK Name\n";
     for (const ZELKinRollLayupProcedure* procedure : ZELKinAFPGCodePlies::RollLayupProceduresOf(program))
         out << "; " << ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure) << ", " << procedure->objectName() << '\n';
 }
 
-void ZELKinAFPGCodeProgramSet::WritePlyTable(QTextStream& out) const
+void ZELKinAFPGCodeProgramSet::WritePlyTable(ZELKinNCStream& out) const
 {
     out << '\n'
         << "#PLY TABLE\n"

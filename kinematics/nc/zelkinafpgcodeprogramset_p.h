@@ -3,7 +3,7 @@
 
 #include <QDateTime>
 
-class QTextStream;
+class ZELKinNCStream;
 class ZELKinProgram;
 
 /*!
@@ -26,14 +26,14 @@ public:
     //! `now` is printed as the time the file was made.
     ZELKinAFPGCodeProgramSet(const ZELKinProgram* program, const QDateTime& now);
 
-    void Write(QTextStream& out) const;
+    void Write(ZELKinNCStream& out) const;
 
 private:
-    void WriteIdentification(QTextStream& out) const;
-    static void WriteMachineDescription(QTextStream& out);
-    void WriteConfigParameters(QTextStream& out) const;
-    void WritePlyPrograms(QTextStream& out) const;
-    void WritePlyTable(QTextStream& out) const;
+    void WriteIdentification(ZELKinNCStream& out) const;
+    static void WriteMachineDescription(ZELKinNCStream& out);
+    void WriteConfigParameters(ZELKinNCStream& out) const;
+    void WritePlyPrograms(ZELKinNCStream& out) const;
+    void WritePlyTable(ZELKinNCStream& out) const;
 
     const ZELKinProgram* const program;
     const QDateTime now;

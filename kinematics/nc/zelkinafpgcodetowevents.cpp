@@ -69,13 +69,15 @@ ZELKinAFPGCodeTowEvents::ZELKinAFPGCodeTowEvents(double pinchDistance, const ZEL
 {
 }
 
-QList<ZELKinAFPGCodeTowEvents::Event> ZELKinAFPGCodeTowEvents::Collect(const ZELKinTowCourse* course)
+QList<ZELKinAFPGCodeTowEvents::Event> ZELKinAFPGCodeTowEvents::Collect(const ZELKinTowCourse* course,
+                                                                         std::optional<double> offset)
 {
     Reset(course);
     for (int i = 0; i < course->GetNumCommands(); ++i) {
         const ZELKinCommand* command = course->GetCommand(i);
         if (const auto* position = qobject_cast<const ZELKinPosition*>(command)) {
-            currentU = ZELKinAFPGCodeMaterialAxis::MaterialFromCourseStart(position, materialVariable);
+            currentU = offset ? position->GetVariableValue(materialVariable) - *offset
+                              : ZELKinAFPGCodeMaterialAxis::MaterialFromCourseStart(position, materialVariable);
         } else if (const auto* feed = qobject_cast<const ZELKinTowFeedCommand*>(command)) {
             ApplyFeed(feed);
         } else if (const auto* tow = qobject_cast<const ZELKinTowCommand*>(command)) {

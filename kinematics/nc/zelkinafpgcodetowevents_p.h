@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <limits>
+#include <optional>
 
 class ZELKinTowCommand;
 class ZELKinTowCourse;
@@ -72,8 +73,9 @@ public:
     ZELKinAFPGCodeTowEvents(double pinchDistance, const ZELKinVariable* materialVariable,
                             const PinchSplitting& splitting);
 
-    //! The events of `course`, sorted and merged.
-    QList<Event> Collect(const ZELKinTowCourse* course);
+    //! The events of `course`, sorted and merged. `offset`, when given, is
+    //! the "uAxisOffset" that every position of the course has.
+    QList<Event> Collect(const ZELKinTowCourse* course, std::optional<double> offset = std::nullopt);
 
     //! ";PMAC1: G500U<u>A/B[<hexadecimal mask>]".
     static QString Line(const Event& event);

@@ -4,6 +4,7 @@
 #include "zelkinafpgcodeply_p.h"
 #include "zelkinafpgcodeprobing_p.h"
 #include "zelkinafpgcodeprogramset_p.h"
+#include "zelkinncstream_p.h"
 #include "zelkinprobeprocedure.h"
 #include "zelkinprogram.h"
 #include "zelkinrolllayupprocedure.h"
@@ -159,7 +160,7 @@ void ZELKinAFPGCodeWriter::WriteBundle(ZELKinProgram* program) const
     if (!QDir().mkpath(directory))
         Fatal(tr("Could not create the output directory '%1'").arg(InLatin1(directory)));
     const QString name = program->GetOriginalFileName();
-    WriteFile(outputPath, tr("Could not open the bundle file for writing at: '%1'"), [&](QTextStream& out) {
+    WriteFile(outputPath, tr("Could not open the bundle file for writing at: '%1'"), [&](ZELKinNCStream& out) {
         out << "SetId|" << name << "|\n\n\n\n";
         out << SectionMarker(ProgramSetFileName(name)) << '\n';
         ProgramSetText(program)(out);
@@ -230,7 +231,7 @@ void ZELKinAFPGCodeWriter::ReplaceBundleSection(const QString& plyNumber, const 
         Fatal(tr("Could not find old procedure '%1' in file: '%2'").arg(InLatin1(plyNumber), InLatin1(outputPath)));
 
     oldLines.seek(0);
-    WriteFile(outputPath, tr("Could not open the new bundle file for writing: '%1'"), [&](QTextStream& out) {
+    WriteFile(outputPath, tr("Could not open the new bundle file for writing: '%1'"), [&](ZELKinNCStream& out) {
         for (qint64 i = 0; i < markerLine && oldLines.readLineInto(&line); ++i)
             out << line << '\n';
         QTextStream plyLines(&ply);
@@ -261,9 +262,9 @@ void ZELKinAFPGCodeWriter::WriteFile(const QString& fileName, const QString& fai
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
         Fatal(failure.arg(InLatin1(fileName)));
-    QTextStream out(&file);
+    ZELKinNCStream out(&file);
     write(out);
-    out.flush();
+    out.Flush();
     if (!file.commit())
         Fatal(failure.arg(InLatin1(fileName)));
 }
@@ -276,15 +277,15 @@ void ZELKinAFPGCodeWriter::PrintProgress(const ZELKinProcedure* procedure)
 
 ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::ProgramSetText(const ZELKinProgram* program) const
 {
-    return [this, program](QTextStream& out) { ZELKinAFPGCodeProgramSet(program, now).Write(out); };
+    return [this, program](ZELKinNCStream& out) { ZELKinAFPGCodeProgramSet(program, now).Write(out); };
 }
 
 ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::PlyText(const ZELKinRollLayupProcedure* procedure) const
 {
-    return [this, procedure](QTextStream& out) { ZELKinAFPGCodePly(procedure, splitting).Write(out); };
+    return [this, procedure](ZELKinNCStream& out) { ZELKinAFPGCodePly(procedure, splitting).Write(out); };
 }
 
 ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::ProbingText(const ZELKinProbeProcedure* probe) const
 {
-    return [this, probe](QTextStream& out) { ZELKinAFPGCodeProbing(probe, toolingRetract, now).Write(out); };
+    return [this, probe](ZELKinNCStream& out) { ZELKinAFPGCodeProbing(probe, toolingRetract, now).Write(out); };
 }

@@ -9,7 +9,7 @@
 
 #include <functional>
 
-class QTextStream;
+class ZELKinNCStream;
 class ZELKinProbeProcedure;
 class ZELKinProcedure;
 class ZELKinProgram;
@@ -62,7 +62,7 @@ public:
     void Write(ZELKinProgram* program) const;
 
 private:
-    using TextWriter = std::function<void(QTextStream& out)>;
+    using TextWriter = std::function<void(ZELKinNCStream& out)>;
 
     bool IsBundle() const;
     void WriteDirectory(ZELKinProgram* program) const;

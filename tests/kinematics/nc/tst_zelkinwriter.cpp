@@ -249,6 +249,61 @@ TEST_F(ZELKinWriterTest, WithoutAGivenTimeTheFilesPrintTheTimeOfWriting)
     EXPECT_TRUE(printed >= before.addMSecs(-before.time().msec()) && printed <= after) << lines.first().toStdString();
 }
 
+TEST_F(ZELKinWriterTest, TextOutsideAsciiIsWrittenInUtf8)
+{
+    f.program->SetAuthor(QString::fromUtf8("J\xC3\xA9r\xC3\xB4me"));
+    ZELKinRollLayupProcedure* ply = f.AddLayup(QString::fromUtf8("Pli \xC3\xA9t\xC3\xA9"), QStringLiteral("Layup"));
+    ply->AddPlyDefinition(NCFixture::Ply(QString::fromUtf8("\xE5\xB1\xA4"), QString::fromUtf8("\xC3\x84S4"), 0.0,
+                                         ZELCompStrategy::Angle, 1.0));
+    Write(Output(QStringLiteral("nc")));
+
+    QFile programSet(Output(QStringLiteral("nc/PART/PART.PPSF")));
+    ASSERT_TRUE(programSet.open(QIODevice::ReadOnly));
+    const QByteArray programSetBytes = programSet.readAll();
+    EXPECT_TRUE(programSetBytes.contains("CREATED BY    : J\xC3\xA9r\xC3\xB4me\n"));
+    EXPECT_TRUE(programSetBytes.contains("; 0101, Pli \xC3\xA9t\xC3\xA9\n"));
+    // Padding counts characters, not bytes.
+    EXPECT_TRUE(programSetBytes.contains(" 0101, \xE5\xB1\xA4            ,\xC3\x84S4     ,    0.000,A-ANGLE\n"));
+
+    QFile plyFile(Output(QStringLiteral("nc/PART/PART#0101.PPF")));
+    ASSERT_TRUE(plyFile.open(QIODevice::ReadOnly));
+    const QByteArray plyBytes = plyFile.readAll();
+    EXPECT_TRUE(plyBytes.startsWith("; Sequence 0101 processed by J\xC3\xA9r\xC3\xB4me at "));
+    EXPECT_TRUE(plyBytes.contains(";[PLY] PlyId=\xE5\xB1\xA4,Angle=0.000,Method=A-ANGLE,Area=1.000\n"));
+    EXPECT_TRUE(plyBytes.contains("GUD_MATERIAL_REQUIRED=\"\xC3\x84S4\"\n"));
+}
+
+TEST_F(ZELKinWriterTest, APlyFileOfManyBlocksIsWrittenWholeAndInOrder)
+{
+    // Some twenty thousand motion lines: more than one block of the
+    // writer's buffer. Each position moves one inch along X only.
+    constexpr int kPositions = 20000;
+    ZELKinRollLayupProcedure* ply = f.AddLayup(QStringLiteral("Long"), QStringLiteral("Long"));
+    f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(ply), {25.4, 0.0, 25.4}, 2540.0);
+    ZELKinTowCourse* course = f.AddCourse(ply, 0x1, 16);
+    for (int n = 1; n <= kPositions; ++n)
+        f.AddCoursePosition(course, n, {25.4 * n, 0.0, 0.0}, 2540.0);
+    Write(Output(QStringLiteral("nc")));
+
+    QStringList expected{QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X2.0000;First point in course")};
+    for (int n = 3; n < kPositions - 1; ++n)
+        expected.append(QStringLiteral("N%1G1X%1.0000").arg(n));
+    expected.append(QStringLiteral("N%1G1G642 ADIS=COURSEND X%1.0000;Last point in course").arg(kPositions - 1));
+    expected.append(QStringLiteral("OFF_COURSE_MODE"));
+    const QString text = NCFixture::ReadText(Output(QStringLiteral("nc/PART/PART#0101.PPF")));
+    EXPECT_GT(text.size(), 256 * 1024);
+    EXPECT_EQ(ZELTest::LinesBetween(text, QStringLiteral("COURSE_MODE"), QStringLiteral("OFF_COURSE_MODE")),
+              expected);
+    EXPECT_TRUE(text.endsWith(QStringLiteral("N%1G1G641 ADIS=OFF_PART M5M18X%1.0000;First off part point\n"
+                                             "CHECK_M01; Check Whether Optional Stopping\n"
+                                             "; End of Course #1 Circuit\n"
+                                             "M21; Ply End\n"
+                                             "M23; Sequence End\n"
+                                             "RETZ; Move to clearance point\n"
+                                             "M02\n")
+                                  .arg(kPositions)));
+}
+
 TEST_F(ZELKinWriterTest, AWriterWithoutAProgramWritesNothing)
 {
     ZELKinWriter writer(static_cast<ZELKinProgram*>(nullptr));

@@ -1,0 +1,88 @@
+#ifndef ZELKINNCSTREAM_P_H
+#define ZELKINNCSTREAM_P_H
+
+#include "zelkinematics_export.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringEncoder>
+
+class QIODevice;
+
+/*!
+    Writes NC text into a device through a buffer of its own, so that a
+    file of millions of lines is written in large blocks, is never held in
+    memory whole, and no string is made for a number.
+
+    The bytes are those that a QTextStream at its defaults writes for the
+    same values: strings in UTF-8, integers in decimal, and doubles in the
+    formats of ZELKinNCFormat: `out << value` as QTextStream writes a
+    double, `out << Fixed{value, decimals}` in plain decimal notation.
+    Texts given as `const char*` and chars must be ASCII, as every literal
+    of the NC dialect is.
+
+    Whatever is left in the buffer goes to the device on Flush and when the
+    stream is destroyed. Write errors are the device's to report (a
+    QSaveFile then refuses to commit); the stream throws nothing.
+*/
+class ZELKINEMATICS_EXPORT ZELKinNCStream
+{
+public:
+    //! The size of the blocks handed to the device, in bytes.
+    static constexpr qsizetype DefaultBlockSize = 256 * 1024;
+
+    //! A double in plain decimal notation with `decimals` digits after the
+    //! point, 0 to ZELKinNCFormat::MaximumDecimals.
+    struct Fixed
+    {
+        double value;
+        int decimals;
+    };
+
+    //! `device`, open for writing, must outlive the stream.
+    explicit ZELKinNCStream(QIODevice* device, qsizetype blockSize = DefaultBlockSize);
+    ~ZELKinNCStream();
+
+    ZELKinNCStream& operator<<(const char* text);
+    ZELKinNCStream& operator<<(char c);
+    ZELKinNCStream& operator<<(const QString& text);
+    ZELKinNCStream& operator<<(int value);
+    ZELKinNCStream& operator<<(qint64 value);
+    ZELKinNCStream& operator<<(quint64 value);
+    ZELKinNCStream& operator<<(double value);
+    ZELKinNCStream& operator<<(Fixed number);
+
+    //! Hands what the buffer holds to the device.
+    void Flush();
+
+private:
+    //! Room for `size` more bytes at the end of the buffer.
+    char* Reserve(qsizetype size)
+    {
+        if (used + size > buffer.size())
+            MakeRoom(size);
+        return data + used;
+    }
+    //! The bytes up to `end` are written.
+    void Commit(const char* end) { used = end - data; }
+    //! Flushes the buffer, and lets it grow when `size` is more than a
+    //! block.
+    void MakeRoom(qsizetype size);
+    template <typename Integer>
+    ZELKinNCStream& WriteInteger(Integer value);
+
+    QIODevice* const device;
+    //! A block; only a text longer than that makes it grow.
+    QByteArray buffer;
+    //! The buffer's bytes, kept apart so that writing does not ask the
+    //! byte array whether it is shared each time.
+    char* data;
+    //! The bytes of the buffer not yet handed to the device.
+    qsizetype used = 0;
+    //! Stateless, as every string is written whole.
+    QStringEncoder toUtf8;
+
+    Q_DISABLE_COPY_MOVE(ZELKinNCStream)
+};
+
+#endif // ZELKINNCSTREAM_P_H

@@ -1,0 +1,152 @@
+// The buffered stream of NC text: the bytes a text stream would write, in
+// blocks.
+
+#include <zelkinncformat_p.h>
+#include <zelkinncstream_p.h>
+
+#include <zeltestsupport.h>
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QTextStream>
+
+#include <limits>
+
+namespace {
+
+// The bytes that a QTextStream at its defaults writes for `write`.
+template <typename Write>
+QByteArray TextStreamBytes(Write write)
+{
+    QByteArray bytes;
+    QBuffer device(&bytes);
+    device.open(QIODevice::WriteOnly);
+    QTextStream out(&device);
+    write(out);
+    out.flush();
+    return bytes;
+}
+
+// The bytes that the NC stream writes for `write`.
+template <typename Write>
+QByteArray NCStreamBytes(Write write, qsizetype blockSize = ZELKinNCStream::DefaultBlockSize)
+{
+    QByteArray bytes;
+    QBuffer device(&bytes);
+    device.open(QIODevice::WriteOnly);
+    {
+        ZELKinNCStream out(&device, blockSize);
+        write(out);
+    }
+    return bytes;
+}
+
+struct TextCase
+{
+    const char* name;
+    QString text;
+    const char* utf8;
+};
+ZELTEST_PRINT_CASE_BY_NAME(TextCase);
+
+class ZELKinNCStreamTextTest : public ::testing::TestWithParam<TextCase>
+{
+};
+
+const TextCase kTextCases[] = {
+    {"Ascii", QStringLiteral("Ply A"), "Ply A"},
+    {"Empty", QString(), ""},
+    {"Latin1Letters", QString::fromUtf8("J\xC3\xA9r\xC3\xB4me"), "J\xC3\xA9r\xC3\xB4me"},
+    {"CjkLetters", QString::fromUtf8("\xE5\xB1\xA4 1"), "\xE5\xB1\xA4 1"},
+    {"OutsideTheBasicPlane", QString::fromUtf8("\xF0\x9F\x9B\xA9"), "\xF0\x9F\x9B\xA9"},
+    {"LoneSurrogateBecomesReplacementCharacter", QString(QChar(0xD800)) + QLatin1Char('x'), "\xEF\xBF\xBDx"},
+    {"LoneSurrogateAtTheEnd", QLatin1String("x") + QChar(0xDC00), "x\xEF\xBF\xBD"},
+};
+
+} // namespace
+
+TEST_P(ZELKinNCStreamTextTest, StringsAreWrittenInUtf8AsATextStreamWritesThem)
+{
+    const QString text = GetParam().text;
+    const QByteArray bytes = NCStreamBytes([&](ZELKinNCStream& out) { out << text << '\n'; });
+    EXPECT_EQ(bytes, QByteArray(GetParam().utf8) + '\n');
+    EXPECT_EQ(bytes, TextStreamBytes([&](QTextStream& out) { out << text << '\n'; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, ZELKinNCStreamTextTest, ::testing::ValuesIn(kTextCases));
+
+TEST(ZELKinNCStream, IntegersAreWrittenInDecimalAsATextStreamWritesThem)
+{
+    const auto write = [](auto& out) {
+        out << 0 << ',' << -17 << ',' << std::numeric_limits<int>::min() << ','
+            << std::numeric_limits<qint64>::min() << ',' << std::numeric_limits<quint64>::max();
+    };
+    const QByteArray bytes = NCStreamBytes(write);
+    EXPECT_EQ(bytes, QByteArray("0,-17,-2147483648,-9223372036854775808,18446744073709551615"));
+    EXPECT_EQ(bytes, TextStreamBytes(write));
+}
+
+TEST(ZELKinNCStream, DoublesAreWrittenAsATextStreamWritesThem)
+{
+    const auto write = [](auto& out) {
+        out << 100.0 << ' ' << 39.37007874015748 << ' ' << -1234567.0 << ' ' << 0.0000433 << ' '
+            << std::numeric_limits<double>::quiet_NaN();
+    };
+    const QByteArray bytes = NCStreamBytes(write);
+    EXPECT_EQ(bytes, QByteArray("100 39.3701 -1.23457e+06 4.33e-05 nan"));
+    EXPECT_EQ(bytes, TextStreamBytes(write));
+}
+
+TEST(ZELKinNCStream, FixedNumbersHaveTheDecimalsAsked)
+{
+    const QByteArray bytes = NCStreamBytes([](ZELKinNCStream& out) {
+        out << "X" << ZELKinNCStream::Fixed{10.0, 4} << "Y" << ZELKinNCStream::Fixed{-0.125, 2} << "U"
+            << ZELKinNCStream::Fixed{-0.00001, 4} << "R" << ZELKinNCStream::Fixed{2.5, 0};
+    });
+    EXPECT_EQ(bytes, QByteArray("X10.0000Y-0.13U-0.0000R3"));
+}
+
+TEST(ZELKinNCStream, TextWaitsInTheBufferUntilABlockIsFull)
+{
+    QByteArray bytes;
+    QBuffer device(&bytes);
+    device.open(QIODevice::WriteOnly);
+    ZELKinNCStream out(&device, 16);
+    out << "0123456789";
+    EXPECT_TRUE(bytes.isEmpty());
+    // Ten more bytes do not fit the block: the first ten go to the device.
+    out << "abcdefghij";
+    EXPECT_EQ(bytes, QByteArray("0123456789"));
+    out.Flush();
+    EXPECT_EQ(bytes, QByteArray("0123456789abcdefghij"));
+}
+
+TEST(ZELKinNCStream, NoMoreThanABlockIsHeldBack)
+{
+    constexpr qsizetype kBlockSize = 64;
+    QByteArray bytes;
+    QBuffer device(&bytes);
+    device.open(QIODevice::WriteOnly);
+    ZELKinNCStream out(&device, kBlockSize);
+    QByteArray expected;
+    for (int line = 0; line < 1000; ++line) {
+        out << 'N' << line << "G1X" << ZELKinNCStream::Fixed{line * 0.5, 4} << '\n';
+        expected += 'N' + QByteArray::number(line) + "G1X" + QByteArray::number(line * 0.5, 'f', 4) + '\n';
+        ASSERT_GE(bytes.size(), expected.size() - kBlockSize) << "line " << line;
+    }
+    out.Flush();
+    EXPECT_EQ(bytes, expected);
+}
+
+TEST(ZELKinNCStream, ATextLongerThanABlockIsWrittenWhole)
+{
+    const QString longText = QString(40, QChar(0x00E9)) + QLatin1Char('!');
+    const QByteArray bytes = NCStreamBytes([&](ZELKinNCStream& out) { out << "<" << longText << ">"; }, 16);
+    EXPECT_EQ(bytes, "<" + longText.toUtf8() + ">");
+}
+
+TEST(ZELKinNCStream, DestroyingTheStreamWritesWhatIsLeft)
+{
+    const QByteArray bytes = NCStreamBytes([](ZELKinNCStream& out) { out << "M02\n"; });
+    EXPECT_EQ(bytes, QByteArray("M02\n"));
+}

@@ -52,7 +52,6 @@ void ZELKinAFPGCodeMaterialAxis::SetMaterialLengths(ZELKinCourse* course, ZELKin
             lastTip = tip;
         }
         position->SetVariableValue(materialVariable, length);
-        position->setProperty(kUAxisOffsetProperty, 0.0);
     }
 }
 

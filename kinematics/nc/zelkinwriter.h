@@ -18,9 +18,10 @@ class ZELKinWriterPrivate;
 
     Writing adds dynamic properties to the program's objects: "PlyNum" on
     each roll layup procedure (101, 102, ... in program order), and on the
-    course positions "uAxisOffset" and "actualFeedrate"; a course whose
-    first position has no material (U) value gets U values measured along
-    its toolpath points, in mm of material from the course start.
+    course positions "actualFeedrate", and "uAxisOffset" when the course's
+    first position has a material (U) value; a course whose first position
+    has none gets U values measured along its toolpath points, in mm of
+    material from the course start.
 
     Progress ("  Writing " and the name of each procedure's toolpath
     procedure) goes to standard output. A folder that cannot be made or a

@@ -10,10 +10,10 @@
 #include <zelsysexception.h>
 
 #include <QStringList>
+#include <QVarLengthArray>
 #include <QtDebug>
 
 #include <cmath>
-#include <limits>
 #include <tuple>
 
 namespace {
@@ -39,17 +39,40 @@ bool IsFinite(const ZELMathAxis& frame)
         && IsFinite(frame.GetVDirection()) && IsFinite(frame.GetWDirection());
 }
 
-// The signed angle from `zero` to `direction` seen in the plane across the
-// rotation axis of `joint`. A direction along the axis has no angle there: it
-// gives 0, and `projected` (when asked for) says false.
-double AngleAbout(const ZELMathAxis& joint, const ZELMathVector& direction, const ZELMathVector2D& zero,
-                  bool* projected = nullptr)
+using WristAxis = ZELKinRBRSolverPrivate::WristAxis;
+
+// Candidate angles of one joint: the angle itself and at most
+// kMaxStepsEachWay steps either way, listed without touching the heap.
+using Angles = QVarLengthArray<double, 1 + 2 * kMaxStepsEachWay>;
+
+// One wrist configuration found for a tool frame (rad).
+struct WristAngles
+{
+    double firstRoll;
+    double bend;
+    double secondRoll;
+};
+
+// Real frames give a handful of configurations; only wrists with endless
+// or huge ranges give more, and those may take the heap.
+using Configurations = QVarLengthArray<WristAngles, 32>;
+
+// The signed angle from `zero` to `direction` seen in `plane`, the plane
+// across a joint's rotation axis. A direction along the axis has no angle
+// there: it gives 0, and `projected` (when asked for) says false.
+double AngleIn(const ZELMathPlane& plane, const ZELMathVector& direction, const ZELMathVector2D& zero,
+               bool* projected = nullptr)
 {
     ZELMathVector2D inPlane;
-    const int status = ZELMathAxis::GetPlane(joint, kRotationAxis).Project(direction, inPlane);
+    const int status = plane.Project(direction, inPlane);
     if (projected)
         *projected = status == ZELMathPlane::kProjected;
     return zero.GetAngleTo(inPlane);
+}
+
+double AngleAbout(const ZELMathAxis& joint, const ZELMathVector& direction, const ZELMathVector2D& zero)
+{
+    return AngleIn(ZELMathAxis::GetPlane(joint, kRotationAxis), direction, zero);
 }
 
 // Turns `joint` about its rotation axis and carries along what is mounted on
@@ -63,60 +86,61 @@ void Turn(ZELMathAxis& joint, double angle, Mounted&... mounted)
     std::apply([&](const auto&... each) { ((mounted = joint * each), ...); }, local);
 }
 
-// A NaN limit is no limit on its side, as is an infinite one.
-double MinimumOf(const ZELKinVariable* variable)
+// The variable that drives `joint` and its limits. A NaN limit is no limit
+// on its side, as is an infinite one.
+WristAxis WristAxisOf(const ZELKinRotaryJoint* joint)
 {
-    const double minimum = variable->GetMinimum();
-    return std::isnan(minimum) ? -std::numeric_limits<double>::infinity() : minimum;
-}
-
-double MaximumOf(const ZELKinVariable* variable)
-{
-    const double maximum = variable->GetMaximum();
-    return std::isnan(maximum) ? std::numeric_limits<double>::infinity() : maximum;
+    WristAxis axis;
+    axis.variable = joint->GetVariable(0);
+    if (axis.variable) {
+        const double minimum = axis.variable->GetMinimum();
+        const double maximum = axis.variable->GetMaximum();
+        if (!std::isnan(minimum))
+            axis.minimum = minimum;
+        if (!std::isnan(maximum))
+            axis.maximum = maximum;
+    }
+    return axis;
 }
 
 // An angle known modulo half a turn, moved by half turns into the range
 // where the range allows it.
-double IntoRange(double angle, const ZELKinVariable* variable)
+double IntoRange(double angle, const WristAxis& axis)
 {
-    for (int step = 0; step < kMaxStepsEachWay && angle < MinimumOf(variable); ++step)
+    for (int step = 0; step < kMaxStepsEachWay && angle < axis.minimum; ++step)
         angle += kPi;
-    for (int step = 0; step < kMaxStepsEachWay && angle > MaximumOf(variable); ++step)
+    for (int step = 0; step < kMaxStepsEachWay && angle > axis.maximum; ++step)
         angle -= kPi;
     return angle;
 }
 
-// The angles `step` apart from `angle`: first those below it while above the
-// minimum, then those above it while below the maximum.
-QList<double> TurnsFrom(double angle, double step, const ZELKinVariable* variable)
+// Appends the angles `step` apart from `angle`: first those below it while
+// above the minimum, then those above it while below the maximum.
+void AppendTurnsFrom(Angles& angles, double angle, double step, const WristAxis& axis)
 {
-    QList<double> angles;
-    for (int k = 1; k <= kMaxStepsEachWay && angle - k * step > MinimumOf(variable); ++k)
+    for (int k = 1; k <= kMaxStepsEachWay && angle - k * step > axis.minimum; ++k)
         angles.append(angle - k * step);
-    for (int k = 1; k <= kMaxStepsEachWay && angle + k * step < MaximumOf(variable); ++k)
+    for (int k = 1; k <= kMaxStepsEachWay && angle + k * step < axis.maximum; ++k)
         angles.append(angle + k * step);
-    return angles;
 }
 
-QList<double> FirstRollCandidates(double theta, const ZELKinVariable* variable)
+Angles FirstRollCandidates(double theta, const WristAxis& axis)
 {
     // Half a turn of the first roll brings the bend plane back onto the
     // normal, which another bend may then reach.
-    return QList<double>{theta} + TurnsFrom(theta, kPi, variable);
+    Angles angles;
+    angles.append(theta);
+    AppendTurnsFrom(angles, theta, kPi, axis);
+    return angles;
 }
 
-QList<double> SecondRollCandidates(double angle, const ZELKinVariable* variable)
+Angles SecondRollCandidates(double angle, const WristAxis& axis)
 {
-    QList<double> angles;
-    if (angle > MinimumOf(variable) && angle < MaximumOf(variable))
+    Angles angles;
+    if (angle > axis.minimum && angle < axis.maximum)
         angles.append(angle);
-    return angles + TurnsFrom(angle, 2.0 * kPi, variable);
-}
-
-bool IsOutside(double angle, const ZELKinVariable* variable)
-{
-    return angle < MinimumOf(variable) || angle > MaximumOf(variable);
+    AppendTurnsFrom(angles, angle, 2.0 * kPi, axis);
+    return angles;
 }
 
 // The only child of `joint`, which must be rotary; throws `countMessage` when
@@ -158,27 +182,7 @@ ZELMathVector ReadVector(const QString& value)
                          coordinates.at(2).simplified().toDouble());
 }
 
-ZELKinVariable* DrivingVariable(const ZELKinRotaryJoint* joint)
-{
-    return joint ? joint->GetVariable(0) : nullptr;
-}
-
 } // namespace
-
-ZELKinVariable* ZELKinRBRSolverPrivate::FirstRollVariable() const
-{
-    return DrivingVariable(firstRoll);
-}
-
-ZELKinVariable* ZELKinRBRSolverPrivate::BendVariable() const
-{
-    return DrivingVariable(bend);
-}
-
-ZELKinVariable* ZELKinRBRSolverPrivate::SecondRollVariable() const
-{
-    return DrivingVariable(secondRoll);
-}
 
 void ZELKinRBRSolverPrivate::FindWrist()
 {
@@ -200,6 +204,12 @@ void ZELKinRBRSolverPrivate::FindWrist()
             }
         }
     }
+    if (!firstRoll)
+        return;
+    firstRollAxis = WristAxisOf(firstRoll);
+    bendAxis = WristAxisOf(bend);
+    secondRollAxis = WristAxisOf(secondRoll);
+    firstRollVector = firstRoll->GetVector();
 }
 
 void ZELKinRBRSolverPrivate::FindCarrier()
@@ -245,11 +255,14 @@ void ZELKinRBRSolverPrivate::BuildFrames()
     firstRollFrame = JointFrame(firstRoll, firstRollReference);
     bendFrame = JointFrame(bend, bendReference);
     secondRollFrame = JointFrame(secondRoll, secondRollReference);
+    firstRollPlane = ZELMathAxis::GetPlane(firstRollFrame, kRotationAxis);
+    bendOnFirstRoll = bendFrame / firstRollFrame;
+    secondRollOnFirstRoll = secondRollFrame / firstRollFrame;
 }
 
 ZELMathVector ZELKinRBRSolverPrivate::TipOffset(const ZELKinSolution& solution) const
 {
-    ZELKinVariable* const wrist[] = {FirstRollVariable(), BendVariable(), SecondRollVariable()};
+    ZELKinVariable* const wrist[] = {firstRollAxis.variable, bendAxis.variable, secondRollAxis.variable};
     for (ZELKinVariable* variable : {wrist[0], wrist[1], wrist[2], x, y, z}) {
         if (!solution.IsDefined(variable))
             qFatal("%s", qPrintable(ZELKinRBRSolver::tr("Solution is not complete.")));
@@ -285,10 +298,10 @@ ZELKinSolution ZELKinRBRSolverPrivate::WithLinear(ZELKinSolution solution, const
 ZELKinSolution ZELKinRBRSolverPrivate::WristSolution(double firstRollValue, double bendValue,
                                                      double secondRollValue, const ZELMathPoint& point) const
 {
-    ZELKinSolution solution;
-    solution.SetVariableValue(FirstRollVariable(), firstRollValue);
-    solution.SetVariableValue(BendVariable(), bendValue);
-    solution.SetVariableValue(SecondRollVariable(), secondRollValue);
+    ZELKinSolution solution = solutionTemplate;
+    solution.SetVariableValue(firstRollAxis.variable, firstRollValue);
+    solution.SetVariableValue(bendAxis.variable, bendValue);
+    solution.SetVariableValue(secondRollAxis.variable, secondRollValue);
     solution.SetTraori(true);
     return WithLinear(solution, point);
 }
@@ -303,6 +316,8 @@ ZELKinRBRSolver::ZELKinRBRSolver(ZELKinRBRSolverPrivate* d)
 {
     d->FindWrist();
     d->FindCarrier();
+    // Built from the empty template, so in the order WristSolution sets the values.
+    d->solutionTemplate = d->WristSolution(0.0, 0.0, 0.0, ZELMathPoint());
 }
 
 ZELKinRBRSolver::~ZELKinRBRSolver() = default;
@@ -327,8 +342,8 @@ ZELKinSolution ZELKinRBRSolver::Solve(const ZELMathAxis& frame, double fraction,
     const auto blend = [&](ZELKinVariable* variable) {
         return to.GetVariableValue(variable) * fraction + from.GetVariableValue(variable) * (1.0 - fraction);
     };
-    return d->WristSolution(blend(d->FirstRollVariable()), blend(d->BendVariable()),
-                            blend(d->SecondRollVariable()), d->RollerCentre(frame));
+    return d->WristSolution(blend(d->firstRollAxis.variable), blend(d->bendAxis.variable),
+                            blend(d->secondRollAxis.variable), d->RollerCentre(frame));
 }
 
 QList<ZELKinSolution> ZELKinRBRSolver::Solve(const ZELMathAxis& frame, bool traori) const
@@ -340,47 +355,53 @@ QList<ZELKinSolution> ZELKinRBRSolver::Solve(const ZELMathAxis& frame, bool trao
     const ZELMathVector travel = frame.GetUDirection();
     const ZELMathVector2D firstRollZero(0.0, 1.0);
     const ZELMathVector2D wristZero(1.0, 0.0);
-    const ZELKinVariable* firstRollVariable = d->FirstRollVariable();
-    const ZELKinVariable* bendVariable = d->BendVariable();
-    const ZELKinVariable* secondRollVariable = d->SecondRollVariable();
 
     // The first roll turns the bend axis across the normal; along the first
     // roll axis any turn does, and the direction of travel decides it.
     double theta = 0.0;
     bool bringIntoRange = true;
-    if (normal.GetAngleTo(d->firstRoll->GetVector()) < d->normalTolerance) {
+    if (normal.GetAngleTo(d->firstRollVector) < d->normalTolerance) {
         if (!traori)
             return {ZELKinSolution()};
-        theta = AngleAbout(d->firstRollFrame, travel, firstRollZero, &bringIntoRange);
+        theta = AngleIn(d->firstRollPlane, travel, firstRollZero, &bringIntoRange);
     } else {
-        theta = AngleAbout(d->firstRollFrame, normal, firstRollZero);
+        theta = AngleIn(d->firstRollPlane, normal, firstRollZero);
     }
     if (std::isnan(theta))
         return {};
     if (bringIntoRange)
-        theta = IntoRange(theta, firstRollVariable);
+        theta = IntoRange(theta, d->firstRollAxis);
 
-    const ZELMathPoint rollerCentre = d->RollerCentre(frame);
-    QList<ZELKinSolution> solutions;
-    for (const double firstRoll : FirstRollCandidates(theta, firstRollVariable)) {
+    // The configurations are gathered first so that the list of solutions
+    // is allocated once, at its size.
+    Configurations found;
+    for (const double firstRoll : FirstRollCandidates(theta, d->firstRollAxis)) {
+        // Turning the first roll carries along the bend and second roll
+        // frames, which sit on it as they do at home.
         ZELMathAxis firstRollFrame = d->firstRollFrame;
-        ZELMathAxis bendFrame = d->bendFrame;
-        ZELMathAxis secondRollFrame = d->secondRollFrame;
-        Turn(firstRollFrame, firstRoll, bendFrame, secondRollFrame);
+        ZELMathAxis::Tilt(firstRollFrame, kRotationAxis, firstRoll);
+        ZELMathAxis bendFrame = firstRollFrame * d->bendOnFirstRoll;
 
         double bend = AngleAbout(bendFrame, -normal, wristZero);
-        if (std::isnan(bend) || IsOutside(bend, bendVariable))
+        if (std::isnan(bend) || d->bendAxis.IsOutside(bend))
             continue;
         if (std::abs(bend) < d->normalTolerance)
             bend = 0.0;
+        ZELMathAxis secondRollFrame = firstRollFrame * d->secondRollOnFirstRoll;
         Turn(bendFrame, bend, secondRollFrame);
 
         const double secondRoll = AngleAbout(secondRollFrame, travel, wristZero);
         if (std::isnan(secondRoll))
             continue;
-        for (const double candidate : SecondRollCandidates(secondRoll, secondRollVariable))
-            solutions.append(d->WristSolution(firstRoll, bend, candidate, rollerCentre));
+        for (const double candidate : SecondRollCandidates(secondRoll, d->secondRollAxis))
+            found.append(WristAngles{firstRoll, bend, candidate});
     }
+
+    const ZELMathPoint rollerCentre = d->RollerCentre(frame);
+    QList<ZELKinSolution> solutions;
+    solutions.reserve(found.size());
+    for (const WristAngles& angles : found)
+        solutions.append(d->WristSolution(angles.firstRoll, angles.bend, angles.secondRoll, rollerCentre));
     return solutions;
 }
 
@@ -405,13 +426,13 @@ ZELMathPoint ZELKinRBRSolver::GetTipPoint(const ZELKinSolution& solution) const
 bool ZELKinRBRSolver::IsContiguous(const ZELKinSolution& a, const ZELKinSolution& b, Continuity mode) const
 {
     Q_D(const ZELKinRBRSolver);
-    const double firstRollChange =
-        a.GetVariableValue(d->FirstRollVariable()) - b.GetVariableValue(d->FirstRollVariable());
-    const double secondRollChange =
-        a.GetVariableValue(d->SecondRollVariable()) - b.GetVariableValue(d->SecondRollVariable());
+    ZELKinVariable* const firstRoll = d->firstRollAxis.variable;
+    ZELKinVariable* const secondRoll = d->secondRollAxis.variable;
+    const double firstRollChange = a.GetVariableValue(firstRoll) - b.GetVariableValue(firstRoll);
+    const double secondRollChange = a.GetVariableValue(secondRoll) - b.GetVariableValue(secondRoll);
     if (mode == ContinuityFull) {
-        const bool bendKeepsItsSide =
-            (a.GetVariableValue(d->BendVariable()) < 0.0) == (b.GetVariableValue(d->BendVariable()) < 0.0);
+        ZELKinVariable* const bend = d->bendAxis.variable;
+        const bool bendKeepsItsSide = (a.GetVariableValue(bend) < 0.0) == (b.GetVariableValue(bend) < 0.0);
         // While the bend keeps its side, turning both rolls the same way cancels out.
         if (bendKeepsItsSide)
             return std::abs(firstRollChange + secondRollChange) < kPi / 2.0 && std::abs(firstRollChange) < kPi;
@@ -425,8 +446,10 @@ bool ZELKinRBRSolver::IsContiguous(const ZELKinSolution& a, const ZELKinSolution
 double ZELKinRBRSolver::ComputeCost(const ZELKinSolution& a, const ZELKinSolution& b) const
 {
     Q_D(const ZELKinRBRSolver);
-    return std::abs(a.GetVariableValue(d->FirstRollVariable()) - b.GetVariableValue(d->FirstRollVariable()))
-        + std::abs(a.GetVariableValue(d->SecondRollVariable()) - b.GetVariableValue(d->SecondRollVariable()));
+    ZELKinVariable* const firstRoll = d->firstRollAxis.variable;
+    ZELKinVariable* const secondRoll = d->secondRollAxis.variable;
+    return std::abs(a.GetVariableValue(firstRoll) - b.GetVariableValue(firstRoll))
+        + std::abs(a.GetVariableValue(secondRoll) - b.GetVariableValue(secondRoll));
 }
 
 void ZELKinRBRSolver::SetAngleTolerance(double tolerance)

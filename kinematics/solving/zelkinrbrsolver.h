@@ -27,8 +27,10 @@ class ZELKinRBRSolverPrivate;
     third level of the joint tree (the carriers of the wrist) hangs a chain of
     three rotary joints, first roll, bend, second roll, each the only child of
     the one before; when several third-level joints exist, the last one walked
-    wins. The joints' reference frames are built by Configure, which must run
-    before any solving.
+    wins. The variables driving the wrist joints and their limits are read
+    then too, once: the machine must not change under its solver. The
+    joints' reference frames are built by Configure, which must run before
+    any solving.
 
     Each candidate loop of Solve takes at most eight steps either way (eight
     half turns of the first roll, eight full turns of the second), so

@@ -5,8 +5,11 @@
 #include "zelkinsolver_p.h"
 
 #include <zelmathaxis.h>
+#include <zelmathplane.h>
 #include <zelmathpoint.h>
 #include <zelmathvector.h>
+
+#include <limits>
 
 class ZELKinRotaryJoint;
 class ZELKinVariable;
@@ -16,6 +19,21 @@ class ZELKinRBRSolverPrivate : public ZELKinSolverPrivate
     Q_DECLARE_PUBLIC(ZELKinRBRSolver)
 
 public:
+    /*!
+        A wrist variable with its limits (rad) as solving reads them: a NaN
+        limit, no limit on its side, is already an infinite one. The machine
+        does not change under its solver, so this is read once, when the
+        wrist is found, rather than for every tool frame.
+    */
+    struct WristAxis
+    {
+        ZELKinVariable* variable = nullptr;
+        double minimum = -std::numeric_limits<double>::infinity();
+        double maximum = std::numeric_limits<double>::infinity();
+
+        bool IsOutside(double angle) const { return angle < minimum || angle > maximum; }
+    };
+
     ZELKinRBRSolverPrivate(ZELKinRBRSolver* q, ZELKinMachine* machine)
         : ZELKinSolverPrivate(q, machine)
     {
@@ -42,19 +60,36 @@ public:
     //! Tool tip with every axis at zero (mm).
     ZELMathPoint tipPoint;
 
-    //! The variables that drive the wrist joints; null for a missing joint.
-    ZELKinVariable* FirstRollVariable() const;
-    ZELKinVariable* BendVariable() const;
-    ZELKinVariable* SecondRollVariable() const;
+    // What solving a tool frame needs of the machine and the frames, kept
+    // here so that the per-frame path reads no joint and builds no frame or
+    // plane that does not depend on the frame.
+    //! The variables that drive the wrist joints (each joint's variable 0)
+    //! and their limits, read when the wrist is found; null for a missing joint.
+    WristAxis firstRollAxis;
+    WristAxis bendAxis;
+    WristAxis secondRollAxis;
+    //! The first roll's rotation vector as its joint gives it (not normalised).
+    ZELMathVector firstRollVector;
+    //! Plane 1 of firstRollFrame, in which the first roll angle is measured.
+    ZELMathPlane firstRollPlane;
+    //! bendFrame and secondRollFrame in the coordinates of firstRollFrame:
+    //! what the first roll carries along when it turns.
+    ZELMathAxis bendOnFirstRoll;
+    ZELMathAxis secondRollOnFirstRoll;
+    //! What WristSolution starts from: a TRAORI solution that already
+    //! defines the wrist variables and X, Y, Z in the order it sets them, so
+    //! that a new solution takes one allocation and replaces values in place.
+    ZELKinSolution solutionTemplate;
 
-    //! Walks the joint tree of the machine for the wrist; throws as the
-    //! solver's constructor.
+    //! Walks the joint tree of the machine for the wrist and reads its
+    //! variables; throws as the solver's constructor.
     void FindWrist();
     //! Stores the X, Y, Z variables and the roller radius of the machine.
     void FindCarrier();
     //! Reads one "key: value" item of the configuration text.
     void ReadItem(const QString& item);
-    //! Builds the three joint frames from the joints and the references.
+    //! Builds the three joint frames from the joints and the references,
+    //! then firstRollPlane, bendOnFirstRoll and secondRollOnFirstRoll from them.
     void BuildFrames();
     //! The TRAORI offset of `solution`: how far the wrist moves the tool tip
     //! from its home position. Fatal for an incomplete solution.
@@ -65,7 +100,8 @@ public:
     ZELMathPoint LinearPoint(const ZELKinSolution& solution) const;
     //! `solution` with X, Y, Z set to `point`.
     ZELKinSolution WithLinear(ZELKinSolution solution, const ZELMathPoint& point) const;
-    //! A TRAORI solution of the three wrist values with X, Y, Z at `point`.
+    //! A TRAORI solution of the three wrist values with X, Y, Z at `point`,
+    //! the variables in the order first roll, bend, second roll, X, Y, Z.
     ZELKinSolution WristSolution(double firstRollValue, double bendValue, double secondRollValue,
                                  const ZELMathPoint& point) const;
 };

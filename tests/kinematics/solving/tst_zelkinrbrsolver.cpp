@@ -1206,3 +1206,70 @@ INSTANTIATE_TEST_SUITE_P(Moves, ZELKinRBRSolverCost,
                                            CostCase{"BothRollsCountTheirDistance", 1.0, 0.0, -1.0, -0.5, 0.0, 0.5, 3.0},
                                            CostCase{"OppositeRollsDoNotCancel", 1.0, 0.0, 1.0, 0.0, 0.0, 2.0, 2.0}),
                          CaseName<CostCase>);
+
+TEST(ZELKinRBRSolver, EndlessRollsListEveryHalfTurnOfTheFirstWithEveryWholeTurnOfTheSecond)
+{
+    WristRanges ranges;
+    ranges.firstRoll = {-kInfinity, kInfinity};
+    // A bend range of a whole turn keeps the bends of every half turn of C.
+    ranges.bend = {-3.2, 3.2};
+    ranges.secondRoll = {-kInfinity, kInfinity};
+    Configured configured(ranges);
+    // Seen along X the normal lies 0.3 rad counter-clockwise of +Z.
+    const ZELMathVector normal = Unit(0.2, -std::sin(0.3), std::cos(0.3));
+    const ZELMathVector travel = Unit(0.0, std::cos(0.3), std::sin(0.3));
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(Frame(ZELMathPoint(), travel, normal), false);
+
+    // Seventeen first rolls, each with seventeen second rolls: far more
+    // candidates than a real wrist gives, and every one of them in order.
+    const Gantry& g = configured.gantry;
+    const std::vector<double> firstRolls = EightHalfTurnsEachWay();
+    const std::size_t perFirstRoll = 17;
+    ASSERT_EQ(std::size_t(solutions.size()), firstRolls.size() * perFirstRoll);
+    for (std::size_t run = 0; run < firstRolls.size(); ++run) {
+        const ZELKinSolution& head = solutions.at(qsizetype(run * perFirstRoll));
+        const double secondRoll = head.GetVariableValue(g.c1);
+        std::vector<double> expected{secondRoll};
+        for (const double value : Turns(secondRoll, -2.0 * kPi, 8))
+            expected.push_back(value);
+        for (const double value : Turns(secondRoll, 2.0 * kPi, 8))
+            expected.push_back(value);
+        std::vector<double> secondRolls;
+        for (std::size_t i = run * perFirstRoll; i < (run + 1) * perFirstRoll; ++i) {
+            const ZELKinSolution& solution = solutions.at(qsizetype(i));
+            EXPECT_TRUE(ZELTest::SameDouble(firstRolls[run], solution.GetVariableValue(g.c), 1e-12));
+            EXPECT_TRUE(ZELTest::SameDouble(head.GetVariableValue(g.a), solution.GetVariableValue(g.a), ZELTest::kExact));
+            secondRolls.push_back(solution.GetVariableValue(g.c1));
+        }
+        EXPECT_TRUE(SameValues(expected, secondRolls, 1e-12)) << "first roll " << firstRolls[run];
+    }
+}
+
+TEST(ZELKinRBRSolver, SolutionsDefineTheWristThenTheRollerCentreInThatOrder)
+{
+    Configured configured;
+    const Gantry& g = configured.gantry;
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(
+        Frame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1)), false);
+    ASSERT_FALSE(solutions.isEmpty());
+    const QList<ZELKinVariable*> expected{g.c, g.a, g.c1, g.x, g.y, g.z};
+    for (const ZELKinSolution& solution : solutions)
+        EXPECT_EQ(solution.GetDefinedVariables(), expected);
+}
+
+TEST(ZELKinRBRSolver, ABlendWithAnEndWithoutTheBendLeavesTheBendUndefined)
+{
+    Configured configured;
+    const Gantry& g = configured.gantry;
+    const ZELKinSolution from = g.Solution(ZELMathPoint(1, 2, 3), 0.0, 0.2, 1.0);
+    ZELKinSolution to = g.Solution(ZELMathPoint(4, 5, 6), 1.0, 0.4, -1.0);
+    to.SetVariableValue(g.a, kNaN);
+    const ZELKinSolution result = configured.solver.Solve(
+        Frame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1)), 0.25, from, to);
+    EXPECT_FALSE(result.IsDefined(g.a));
+    const QList<ZELKinVariable*> expected{g.c, g.c1, g.x, g.y, g.z};
+    EXPECT_EQ(result.GetDefinedVariables(), expected);
+    EXPECT_TRUE(ZELTest::SameDouble(0.25, result.GetVariableValue(g.c), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(0.5, result.GetVariableValue(g.c1), ZELTest::kTight));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(7, 8, 39), configured.solver.GetTipPoint(result), ZELTest::kTight));
+}

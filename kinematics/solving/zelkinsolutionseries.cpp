@@ -10,13 +10,13 @@
 namespace {
 
 using Chunk = ZELKinSolutionSeriesChunk;
-using Page = ZELKinSolutionSeriesPage;
+using Book = ZELKinSolutionSeriesBook;
 using Store = ZELKinSolutionSeriesStore;
 
-// Pages needed for `entries` entries.
-int PagesFor(int entries)
+// Books needed for `entries` entries.
+int BooksFor(int entries)
 {
-    return (entries + Page::kEntries - 1) / Page::kEntries;
+    return (entries + Book::kEntries - 1) / Book::kEntries;
 }
 
 } // namespace
@@ -28,31 +28,19 @@ QExplicitlySharedDataPointer<Chunk> Chunk::Head(int length) const
     return head;
 }
 
-QExplicitlySharedDataPointer<Page> Page::Head(int length) const
-{
-    QExplicitlySharedDataPointer<Page> head(new Page);
-    const int fullChunks = length / Chunk::kSize;
-    std::copy_n(chunks.cbegin(), fullChunks, head->chunks.begin());
-    if (const int rest = length % Chunk::kSize)
-        head->chunks[fullChunks] = chunks[fullChunks]->Head(rest);
-    return head;
-}
-
-Store::ZELKinSolutionSeriesStore(int pageCapacity)
-    : pages(pageCapacity)
+Store::ZELKinSolutionSeriesStore(int bookCapacity)
+    : books(std::size_t(bookCapacity))
 {
 }
 
 int Store::GetCapacity() const
 {
-    return int(pages.size()) * Page::kEntries;
+    return int(books.size()) * Book::kEntries;
 }
 
 const ZELKinSolutionSeriesEntry& Store::At(int index) const
 {
-    const Page& page = *pages[index / Page::kEntries];
-    const Chunk& chunk = *page.chunks[index % Page::kEntries / Chunk::kSize];
-    return chunk.entries[index % Chunk::kSize];
+    return books[std::size_t(index / Book::kEntries)]->At(index % Book::kEntries);
 }
 
 bool Store::Claim(int index)
@@ -65,30 +53,27 @@ bool Store::Claim(int index)
 
 void Store::Write(int index, ZELKinCommand* command, const ZELKinSolution& solution)
 {
-    // Only the claimant of a page's or chunk's first slot creates it; the
-    // claimants of the later slots come after it.
-    QExplicitlySharedDataPointer<Page>& page = pages[index / Page::kEntries];
-    if (!page)
-        page.reset(new Page);
-    QExplicitlySharedDataPointer<Chunk>& chunk = page->chunks[index % Page::kEntries / Chunk::kSize];
-    if (!chunk)
-        chunk.reset(new Chunk);
-    ZELKinSolutionSeriesEntry& entry = chunk->entries[index % Chunk::kSize];
+    // Only the claimant of a book's, page's or chunk's first slot creates
+    // it; the claimants of the later slots come after it.
+    QExplicitlySharedDataPointer<Book>& book = books[std::size_t(index / Book::kEntries)];
+    if (!book)
+        book.reset(new Book);
+    ZELKinSolutionSeriesEntry& entry = book->Make(index % Book::kEntries);
     entry.command = command;
     entry.solution = solution;
 }
 
 QExplicitlySharedDataPointer<Store> Store::Fork(int length, int room) const
 {
-    // Doubling the page table when it has to grow keeps the copying of the
-    // table amortised over the appends that filled it.
-    const int capacity = int(pages.size());
-    const int needed = PagesFor(room);
+    // Doubling the table of books when it has to grow keeps its copying
+    // amortised over the appends that filled it.
+    const int capacity = int(books.size());
+    const int needed = BooksFor(room);
     QExplicitlySharedDataPointer<Store> fork(new Store(needed <= capacity ? capacity : std::max(2 * capacity, needed)));
-    const int fullPages = length / Page::kEntries;
-    std::copy_n(pages.cbegin(), fullPages, fork->pages.begin());
-    if (const int rest = length % Page::kEntries)
-        fork->pages[fullPages] = pages[fullPages]->Head(rest);
+    const int fullBooks = length / Book::kEntries;
+    std::copy_n(books.cbegin(), fullBooks, fork->books.begin());
+    if (const int rest = length % Book::kEntries)
+        fork->books[std::size_t(fullBooks)] = books[std::size_t(fullBooks)]->Head(rest);
     fork->claimed.store(length, std::memory_order_relaxed);
     return fork;
 }

@@ -8,7 +8,9 @@
 #include <QSharedData>
 
 #include <array>
+#include <algorithm>
 #include <atomic>
+#include <type_traits>
 #include <vector>
 
 //! A command of a series with the solution chosen for it.
@@ -27,38 +29,78 @@ class ZELKinSolutionSeriesChunk : public QSharedData
 {
 public:
     static constexpr int kSize = 64;
+    static constexpr int kEntries = kSize;
 
     //! A new chunk holding copies of the first `length` entries.
     QExplicitlySharedDataPointer<ZELKinSolutionSeriesChunk> Head(int length) const;
 
+    const ZELKinSolutionSeriesEntry& At(int index) const { return entries[std::size_t(index)]; }
+    ZELKinSolutionSeriesEntry& At(int index) { return entries[std::size_t(index)]; }
+
     std::array<ZELKinSolutionSeriesEntry, kSize> entries;
 };
 
-//! A run of consecutive chunks, shared on the same terms as a chunk.
-class ZELKinSolutionSeriesPage : public QSharedData
+/*!
+    A run of consecutive parts (chunks, or nodes of chunks), shared on the
+    same terms as a chunk. Nodes stack into a tree of fixed fan-out, so
+    that forking a series copies a few pointers a level, however long the
+    series.
+*/
+template <typename Part>
+class ZELKinSolutionSeriesNode : public QSharedData
 {
 public:
     static constexpr int kSize = 64;
-    static constexpr int kEntries = kSize * ZELKinSolutionSeriesChunk::kSize;
+    static constexpr int kEntries = kSize * Part::kEntries;
 
-    //! A new page holding the first `length` entries: it shares the chunks
+    //! A new node holding the first `length` entries: it shares the parts
     //! that lie wholly within them and copies the one that is partly used.
-    QExplicitlySharedDataPointer<ZELKinSolutionSeriesPage> Head(int length) const;
+    QExplicitlySharedDataPointer<ZELKinSolutionSeriesNode> Head(int length) const
+    {
+        QExplicitlySharedDataPointer<ZELKinSolutionSeriesNode> head(new ZELKinSolutionSeriesNode);
+        const int fullParts = length / Part::kEntries;
+        std::copy_n(parts.cbegin(), fullParts, head->parts.begin());
+        if (const int rest = length % Part::kEntries)
+            head->parts[std::size_t(fullParts)] = parts[std::size_t(fullParts)]->Head(rest);
+        return head;
+    }
 
-    std::array<QExplicitlySharedDataPointer<ZELKinSolutionSeriesChunk>, kSize> chunks;
+    const ZELKinSolutionSeriesEntry& At(int index) const
+    {
+        return parts[std::size_t(index / Part::kEntries)]->At(index % Part::kEntries);
+    }
+
+    //! The entry, making the parts on the way to it that do not exist yet.
+    ZELKinSolutionSeriesEntry& Make(int index)
+    {
+        QExplicitlySharedDataPointer<Part>& part = parts[std::size_t(index / Part::kEntries)];
+        if (!part)
+            part.reset(new Part);
+        if constexpr (std::is_same_v<Part, ZELKinSolutionSeriesChunk>)
+            return part->At(index % Part::kEntries);
+        else
+            return part->Make(index % Part::kEntries);
+    }
+
+    std::array<QExplicitlySharedDataPointer<Part>, kSize> parts;
 };
+
+//! 4 096 entries.
+using ZELKinSolutionSeriesPage = ZELKinSolutionSeriesNode<ZELKinSolutionSeriesChunk>;
+//! 262 144 entries.
+using ZELKinSolutionSeriesBook = ZELKinSolutionSeriesNode<ZELKinSolutionSeriesPage>;
 
 /*!
     The append-only entries that copies of one series share. Its length is
     the number of slots claimed so far; a series whose own length equals it
-    may claim the next slot and write it. The page table keeps its size for
-    the life of the store, so that one thread may write a slot while others
-    read the slots before it.
+    may claim the next slot and write it. The table of books keeps its size
+    for the life of the store, so that one thread may write a slot while
+    others read the slots before it.
 */
 class ZELKinSolutionSeriesStore : public QSharedData
 {
 public:
-    explicit ZELKinSolutionSeriesStore(int pageCapacity);
+    explicit ZELKinSolutionSeriesStore(int bookCapacity);
 
     const ZELKinSolutionSeriesEntry& At(int index) const;
     //! Claims slot `index` for the caller when it is the next free slot and
@@ -75,7 +117,7 @@ private:
 
     //! The store's length: slots below it are taken.
     std::atomic<int> claimed{0};
-    std::vector<QExplicitlySharedDataPointer<ZELKinSolutionSeriesPage>> pages;
+    std::vector<QExplicitlySharedDataPointer<ZELKinSolutionSeriesBook>> books;
 };
 
 class ZELKinSolutionSeriesPrivate : public QSharedData

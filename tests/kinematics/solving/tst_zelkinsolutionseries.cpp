@@ -19,7 +19,7 @@ namespace {
 // for the positions of a procedure.
 ZELKinCommand* Command(int number)
 {
-    static std::array<char, 1 << 16> places;
+    static std::array<char, 1 << 20> places;
     return reinterpret_cast<ZELKinCommand*>(&places.at(std::size_t(number)));
 }
 
@@ -411,12 +411,16 @@ TEST_P(ZELKinSolutionSeriesFork, CopiesExtendedDifferentlyEachReadTheirOwnEntrie
     EXPECT_TRUE(Holds(base, Joined(Range(0, shared), Range(40000, 2))));
 }
 
-// Lengths around the chunk (64 entries) and page (4096 entries) boundaries.
+// Lengths around the chunk (64 entries), page (4096 entries) and book
+// (262 144 entries) boundaries.
 INSTANTIATE_TEST_SUITE_P(SharedLengths, ZELKinSolutionSeriesFork,
                          ::testing::Values(ForkCase{"Empty", 0}, ForkCase{"One", 1}, ForkCase{"ChunkLessOne", 63},
                                            ForkCase{"Chunk", 64}, ForkCase{"ChunkAndOne", 65},
                                            ForkCase{"PageLessOne", 4095}, ForkCase{"Page", 4096},
-                                           ForkCase{"PageAndOne", 4097}, ForkCase{"TwoPagesAndAHalfChunk", 8224}),
+                                           ForkCase{"PageAndOne", 4097}, ForkCase{"TwoPagesAndAHalfChunk", 8224},
+                                           ForkCase{"BookLessOne", 262143}, ForkCase{"Book", 262144},
+                                           ForkCase{"BookAndOne", 262145},
+                                           ForkCase{"TwoBooksAPageAndAHalfChunk", 528416}),
                          [](const ::testing::TestParamInfo<ForkCase>& info) { return std::string(info.param.name); });
 
 TEST_F(ZELKinSolutionSeriesTest, EveryCopyInAChainOfCopiesKeepsItsLength)

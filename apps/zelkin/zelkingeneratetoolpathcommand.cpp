@@ -7,9 +7,9 @@
 #include "zelkintoolpathpart.h"
 
 #include <zelsysexception.h>
+#include <zeltpfilename.h>
 
 
-#include <algorithm>
 #include <memory>
 
 namespace {
@@ -101,7 +101,7 @@ public:
         if (!m_parsed.IsSet(NameOption))
             return fallback;
         const QString name = m_parsed.GetValue(NameOption);
-        if (!IsValidName(name))
+        if (!ZELTPFileName::IsValid(name))
             throw ZELKinUsageError(QStringLiteral("invalid program name '%1': it must not be empty or hold '/', "
                                                   "'\\', '..' or control characters")
                                        .arg(name),
@@ -110,15 +110,6 @@ public:
     }
 
 private:
-    // The name becomes the base of file names when the program is posted.
-    static bool IsValidName(const QString& name)
-    {
-        if (name.isEmpty() || name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\'))
-            || name.contains(QLatin1String("..")))
-            return false;
-        return std::none_of(name.cbegin(), name.cend(), [](QChar c) { return c.category() == QChar::Other_Control; });
-    }
-
     QString m_command;
     ZELKinArguments m_parsed;
 };

@@ -2,6 +2,10 @@
 #include "zelkinwriter_p.h"
 
 #include "zelkinafpgcodewriter_p.h"
+#include "zelkinprogram.h"
+
+#include <zelsysexception.h>
+#include <zeltpfilename.h>
 
 ZELKinWriter::ZELKinWriter(ZELKinWriterPrivate* d)
     : d_ptr(d)
@@ -32,6 +36,13 @@ void ZELKinWriter::Write(const QString& path, const QString& format, const QStri
     Q_D(ZELKinWriter);
     if (format != QLatin1String("IngersollAFPGCode") || !d->program)
         return;
+    // The name becomes a folder and the base of every file name: one that
+    // could step out of `path` is refused before anything is written.
+    const QString name = d->program->GetOriginalFileName();
+    const QString problem = ZELTPFileName::GetProblem(name);
+    if (!problem.isEmpty())
+        throw ZELSysException(
+            QStringLiteral("cannot write the NC files of the program '%1': its %2").arg(name, problem));
     ZELKinAFPGCodeWriter writer(path);
     writer.SetOptions(options);
     if (!d->plyToProcess.isEmpty())

@@ -59,7 +59,12 @@ public:
         "pinch-max-length" and "pinch-release-length" (mm) are read and
         others ignored; a value that is not a number reads as 0.
 
-        Throws nothing of its own; the process ends as described above.
+        Throws ZELSysException "cannot write the NC files of the program
+        '<name>': its name contains '..'" (or another of the problems that
+        ZELTPFileName names) before anything is written, when the program's
+        original file name could not stay a single file name in `path`;
+        otherwise nothing of its own, and the process ends as described
+        above.
     */
     void Write(const QString& path, const QString& format, const QString& options);
 

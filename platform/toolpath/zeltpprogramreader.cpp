@@ -1,6 +1,7 @@
 #include "zeltpprogramreader.h"
 #include "zeltpprogramreader_p.h"
 
+#include "zeltpfilename.h"
 #include "zeltpformatexception.h"
 #include "zeltpoffpartpoint.h"
 #include "zeltponparttrajectory.h"
@@ -278,24 +279,13 @@ QString ReadOptionalString(const Value& object, const char* key, const QString& 
     return text ? text->GetString() : fallback;
 }
 
-// A name that becomes part of file names: not empty, and without path
-// separators, parent-directory steps or control characters.
+// A name that becomes part of file names.
 QString ReadName(const Value& value)
 {
     const QString name = value.GetString();
-    if (name.isEmpty())
-        value.Fail(ZELTPProgramReader::tr("name is empty"));
-    for (const QChar character : name) {
-        if (character.unicode() == 0)
-            value.Fail(ZELTPProgramReader::tr("name contains a NUL character"));
-        if (character.category() == QChar::Other_Control)
-            value.Fail(ZELTPProgramReader::tr("name contains the control character U+%1")
-                           .arg(QString::number(character.unicode(), 16).toUpper().rightJustified(4, QLatin1Char('0'))));
-        if (character == QLatin1Char('/') || character == QLatin1Char('\\'))
-            value.Fail(ZELTPProgramReader::tr("name contains the path separator '%1'").arg(character));
-    }
-    if (name.contains(QLatin1String("..")))
-        value.Fail(ZELTPProgramReader::tr("name contains '..'"));
+    const QString problem = ZELTPFileName::GetProblem(name);
+    if (!problem.isEmpty())
+        value.Fail(problem);
     return name;
 }
 

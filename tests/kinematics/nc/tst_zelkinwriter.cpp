@@ -6,6 +6,8 @@
 
 #include <zelkintestprocedure.h>
 
+#include <zelsysexception.h>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -124,6 +126,50 @@ TEST_F(ZELKinWriterTest, AnUnknownFormatWritesNothing)
     Write(Output(QStringLiteral("out.bun")), QString(), QStringLiteral("Other"));
     EXPECT_EQ(EntriesOf(Output()), QStringList());
 }
+
+namespace {
+
+struct UnsafeNameCase
+{
+    const char* name;
+    QString programName;
+    const char* message;
+};
+ZELTEST_PRINT_CASE_BY_NAME(UnsafeNameCase);
+
+class ZELKinWriterUnsafeName : public ZELKinWriterTest, public ::testing::WithParamInterface<UnsafeNameCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinWriterUnsafeName, IsRefusedBeforeAnythingIsWrittenInEveryLayout)
+{
+    f.BuildPart();
+    f.program->SetOriginalFileName(GetParam().programName);
+    for (const QString& target : {QStringLiteral("nc"), QStringLiteral("nc/PART.bun"), QStringLiteral("nc/PART.aptsource")}) {
+        SCOPED_TRACE(target.toStdString());
+        EXPECT_THROW_MESSAGE(Write(Output(target)), ZELSysException, GetParam().message);
+    }
+    EXPECT_EQ(EntriesOf(Output()), QStringList());
+    EXPECT_FALSE(QFileInfo::exists(QDir(Output()).filePath(QStringLiteral("../escaped"))));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Names, ZELKinWriterUnsafeName,
+    ::testing::Values(
+        UnsafeNameCase{"ParentStep", QStringLiteral("../escaped"),
+                       "cannot write the NC files of the program '../escaped': its name contains the path separator "
+                       "'/'"},
+        UnsafeNameCase{"TwoDots", QStringLiteral(".."),
+                       "cannot write the NC files of the program '..': its name contains '..'"},
+        UnsafeNameCase{"Backslash", QStringLiteral("a\\b"),
+                       "cannot write the NC files of the program 'a\\b': its name contains the path separator '\\'"},
+        UnsafeNameCase{"Control", QStringLiteral("a\x01"),
+                       "cannot write the NC files of the program 'a\x01': its name contains the control character "
+                       "U+0001"},
+        UnsafeNameCase{"Empty", QString(), "cannot write the NC files of the program '': its name is empty"}),
+    [](const ::testing::TestParamInfo<UnsafeNameCase>& info) { return std::string(info.param.name); });
 
 TEST_F(ZELKinWriterTest, APathEndingInAptsourceWritesABundleBesideItAndNoDirectory)
 {
@@ -366,21 +412,26 @@ TEST_F(ZELKinWriterTest, AnOutputDirectoryThatCannotBeMadeEndsTheProcess)
                  ZELTest::Literally(QStringLiteral("Could not create the output directory '%1'").arg(path)));
 }
 
+// Longer than a file name may be (255 bytes), so that no folder of that
+// name can be made, not even by root.
+const QString kOverlongName(300, QLatin1Char('P'));
+
 TEST_F(ZELKinWriterTest, APartOutputDirectoryThatCannotBeMadeEndsTheProcess)
 {
     UseForkingDeathTests();
     f.BuildPart();
-    f.program->SetOriginalFileName(QStringLiteral("missing/PART"));
+    f.program->SetOriginalFileName(kOverlongName);
     EXPECT_DEATH(Write(Output(QStringLiteral("nc"))),
-                 ZELTest::Literally(QStringLiteral("Could not create the part output directory 'missing/PART'")));
+                 ZELTest::Literally(QStringLiteral("Could not create the part output directory '%1'").arg(kOverlongName)));
 }
 
 TEST_F(ZELKinWriterTest, TheNameInAFatalMessageIsWrittenInLatin1)
 {
     UseForkingDeathTests();
-    f.program->SetOriginalFileName(QStringLiteral("missing/\u00e9\u0141"));
+    f.program->SetOriginalFileName(kOverlongName + QStringLiteral("\u00e9\u0141"));
     EXPECT_DEATH(Write(Output(QStringLiteral("nc"))),
-                 ZELTest::Literally(QStringLiteral("Could not create the part output directory 'missing/\u00e9?'")));
+                 ZELTest::Literally(QStringLiteral("Could not create the part output directory '%1\u00e9?'")
+                                        .arg(kOverlongName)));
 }
 
 namespace {

@@ -1,0 +1,28 @@
+#ifndef ZELTPFILENAME_H
+#define ZELTPFILENAME_H
+
+#include "zeltoolpath_export.h"
+
+#include <QString>
+
+/*!
+    The rule for names that become part of file names when a program is
+    posted (a program's name, a procedure's): one path component that stays
+    in the folder it is written to. Such a name is not empty and holds no
+    path separator ('/' or '\'), no "..", no NUL and no control character.
+    Nothing declared here throws.
+*/
+class ZELTOOLPATH_EXPORT ZELTPFileName
+{
+public:
+    ZELTPFileName() = delete;
+
+    //! What makes `name` unfit, as a sentence about the name ("name is
+    //! empty", "name contains '..'", "name contains the path separator
+    //! '/'", "name contains a NUL character", "name contains the control
+    //! character U+001B"); empty when the name is fit.
+    static QString GetProblem(const QString& name);
+    static bool IsValid(const QString& name) { return GetProblem(name).isEmpty(); }
+};
+
+#endif // ZELTPFILENAME_H

@@ -6,8 +6,8 @@
 
 #include <QBuffer>
 #include <QByteArray>
-#include <QDomDocument>
 #include <QFile>
+#include <QXmlStreamReader>
 
 namespace {
 
@@ -16,12 +16,14 @@ ZELSysException CannotRead(const QFile& file)
     return ZELSysException(QStringLiteral("cannot read %1: %2").arg(file.fileName(), file.errorString()));
 }
 
+// Reads no more than one byte past the largest description the loader
+// takes, so that a huge file costs no memory and still gets its message.
 QByteArray ReadFile(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw CannotRead(file);
-    const QByteArray text = file.readAll();
+    const QByteArray text = file.read(ZELKinMachineLoader::MaximumDescriptionBytes + 1);
     // A read that fails half-way (a network share gone, say) must not pass
     // for a short description.
     if (file.error() != QFileDevice::NoError)
@@ -31,15 +33,19 @@ QByteArray ReadFile(const QString& path)
 
 // The loader takes a document that does not parse for an empty one, which
 // would be reported as "not an AFP machine description", far from the fault.
+// A streaming pass keeps no tree, so nesting of any depth costs it nothing;
+// a description too large is left to the loader's own message.
 void RequireWellFormed(const QString& path, const QByteArray& text)
 {
-    QDomDocument document;
-    QString message;
-    int line = 0;
-    int column = 0;
-    if (!document.setContent(text, false, &message, &line, &column))
+    if (text.size() > ZELKinMachineLoader::MaximumDescriptionBytes)
+        return;
+    QXmlStreamReader reader(text);
+    while (!reader.atEnd())
+        reader.readNext();
+    if (reader.hasError())
         throw ZELSysException(QStringLiteral("%1:%2:%3: %4")
-                                  .arg(path, QString::number(line), QString::number(column), message));
+                                  .arg(path, QString::number(reader.lineNumber()),
+                                       QString::number(reader.columnNumber()), reader.errorString()));
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include <QDomDocument>
 #include <QDomElement>
 #include <QDomNodeList>
+#include <QXmlStreamReader>
 #include <QtDebug>
 
 #include <array>
@@ -18,6 +19,37 @@
 #include <optional>
 
 namespace {
+
+// Deep nesting makes the DOM parser slow beyond use: the bounds keep such
+// input away from it.
+constexpr qint64 kMaximumDescriptionBytes = ZELKinMachineLoader::MaximumDescriptionBytes;
+constexpr int kMaximumDepth = ZELKinMachineLoader::MaximumDepth;
+
+QByteArray ReadBounded(QIODevice* device)
+{
+    const QByteArray bytes = device ? device->read(kMaximumDescriptionBytes + 1) : QByteArray();
+    if (bytes.size() > kMaximumDescriptionBytes)
+        throw ZELSysException(ZELKinMachineLoader::tr("The machine description is larger than %1 bytes")
+                                  .arg(kMaximumDescriptionBytes));
+    return bytes;
+}
+
+// A streaming pass, which keeps no tree, finds nesting too deep before the
+// DOM parser sees it. A syntax error ends the pass; the DOM parser finds it
+// again.
+void CheckDepth(const QByteArray& bytes)
+{
+    QXmlStreamReader reader(bytes);
+    int depth = 0;
+    while (!reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::StartElement && ++depth > kMaximumDepth)
+            throw ZELSysException(ZELKinMachineLoader::tr("The machine description nests elements deeper than %1 levels")
+                                      .arg(kMaximumDepth));
+        if (token == QXmlStreamReader::EndElement)
+            --depth;
+    }
+}
 
 constexpr double RadiansPerDegree = 0.017453292519943295;
 constexpr double RadiansPerSecondPerDegreePerMinute = 0.0002908882086657216;
@@ -96,10 +128,12 @@ ZELKinMachineLoader::~ZELKinMachineLoader() = default;
 
 ZELKinMachine* ZELKinMachineLoader::LoadFromXML(QIODevice* device) const
 {
+    const QByteArray bytes = ReadBounded(device);
+    CheckDepth(bytes);
     QDomDocument document;
     // The parser keeps what it built before an error; a description that
     // does not parse must read as an empty one, so that part is dropped.
-    if (!document.setContent(device, false))
+    if (!document.setContent(bytes, false))
         document = QDomDocument();
     const QDomElement root = document.documentElement();
 

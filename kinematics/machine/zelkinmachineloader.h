@@ -30,6 +30,15 @@ class ZELKINEMATICS_EXPORT ZELKinMachineLoader
     Q_DECLARE_TR_FUNCTIONS(ZELKinMachineLoader)
 
 public:
+    //! The largest description LoadFromXML reads, in bytes: descriptions
+    //! are a few kilobytes, and the bound keeps hostile input from the DOM
+    //! parser.
+    static constexpr qint64 MaximumDescriptionBytes = qint64(4) << 20;
+    //! The deepest nesting of elements LoadFromXML accepts, the root
+    //! counting as the first level.
+    static constexpr int MaximumDepth = 64;
+
+public:
     //! The loader creates its objects in `container` (not owned).
     explicit ZELKinMachineLoader(ZELGeoContainer* container);
     virtual ~ZELKinMachineLoader();
@@ -40,7 +49,11 @@ public:
     //! empty one.
     //!
     //! Throws ZELSysException for a description that breaks a rule (the
-    //! machine's, a variable's or a joint's messages). Objects created before
+    //! machine's, a variable's or a joint's messages), and, before parsing
+    //! it, for one larger than MaximumDescriptionBytes ("The machine
+    //! description is larger than 4194304 bytes") or nesting elements deeper
+    //! than MaximumDepth ("The machine description nests elements deeper
+    //! than 64 levels"). Objects created before
     //! the failure stay in the container. A description without exactly one
     //! "variables" and one "joints" element, or a variable without
     //! "max-accel", ends the process through Qt's fatal message handler.

@@ -7,6 +7,7 @@
 #include <QBuffer>
 #include <QMap>
 
+#include <cstring>
 #include <functional>
 #include <ostream>
 
@@ -979,3 +980,63 @@ INSTANTIATE_TEST_SUITE_P(
 </machine>)",
                   "No 'max-accel' attribute specified on machine variable."}),
     CaseName<FatalCase>);
+
+// Bounds on what reaches the DOM parser.
+
+namespace {
+
+// The gantry with `levels` levels of unknown elements nested in its root,
+// which the loader passes over.
+QByteArray GantryWithNesting(int levels)
+{
+    QByteArray xml(kGantry);
+    const QByteArray nested = QByteArray("<n>").repeated(levels) + QByteArray("</n>").repeated(levels);
+    xml.replace("</machine>", nested + "</machine>");
+    return xml;
+}
+
+} // namespace
+
+TEST(ZELKinMachineLoaderBounds, ElementsNestedSixtyFourLevelsDeepLoad)
+{
+    ZELGeoContainer container;
+    // The root is the first level.
+    EXPECT_NE(Load(container, GantryWithNesting(63)), nullptr);
+}
+
+TEST(ZELKinMachineLoaderBounds, ElementsNestedDeeperThanSixtyFourLevelsAreRefusedBeforeParsing)
+{
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(Load(container, GantryWithNesting(64)), ZELSysException,
+                         "The machine description nests elements deeper than 64 levels");
+    EXPECT_EQ(container.GetNumGeometries(), 0);
+}
+
+TEST(ZELKinMachineLoaderBounds, HalfAMillionNestedElementsEndInTheSameErrorAtOnce)
+{
+    ZELGeoContainer container;
+    const QByteArray hostile = "<machine type=\"AFP\">" + QByteArray("<a>").repeated(500000)
+        + QByteArray("</a>").repeated(500000) + "</machine>";
+    EXPECT_THROW_MESSAGE(Load(container, hostile), ZELSysException,
+                         "The machine description nests elements deeper than 64 levels");
+}
+
+TEST(ZELKinMachineLoaderBounds, ADescriptionLargerThanFourMebibytesIsRefusedBeforeParsing)
+{
+    ZELGeoContainer container;
+    QByteArray xml(kGantry);
+    xml.replace("<machine ", "<!-- " + QByteArray(4 << 20, 'x') + " -->\n<machine ");
+    EXPECT_THROW_MESSAGE(Load(container, xml), ZELSysException,
+                         "The machine description is larger than 4194304 bytes");
+    EXPECT_EQ(container.GetNumGeometries(), 0);
+}
+
+TEST(ZELKinMachineLoaderBounds, ADescriptionOfExactlyFourMebibytesIsRead)
+{
+    ZELGeoContainer container;
+    QByteArray xml(kGantry);
+    const qsizetype padding = (qsizetype(4) << 20) - xml.size() - qsizetype(std::strlen("<!--  -->\n"));
+    xml.replace("<machine ", "<!-- " + QByteArray(padding, 'x') + " -->\n<machine ");
+    ASSERT_EQ(xml.size(), qsizetype(4) << 20);
+    EXPECT_NE(Load(container, xml), nullptr);
+}

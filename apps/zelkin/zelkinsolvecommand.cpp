@@ -63,7 +63,8 @@ void ZELKinSolveCommand::WriteCsv(const ZELKinProgram& program, const ZELKinArgu
     std::fflush(stdout);
     QFile out;
     out.open(stdout, QIODevice::WriteOnly);
-    if (!ZELKinPositionCsv::Write(program, &out))
+    // The last buffered write may fail only in the flush.
+    if (!ZELKinPositionCsv::Write(program, &out) || !out.flush())
         throw ZELSysException(QStringLiteral("cannot write the CSV to standard output: %1").arg(out.errorString()));
 }
 

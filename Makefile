@@ -9,6 +9,8 @@
 
 BUILD_DIR   ?= build
 BENCH_DIR   ?= build-bench
+SANITIZE_DIR ?= build-sanitize
+SANITIZERS  := -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
 BUILD_TYPE  ?= RelWithDebInfo
 JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
 PACKAGES    := cmake g++ ninja-build pkg-config qt6-base-dev libeigen3-dev \
@@ -28,7 +30,7 @@ EXAMPLE_MACHINE := examples/machines/gantry-rbr.xml
 DEMO_TOOLPATH := $(BUILD_DIR)/demo/cylinder-section.json
 DEMO_OUTPUT := demo-output
 
-.PHONY: all setup configure build test demo bench bench-quick bench-build clean
+.PHONY: all setup configure build test test-sanitize demo bench bench-quick bench-build clean
 
 all: build
 
@@ -56,6 +58,23 @@ build: configure
 
 test: build
 	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
+
+# The whole suite again under AddressSanitizer and UndefinedBehaviorSanitizer,
+# in a build of its own: any report fails the test that caused it.
+test-sanitize: setup
+	cmake -S . -B $(SANITIZE_DIR) -G Ninja \
+	    -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	    -DCMAKE_CXX_FLAGS="$(SANITIZERS)" \
+	    -DCMAKE_EXE_LINKER_FLAGS="$(SANITIZERS)" \
+	    -DCMAKE_SHARED_LINKER_FLAGS="$(SANITIZERS)" \
+	    -DZELKIN_WARNINGS_AS_ERRORS=$(WERROR) \
+	    -DZELKIN_BUILD_TESTS=ON \
+	    -DZELKIN_BUILD_BENCHMARKS=OFF
+	cmake --build $(SANITIZE_DIR) -j $(JOBS)
+	cd $(SANITIZE_DIR) && \
+	    ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1 \
+	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	    ctest --output-on-failure -j $(JOBS)
 
 demo: build
 	@echo
@@ -88,4 +107,4 @@ bench-quick: bench-build
 	bench/run-benchmarks --build $(BENCH_DIR) --quick
 
 clean:
-	rm -rf $(BUILD_DIR) $(BENCH_DIR) $(DEMO_OUTPUT)
+	rm -rf $(BUILD_DIR) $(BENCH_DIR) $(SANITIZE_DIR) $(DEMO_OUTPUT)

@@ -10,6 +10,10 @@
 BUILD_DIR   ?= build
 BENCH_DIR   ?= build-bench
 SANITIZE_DIR ?= build-sanitize
+FUZZ_DIR    ?= build-fuzz
+FUZZ_SECONDS ?= 60
+FUZZ_TARGETS := gcoderecord machineloader tpprogramreader rbrsolverconfig
+FUZZ_PACKAGES := clang-14 libclang-rt-14-dev
 SANITIZERS  := -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
 BUILD_TYPE  ?= RelWithDebInfo
 JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
@@ -30,13 +34,13 @@ EXAMPLE_MACHINE := examples/machines/gantry-rbr.xml
 DEMO_TOOLPATH := $(BUILD_DIR)/demo/cylinder-section.json
 DEMO_OUTPUT := demo-output
 
-.PHONY: all setup configure build test test-sanitize demo bench bench-quick bench-build clean
+.PHONY: all setup configure build test test-sanitize fuzz demo bench bench-quick bench-build clean
 
 all: build
 
 setup:
 	@missing=""; \
-	for p in $(PACKAGES); do \
+	for p in $(PACKAGES) $(EXTRA_PACKAGES); do \
 	    dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q "install ok installed" \
 	        || missing="$$missing $$p"; \
 	done; \
@@ -76,6 +80,33 @@ test-sanitize: setup
 	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	    ctest --output-on-failure -j $(JOBS)
 
+# Each fuzz target for FUZZ_SECONDS seconds, in a clang build of its own
+# with AddressSanitizer and UndefinedBehaviorSanitizer, starting from the
+# seeds and earlier findings in fuzz/corpus/<target>. What a run learns stays
+# in $(FUZZ_DIR)/corpus; a failing input is written to $(FUZZ_DIR)/findings
+# and ends the run.
+fuzz:
+	$(MAKE) setup EXTRA_PACKAGES="$(FUZZ_PACKAGES)"
+	cmake -S . -B $(FUZZ_DIR) -G Ninja \
+	    -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	    -DCMAKE_CXX_COMPILER=clang++-14 \
+	    -DCMAKE_CXX_FLAGS="-fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all -fno-omit-frame-pointer" \
+	    -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined" \
+	    -DCMAKE_SHARED_LINKER_FLAGS="-fsanitize=address,undefined" \
+	    -DZELKIN_BUILD_TESTS=OFF \
+	    -DZELKIN_BUILD_BENCHMARKS=OFF \
+	    -DZELKIN_BUILD_FUZZERS=ON
+	cmake --build $(FUZZ_DIR) -j $(JOBS) --target $(addprefix zelkin_fuzz_,$(FUZZ_TARGETS))
+	@mkdir -p $(FUZZ_DIR)/findings
+	@for t in $(FUZZ_TARGETS); do \
+	    mkdir -p $(FUZZ_DIR)/corpus/$$t; \
+	    echo "== $$t for $(FUZZ_SECONDS) s"; \
+	    ASAN_OPTIONS=detect_leaks=0 $(FUZZ_DIR)/fuzz/zelkin_fuzz_$$t -max_total_time=$(FUZZ_SECONDS) \
+	        -timeout=10 -rss_limit_mb=4096 -print_final_stats=1 \
+	        -artifact_prefix=$(FUZZ_DIR)/findings/$$t- \
+	        $(FUZZ_DIR)/corpus/$$t fuzz/corpus/$$t || exit 1; \
+	done
+
 demo: build
 	@echo
 	@echo "== The example machine, as zelkin reads it =="
@@ -107,4 +138,4 @@ bench-quick: bench-build
 	bench/run-benchmarks --build $(BENCH_DIR) --quick
 
 clean:
-	rm -rf $(BUILD_DIR) $(BENCH_DIR) $(SANITIZE_DIR) $(DEMO_OUTPUT)
+	rm -rf $(BUILD_DIR) $(BENCH_DIR) $(SANITIZE_DIR) $(FUZZ_DIR) $(DEMO_OUTPUT)

@@ -1,0 +1,75 @@
+// A machine description loaded into a fresh container. Bad descriptions end
+// in ZELSysException or in no machine; any other way out is a finding.
+//
+// The loader ends the process on purpose when a description has not exactly
+// one <variables> or <joints> element, or a variable without "max-accel".
+// Descriptions within the loader's size and depth bounds that parse are
+// checked for those three first and rejected; the rest go to the loader,
+// which refuses what is over its bounds before parsing.
+
+#include "zelkinfuzz.h"
+
+#include <zelgeocontainer.h>
+#include <zelkinmachine.h>
+#include <zelkinmachineloader.h>
+#include <zelsysexception.h>
+
+#include <QBuffer>
+#include <QDomDocument>
+#include <QXmlStreamReader>
+
+namespace {
+
+bool IsWithinBounds(const QByteArray& bytes)
+{
+    if (bytes.size() > ZELKinMachineLoader::MaximumDescriptionBytes)
+        return false;
+    QXmlStreamReader reader(bytes);
+    int depth = 0;
+    while (!reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::StartElement && ++depth > ZELKinMachineLoader::MaximumDepth)
+            return false;
+        if (token == QXmlStreamReader::EndElement)
+            --depth;
+    }
+    return true;
+}
+
+bool ReachesAFatalMessage(const QByteArray& bytes)
+{
+    QDomDocument document;
+    if (!document.setContent(bytes, false))
+        return false;
+    const QDomElement root = document.documentElement();
+    if (root.attribute(QStringLiteral("type")) != QLatin1String("AFP"))
+        return false;
+    const QDomNodeList variables = root.elementsByTagName(QStringLiteral("variables"));
+    if (variables.size() != 1 || root.elementsByTagName(QStringLiteral("joints")).size() != 1)
+        return true;
+    const QDomNodeList each = variables.at(0).toElement().elementsByTagName(QStringLiteral("variable"));
+    for (int i = 0; i < each.size(); ++i) {
+        if (!each.at(i).toElement().hasAttribute(QStringLiteral("max-accel")))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    ZELKinFuzz::QuietWarnings();
+    QByteArray bytes = ZELKinFuzz::Bytes(data, size);
+    if (IsWithinBounds(bytes) && ReachesAFatalMessage(bytes))
+        return -1;
+    ZELGeoContainer container;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    try {
+        const ZELKinMachine* machine = ZELKinMachineLoader(&container).LoadFromXML(&buffer);
+        return machine && machine->GetVariables().size() < 0 ? 1 : 0;
+    } catch (const ZELSysException&) {
+        return 0;
+    }
+}

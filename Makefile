@@ -19,7 +19,7 @@ BUILD_TYPE  ?= RelWithDebInfo
 JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
 PACKAGES    := cmake g++ ninja-build pkg-config qt6-base-dev libeigen3-dev \
                libsimdjson-dev libgtest-dev libgmock-dev libbenchmark-dev \
-               liborocos-kdl-dev python3
+               liborocos-kdl-dev python3 valgrind
 
 # CI builds treat warnings as errors; a developer's build only shows them.
 ifdef CI

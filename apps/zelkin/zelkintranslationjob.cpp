@@ -11,7 +11,10 @@
 #include <zeltpprogramreader.h>
 #include <zelsysexception.h>
 
+#include <QFileInfo>
 #include <QThread>
+
+#include <unistd.h>
 
 #include <vector>
 
@@ -26,12 +29,39 @@ ZELKinSolver* CreateSolver(const ZELKinAFPMachine& machine)
     return solver;
 }
 
+// Posting a toolpath takes about seven and a half times its file's size in
+// memory at its peak (docs/performance.md): the toolpath model, the solved
+// program and the axis values. A toolpath whose post would need more than
+// the machine's memory is refused before it is read, with the figures,
+// rather than left to exhaust the memory half-way.
+constexpr qint64 kMemoryPerToolpathByte = 8;
+
+qint64 PhysicalMemory()
+{
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long pageSize = sysconf(_SC_PAGESIZE);
+    return pages > 0 && pageSize > 0 ? qint64(pages) * qint64(pageSize) : 0;
+}
+
+void RequireMemoryFor(const QString& toolpathPath)
+{
+    const qint64 size = QFileInfo(toolpathPath).size();
+    const qint64 available = PhysicalMemory();
+    if (available <= 0 || size <= available / kMemoryPerToolpathByte)
+        return;
+    const auto gib = [](qint64 bytes) { return QString::number(double(bytes) / double(qint64(1) << 30), 'f', 1); };
+    throw ZELSysException(QStringLiteral("%1: a toolpath of %2 GiB needs about %3 GiB of memory to post, more than "
+                                         "this machine's %4 GiB")
+                              .arg(toolpathPath, gib(size), gib(size * kMemoryPerToolpathByte), gib(available)));
+}
+
 } // namespace
 
 ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
     : m_machine(ZELKinMachineFile::Load(&m_container, input.machinePath))
     , m_solver(CreateSolver(*m_machine))
 {
+    RequireMemoryFor(input.toolpathPath);
     const ZELTPProgram* toolpath = ZELTPProgramReader(&m_container).Read(input.toolpathPath);
     m_solver->SetDebugPath(input.debugPath);
 

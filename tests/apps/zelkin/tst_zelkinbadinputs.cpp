@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 namespace {
 
 const QString kErrorPrefix = QStringLiteral("zelkin: error: ");
@@ -69,6 +71,20 @@ QString WriteRepeated(const QString& path, const QByteArray& head, const QByteAr
     return path;
 }
 
+// A file of `size` bytes that takes no room on disk.
+QString WriteSparse(const QString& path, qint64 size)
+{
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.resize(size);
+    return path;
+}
+
+qint64 PhysicalMemory()
+{
+    return qint64(sysconf(_SC_PHYS_PAGES)) * qint64(sysconf(_SC_PAGESIZE));
+}
+
 QString Substitute(const QString& argument, const QTemporaryDir& scratch, const QString& out)
 {
     if (argument == QLatin1String("@machine"))
@@ -84,6 +100,8 @@ QString Substitute(const QString& argument, const QTemporaryDir& scratch, const 
     if (argument == QLatin1String("@huge-xml"))
         return WriteRepeated(scratch.filePath(QStringLiteral("huge.xml")), "<machine type=\"AFP\"><!--", "x", "",
                              5 << 20, "--></machine>");
+    if (argument == QLatin1String("@oversized-json"))
+        return WriteSparse(scratch.filePath(QStringLiteral("oversized.json")), PhysicalMemory() / 4);
     if (argument.startsWith(QLatin1String("@in/")))
         return CorpusPath(argument.mid(4));
     QString substituted = argument;

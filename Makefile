@@ -12,7 +12,7 @@ BENCH_DIR   ?= build-bench
 SANITIZE_DIR ?= build-sanitize
 FUZZ_DIR    ?= build-fuzz
 FUZZ_SECONDS ?= 60
-FUZZ_TARGETS := gcoderecord machineloader tpprogramreader rbrsolverconfig
+FUZZ_TARGETS := gcoderecord machineloader tpprogramreader containerload writeroptions rbrsolverconfig
 FUZZ_PACKAGES := clang-14 libclang-rt-14-dev
 SANITIZERS  := -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
 BUILD_TYPE  ?= RelWithDebInfo
@@ -102,7 +102,7 @@ fuzz:
 	    mkdir -p $(FUZZ_DIR)/corpus/$$t; \
 	    echo "== $$t for $(FUZZ_SECONDS) s"; \
 	    ASAN_OPTIONS=detect_leaks=0 $(FUZZ_DIR)/fuzz/zelkin_fuzz_$$t -max_total_time=$(FUZZ_SECONDS) \
-	        -timeout=10 -rss_limit_mb=4096 -print_final_stats=1 \
+	        -timeout=10 -rss_limit_mb=4096 -close_fd_mask=1 -print_final_stats=1 \
 	        -artifact_prefix=$(FUZZ_DIR)/findings/$$t- \
 	        $(FUZZ_DIR)/corpus/$$t fuzz/corpus/$$t || exit 1; \
 	done

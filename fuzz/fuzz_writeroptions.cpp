@@ -1,0 +1,56 @@
+// The writer's options text, used to post the shipped minimal toolpath
+// (a course and a probing procedure) for the example machine into a
+// temporary folder. Every text must post; options that are not numbers read
+// as 0. No input reaches a fatal message: the folder is always writable.
+
+#include "zelkinfuzz.h"
+
+#include <zelgeocontainer.h>
+#include <zelkinafpmachine.h>
+#include <zelkinmachineloader.h>
+#include <zelkinprogram.h>
+#include <zelkinsolver.h>
+#include <zelkintranslator.h>
+#include <zelkinwriter.h>
+#include <zeltpprogram.h>
+#include <zeltpprogramreader.h>
+
+#include <QDateTime>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace {
+
+struct Posting
+{
+    Posting()
+    {
+        QFile file(QStringLiteral(ZELKIN_EXAMPLE_MACHINE));
+        file.open(QIODevice::ReadOnly);
+        auto* machine = qobject_cast<ZELKinAFPMachine*>(ZELKinMachineLoader(&container).LoadFromXML(&file));
+        solver.reset(machine->CreateSolver());
+        const ZELTPProgram* toolpath = ZELTPProgramReader(&container).Read(QStringLiteral(ZELKIN_MINIMAL_TOOLPATH));
+        program = ZELKinTranslator(solver.get()).Translate(toolpath);
+        program->SetOriginalFileName(toolpath->GetName());
+    }
+
+    ZELGeoContainer container;
+    std::unique_ptr<ZELKinSolver> solver;
+    ZELKinProgram* program = nullptr;
+    QTemporaryDir output;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    ZELKinFuzz::QuietWarnings();
+    static Posting posting;
+    ZELKinWriter writer(posting.program);
+    writer.SetCurrentDateTime(QDateTime(QDate(2026, 1, 1), QTime(0, 0), Qt::UTC));
+    writer.Write(posting.output.path(), QStringLiteral("IngersollAFPGCode"),
+                 QString::fromUtf8(ZELKinFuzz::Bytes(data, size)));
+    return 0;
+}

@@ -36,7 +36,8 @@ endforeach()
 
 run_step("configuring the host project"
     "${CMAKE_COMMAND}" -S "${CONSUMER_SOURCE_DIR}" -B "${consumer_build}" -G "${CMAKE_GENERATOR}"
-        "-DCMAKE_PREFIX_PATH=${prefix}" -DCMAKE_BUILD_TYPE=${CONFIG})
+        "-DCMAKE_PREFIX_PATH=${prefix}" -DCMAKE_BUILD_TYPE=${CONFIG}
+        "-DCMAKE_CXX_FLAGS=${HOST_CXX_FLAGS}" "-DCMAKE_EXE_LINKER_FLAGS=${HOST_LINKER_FLAGS}")
 run_step("building the host project"
     "${CMAKE_COMMAND}" --build "${consumer_build}" ${config_arguments})
 run_step("running the host application"

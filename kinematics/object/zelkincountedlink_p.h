@@ -77,7 +77,7 @@ private:
         std::swap(m_reference, other.m_reference);
     }
 
-    QPointer<T> m_object;
+    ZELKinLinks::Guarded<T> m_object;
     ZELGeoGeometryRef m_reference;
 };
 

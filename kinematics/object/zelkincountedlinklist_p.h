@@ -64,7 +64,7 @@ public:
 
     void Clear()
     {
-        for (const QPointer<T>& entry : std::as_const(m_entries)) {
+        for (const ZELKinLinks::Guarded<T>& entry : std::as_const(m_entries)) {
             if (entry)
                 entry->RemoveReference();
         }
@@ -79,7 +79,7 @@ public:
     //! The first live entry whose label is exactly `label`; null if none.
     T* FindByLabel(const QString& label) const
     {
-        for (const QPointer<T>& entry : m_entries) {
+        for (const ZELKinLinks::Guarded<T>& entry : m_entries) {
             if (entry && entry->GetLabel() == label)
                 return entry.data();
         }
@@ -90,7 +90,7 @@ public:
     {
         QList<T*> list;
         list.reserve(m_entries.size());
-        for (const QPointer<T>& entry : m_entries)
+        for (const ZELKinLinks::Guarded<T>& entry : m_entries)
             list.append(entry.data());
         return list;
     }
@@ -98,7 +98,7 @@ public:
     void Save(ZELGeoStream& stream) const
     {
         stream << qint32(m_entries.size());
-        for (const QPointer<T>& entry : m_entries)
+        for (const ZELKinLinks::Guarded<T>& entry : m_entries)
             stream << ZELGeoGeometryRef(entry.data());
     }
 
@@ -125,7 +125,7 @@ public:
     }
 
 private:
-    QList<QPointer<T>> m_entries;
+    QList<ZELKinLinks::Guarded<T>> m_entries;
 };
 
 #endif // ZELKINCOUNTEDLINKLIST_P_H

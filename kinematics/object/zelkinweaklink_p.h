@@ -8,7 +8,37 @@
 
 #include <QPointer>
 
+#include <type_traits>
+
 namespace ZELKinLinks {
+
+/*!
+    A guarded pointer to an object of class T that hands its target out only
+    while the target still is a T. A QPointer<T> casts statically, which is
+    undefined while the target is being destroyed and its dynamic type is
+    already a base class; this one casts with qobject_cast, and so reads null
+    from the moment the target's destruction begins.
+*/
+template <typename T>
+class Guarded
+{
+    using Object = std::conditional_t<std::is_const_v<T>, const QObject, QObject>;
+
+public:
+    Guarded() = default;
+    Guarded(T* object)
+        : m_object(object)
+    {
+    }
+
+    T* data() const { return qobject_cast<T*>(m_object.data()); }
+    T* operator->() const { return data(); }
+    explicit operator bool() const { return data() != nullptr; }
+    void swap(Guarded& other) noexcept { m_object.swap(other.m_object); }
+
+private:
+    QPointer<Object> m_object;
+};
 
 //! The object of class T that a saved reference stands for in the container
 //! being loaded, or null (nothing there, or an object of another class).
@@ -64,7 +94,7 @@ public:
     }
 
 private:
-    QPointer<T> m_object;
+    ZELKinLinks::Guarded<T> m_object;
     ZELGeoGeometryRef m_reference;
 };
 

@@ -16,24 +16,17 @@
 
 #include <QBuffer>
 #include <QDomDocument>
-#include <QXmlStreamReader>
 
 namespace {
 
 bool IsWithinBounds(const QByteArray& bytes)
 {
-    if (bytes.size() > ZELKinMachineLoader::MaximumDescriptionBytes)
+    try {
+        ZELKinMachineLoader::CheckBounds(bytes);
+        return true;
+    } catch (const ZELSysException&) {
         return false;
-    QXmlStreamReader reader(bytes);
-    int depth = 0;
-    while (!reader.atEnd()) {
-        const QXmlStreamReader::TokenType token = reader.readNext();
-        if (token == QXmlStreamReader::StartElement && ++depth > ZELKinMachineLoader::MaximumDepth)
-            return false;
-        if (token == QXmlStreamReader::EndElement)
-            --depth;
     }
-    return true;
 }
 
 bool ReachesAFatalMessage(const QByteArray& bytes)

@@ -25,13 +25,17 @@ namespace {
 constexpr qint64 kMaximumDescriptionBytes = ZELKinMachineLoader::MaximumDescriptionBytes;
 constexpr int kMaximumDepth = ZELKinMachineLoader::MaximumDepth;
 
+// One byte more than the bound is enough to know a description is over it.
 QByteArray ReadBounded(QIODevice* device)
 {
-    const QByteArray bytes = device ? device->read(kMaximumDescriptionBytes + 1) : QByteArray();
+    return device ? device->read(kMaximumDescriptionBytes + 1) : QByteArray();
+}
+
+void CheckSize(const QByteArray& bytes)
+{
     if (bytes.size() > kMaximumDescriptionBytes)
         throw ZELSysException(ZELKinMachineLoader::tr("The machine description is larger than %1 bytes")
                                   .arg(kMaximumDescriptionBytes));
-    return bytes;
 }
 
 // A streaming pass, which keeps no tree, finds nesting too deep before the
@@ -126,10 +130,16 @@ ZELKinMachineLoader::ZELKinMachineLoader(ZELKinMachineLoaderPrivate* d)
 
 ZELKinMachineLoader::~ZELKinMachineLoader() = default;
 
+void ZELKinMachineLoader::CheckBounds(const QByteArray& description)
+{
+    CheckSize(description);
+    CheckDepth(description);
+}
+
 ZELKinMachine* ZELKinMachineLoader::LoadFromXML(QIODevice* device) const
 {
     const QByteArray bytes = ReadBounded(device);
-    CheckDepth(bytes);
+    CheckBounds(bytes);
     QDomDocument document;
     // The parser keeps what it built before an error; a description that
     // does not parse must read as an empty one, so that part is dropped.

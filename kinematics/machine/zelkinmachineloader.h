@@ -59,6 +59,12 @@ public:
     //! "max-accel", ends the process through Qt's fatal message handler.
     ZELKinMachine* LoadFromXML(QIODevice* device) const;
 
+    //! The checks LoadFromXML makes before parsing, on a description already
+    //! read: throws ZELSysException with the same messages when
+    //! `description` is larger than MaximumDescriptionBytes or nests
+    //! elements deeper than MaximumDepth. Syntax errors pass.
+    static void CheckBounds(const QByteArray& description);
+
 protected:
     ZELKinMachineLoader(ZELKinMachineLoaderPrivate* d);
 

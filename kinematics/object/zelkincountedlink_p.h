@@ -3,7 +3,6 @@
 
 #include "zelkinweaklink_p.h"
 
-#include <QPointer>
 
 #include <utility>
 
@@ -66,8 +65,8 @@ public:
     {
         ZELGeoGeometryRef saved;
         stream >> saved;
-        Set(ZELKinLinks::Resolve<T>(stream, saved));
-        ZELKinLinks::ExpectResolved(Get(), saved);
+        Set(ZELGeoLinks::Resolve<T>(stream, saved));
+        ZELGeoLinks::ExpectResolved(Get(), saved);
     }
 
 private:
@@ -77,7 +76,7 @@ private:
         std::swap(m_reference, other.m_reference);
     }
 
-    ZELKinLinks::Guarded<T> m_object;
+    ZELGeoLinks::Guarded<T> m_object;
     ZELGeoGeometryRef m_reference;
 };
 

@@ -5,7 +5,6 @@
 
 #include <QIODevice>
 #include <QList>
-#include <QPointer>
 
 #include <algorithm>
 
@@ -64,7 +63,7 @@ public:
 
     void Clear()
     {
-        for (const ZELKinLinks::Guarded<T>& entry : std::as_const(m_entries)) {
+        for (const ZELGeoLinks::Guarded<T>& entry : std::as_const(m_entries)) {
             if (entry)
                 entry->RemoveReference();
         }
@@ -79,7 +78,7 @@ public:
     //! The first live entry whose label is exactly `label`; null if none.
     T* FindByLabel(const QString& label) const
     {
-        for (const ZELKinLinks::Guarded<T>& entry : m_entries) {
+        for (const ZELGeoLinks::Guarded<T>& entry : m_entries) {
             if (entry && entry->GetLabel() == label)
                 return entry.data();
         }
@@ -90,7 +89,7 @@ public:
     {
         QList<T*> list;
         list.reserve(m_entries.size());
-        for (const ZELKinLinks::Guarded<T>& entry : m_entries)
+        for (const ZELGeoLinks::Guarded<T>& entry : m_entries)
             list.append(entry.data());
         return list;
     }
@@ -98,7 +97,7 @@ public:
     void Save(ZELGeoStream& stream) const
     {
         stream << qint32(m_entries.size());
-        for (const ZELKinLinks::Guarded<T>& entry : m_entries)
+        for (const ZELGeoLinks::Guarded<T>& entry : m_entries)
             stream << ZELGeoGeometryRef(entry.data());
     }
 
@@ -116,8 +115,8 @@ public:
         for (qint32 index = 0; index < count; ++index) {
             ZELGeoGeometryRef saved;
             stream >> saved;
-            T* object = ZELKinLinks::Resolve<T>(stream, saved);
-            ZELKinLinks::ExpectResolved(object, saved);
+            T* object = ZELGeoLinks::Resolve<T>(stream, saved);
+            ZELGeoLinks::ExpectResolved(object, saved);
             Append(object);
             if (stream.atEnd())
                 break;
@@ -125,7 +124,7 @@ public:
     }
 
 private:
-    QList<ZELKinLinks::Guarded<T>> m_entries;
+    QList<ZELGeoLinks::Guarded<T>> m_entries;
 };
 
 #endif // ZELKINCOUNTEDLINKLIST_P_H

@@ -1,65 +1,7 @@
 #ifndef ZELKINWEAKLINK_P_H
 #define ZELKINWEAKLINK_P_H
 
-#include <zelgeocontainer.h>
-#include <zelgeogeometrynotfoundexception.h>
-#include <zelgeogeometryref.h>
-#include <zelgeostream.h>
-
-#include <QPointer>
-
-#include <type_traits>
-
-namespace ZELKinLinks {
-
-/*!
-    A guarded pointer to an object of class T that hands its target out only
-    while the target still is a T. A QPointer<T> casts statically, which is
-    undefined while the target is being destroyed and its dynamic type is
-    already a base class; this one casts with qobject_cast, and so reads null
-    from the moment the target's destruction begins.
-*/
-template <typename T>
-class Guarded
-{
-    using Object = std::conditional_t<std::is_const_v<T>, const QObject, QObject>;
-
-public:
-    Guarded() = default;
-    Guarded(T* object)
-        : m_object(object)
-    {
-    }
-
-    T* data() const { return qobject_cast<T*>(m_object.data()); }
-    T* operator->() const { return data(); }
-    explicit operator bool() const { return data() != nullptr; }
-    void swap(Guarded& other) noexcept { m_object.swap(other.m_object); }
-
-private:
-    QPointer<Object> m_object;
-};
-
-//! The object of class T that a saved reference stands for in the container
-//! being loaded, or null (nothing there, or an object of another class).
-template <typename T>
-T* Resolve(const ZELGeoStream& stream, const ZELGeoGeometryRef& saved)
-{
-    const ZELGeoContainer* container = stream.GetContainer();
-    if (!container)
-        return nullptr;
-    return qobject_cast<T*>(container->GetGeometryByRef(stream.GetMappedReference(saved)));
-}
-
-//! A reference that names something must resolve; an empty one loads as null.
-template <typename T>
-void ExpectResolved(const T* object, const ZELGeoGeometryRef& saved)
-{
-    if (!object && saved.IsValid())
-        throw ZELGeoGeometryNotFoundException(saved, QString::fromLatin1(T::staticMetaObject.className()));
-}
-
-} // namespace ZELKinLinks
+#include <zelgeolink_p.h>
 
 /*!
     A back reference to one object (a variable's machine, a joint's parent):
@@ -89,12 +31,12 @@ public:
     {
         ZELGeoGeometryRef saved;
         stream >> saved;
-        Set(ZELKinLinks::Resolve<T>(stream, saved));
-        ZELKinLinks::ExpectResolved(Get(), saved);
+        Set(ZELGeoLinks::Resolve<T>(stream, saved));
+        ZELGeoLinks::ExpectResolved(Get(), saved);
     }
 
 private:
-    ZELKinLinks::Guarded<T> m_object;
+    ZELGeoLinks::Guarded<T> m_object;
     ZELGeoGeometryRef m_reference;
 };
 

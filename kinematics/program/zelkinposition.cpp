@@ -161,8 +161,8 @@ void ZELKinPosition::Load(ZELGeoStream& stream)
         ZELGeoGeometryRef saved;
         double value = std::numeric_limits<double>::quiet_NaN();
         stream >> saved >> value;
-        ZELKinVariable* variable = ZELKinLinks::Resolve<ZELKinVariable>(stream, saved);
-        ZELKinLinks::ExpectResolved(variable, saved);
+        ZELKinVariable* variable = ZELGeoLinks::Resolve<ZELKinVariable>(stream, saved);
+        ZELGeoLinks::ExpectResolved(variable, saved);
         d->StoreValue(variable, value);
     }
     d->toolPathPoint.Load(stream);

@@ -1,42 +1,7 @@
 #ifndef ZELTPLINK_P_H
 #define ZELTPLINK_P_H
 
-#include <zelgeocontainer.h>
-#include <zelgeogeometrynotfoundexception.h>
-#include <zelgeogeometryref.h>
-#include <zelgeostream.h>
-
-#include <QPointer>
-
-namespace ZELTPLinks {
-
-//! The object of class T that a saved reference stands for in the container
-//! being loaded, or null (nothing there, or an object of another class).
-template <typename T>
-T* Resolve(const ZELGeoStream& stream, const ZELGeoGeometryRef& saved)
-{
-    const ZELGeoContainer* container = stream.GetContainer();
-    if (!container)
-        return nullptr;
-    return qobject_cast<T*>(container->GetGeometryByRef(stream.GetMappedReference(saved)));
-}
-
-//! Reads one reference and returns the object of class T it names; an empty
-//! reference (one past the end of the record included) reads as null.
-//! Throws ZELGeoGeometryNotFoundException when a reference that names
-//! something does not resolve to an object of class T.
-template <typename T>
-T* Read(ZELGeoStream& stream)
-{
-    ZELGeoGeometryRef saved;
-    stream >> saved;
-    T* object = Resolve<T>(stream, saved);
-    if (!object && saved.IsValid())
-        throw ZELGeoGeometryNotFoundException(saved, QString::fromLatin1(T::staticMetaObject.className()));
-    return object;
-}
-
-} // namespace ZELTPLinks
+#include <zelgeolink_p.h>
 
 /*!
     A plain reference from one toolpath geometry to another (a course's
@@ -59,11 +24,11 @@ public:
     //! Writes the target's reference; an empty one for no target or a target
     //! outside any container.
     void Save(ZELGeoStream& stream) const { stream << ZELGeoGeometryRef(m_object.data()); }
-    //! Throws what ZELTPLinks::Read throws.
-    void Load(ZELGeoStream& stream) { Set(ZELTPLinks::Read<T>(stream)); }
+    //! Throws what ZELGeoLinks::Read throws.
+    void Load(ZELGeoStream& stream) { Set(ZELGeoLinks::Read<T>(stream)); }
 
 private:
-    QPointer<T> m_object;
+    ZELGeoLinks::Guarded<T> m_object;
 };
 
 #endif // ZELTPLINK_P_H

@@ -98,5 +98,5 @@ void ZELTPProgram::Load(ZELGeoStream& stream)
     stream >> d->revision >> count;
     d->procedures.clear();
     for (qint32 index = 0; index < count && !stream.atEnd(); ++index)
-        d->procedures.append(ZELTPLink<ZELTPProcedure>(ZELTPLinks::Read<ZELTPProcedure>(stream)));
+        d->procedures.append(ZELTPLink<ZELTPProcedure>(ZELGeoLinks::Read<ZELTPProcedure>(stream)));
 }

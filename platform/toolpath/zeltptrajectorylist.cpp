@@ -50,7 +50,7 @@ std::unique_ptr<ZELTPTrajectory> LoadTrajectory(ZELGeoStream& stream)
     qint32 count = 0;
     stream >> count;
     for (qint32 index = 0; index < count && !stream.atEnd(); ++index) {
-        if (ZELTPPoint* point = ZELTPLinks::Read<ZELTPPoint>(stream))
+        if (ZELTPPoint* point = ZELGeoLinks::Read<ZELTPPoint>(stream))
             d->AppendPoint(point);
     }
     return trajectory;

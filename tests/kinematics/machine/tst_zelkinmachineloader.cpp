@@ -1040,3 +1040,17 @@ TEST(ZELKinMachineLoaderBounds, ADescriptionOfExactlyFourMebibytesIsRead)
     ASSERT_EQ(xml.size(), qsizetype(4) << 20);
     EXPECT_NE(Load(container, xml), nullptr);
 }
+
+TEST(ZELKinMachineLoaderBounds, CheckBoundsPassesADescriptionWithinBothBoundsEvenIfItDoesNotParse)
+{
+    EXPECT_NO_THROW(ZELKinMachineLoader::CheckBounds(GantryWithNesting(63)));
+    EXPECT_NO_THROW(ZELKinMachineLoader::CheckBounds("<machine><unclosed>"));
+}
+
+TEST(ZELKinMachineLoaderBounds, CheckBoundsRefusesWhatTheLoaderRefusesWithTheSameMessages)
+{
+    EXPECT_THROW_MESSAGE(ZELKinMachineLoader::CheckBounds(GantryWithNesting(64)), ZELSysException,
+                         "The machine description nests elements deeper than 64 levels");
+    EXPECT_THROW_MESSAGE(ZELKinMachineLoader::CheckBounds(QByteArray((4 << 20) + 1, ' ')), ZELSysException,
+                         "The machine description is larger than 4194304 bytes");
+}

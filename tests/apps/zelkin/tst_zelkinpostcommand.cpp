@@ -5,6 +5,8 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QMap>
+#include <QProcess>
 #include <QStringList>
 
 #include <string>
@@ -231,6 +233,63 @@ TEST(ZELKinPostCommand, PostsTheShippedExampleEndToEnd)
     EXPECT_EQ(files.filter(QStringLiteral(".PPSF")).size(), 1);
     EXPECT_GE(files.filter(QStringLiteral(".PPF")).size(), 4) << files.join(QLatin1Char(' ')).toStdString();
     EXPECT_EQ(files.filter(QStringLiteral(".PTPF")).size(), 1);
+}
+
+namespace {
+
+// Every file below `directory` with its bytes.
+QMap<QString, QByteArray> ContentsBelow(const QString& directory)
+{
+    QMap<QString, QByteArray> contents;
+    for (const QString& file : FilesBelow(directory))
+        contents.insert(file, ReadAll(QDir(directory).filePath(file)));
+    return contents;
+}
+
+// Waits until `process` has printed `text` on its standard output.
+bool WaitForOutput(QProcess& process, const QString& text)
+{
+    QByteArray output;
+    while (!output.contains(text.toUtf8())) {
+        if (!process.waitForReadyRead(60000))
+            return false;
+        output += process.readAllStandardOutput();
+    }
+    return true;
+}
+
+} // namespace
+
+TEST(ZELKinPostCommand, APostKilledWhileWritingPliesLeavesThePreviousFilesWholeAndNothingElse)
+{
+    QTemporaryDir directory;
+    const QString toolpath = QDir(directory.path()).filePath(QStringLiteral("large.json"));
+    const QString output = QDir(directory.path()).filePath(QStringLiteral("nc"));
+    // Plies of 100 000 positions each take long enough to write that the
+    // kill lands while one of them is being written.
+    ASSERT_EQ(RunZelkin({QStringLiteral("generate-toolpath"), QStringLiteral("--part"), QStringLiteral("cylinder"),
+                         QStringLiteral("--plies"), QStringLiteral("0,45,-45,90"), QStringLiteral("--courses"),
+                         QStringLiteral("10"), QStringLiteral("--points-per-course"), QStringLiteral("10000"),
+                         QStringLiteral("-o"), toolpath})
+                  .exitCode,
+              0);
+    const QStringList arguments{QStringLiteral("post"),     QStringLiteral("--machine"), GetExampleMachinePath(),
+                                QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output};
+    ASSERT_EQ(RunZelkin(arguments, Reproducible()).exitCode, 0);
+    const QMap<QString, QByteArray> before = ContentsBelow(output);
+    ASSERT_EQ(before.size(), 6) << QStringList(before.keys()).join(QLatin1Char(' ')).toStdString();
+
+    QProcess post;
+    post.setProcessEnvironment(Reproducible());
+    post.start(QStringLiteral(ZELKIN_EXECUTABLE), arguments);
+    ASSERT_TRUE(WaitForOutput(post, QStringLiteral("  Writing ")));
+    post.kill();
+    ASSERT_TRUE(post.waitForFinished(60000));
+    ASSERT_EQ(post.exitStatus(), QProcess::CrashExit) << "the post ended before it was killed";
+
+    // The same inputs write the same bytes: any other file, or any file
+    // that differs, was left half-written.
+    EXPECT_EQ(ContentsBelow(output), before);
 }
 
 struct UsageCase

@@ -260,21 +260,23 @@ void ZELKinRBRSolverPrivate::BuildFrames()
     secondRollOnFirstRoll = secondRollFrame / firstRollFrame;
 }
 
-ZELMathVector ZELKinRBRSolverPrivate::TipOffset(const ZELKinSolution& solution) const
+ZELKinRBRSolverPrivate::TurnedWrist ZELKinRBRSolverPrivate::Turned(const ZELKinSolution& solution) const
 {
     ZELKinVariable* const wrist[] = {firstRollAxis.variable, bendAxis.variable, secondRollAxis.variable};
     for (ZELKinVariable* variable : {wrist[0], wrist[1], wrist[2], x, y, z}) {
         if (!solution.IsDefined(variable))
             qFatal("%s", qPrintable(ZELKinRBRSolver::tr("Solution is not complete.")));
     }
-    ZELMathAxis first = firstRollFrame;
-    ZELMathAxis middle = bendFrame;
-    ZELMathAxis second = secondRollFrame;
-    ZELMathPoint tip = tipPoint;
-    Turn(first, solution.GetVariableValue(wrist[0]), middle, second, tip);
-    Turn(middle, solution.GetVariableValue(wrist[1]), second, tip);
-    Turn(second, solution.GetVariableValue(wrist[2]), tip);
-    return tip - tipPoint;
+    TurnedWrist turned{firstRollFrame, bendFrame, secondRollFrame, tipPoint};
+    Turn(turned.first, solution.GetVariableValue(wrist[0]), turned.middle, turned.second, turned.tip);
+    Turn(turned.middle, solution.GetVariableValue(wrist[1]), turned.second, turned.tip);
+    Turn(turned.second, solution.GetVariableValue(wrist[2]), turned.tip);
+    return turned;
+}
+
+ZELMathVector ZELKinRBRSolverPrivate::TipOffset(const ZELKinSolution& solution) const
+{
+    return Turned(solution).tip - tipPoint;
 }
 
 ZELMathPoint ZELKinRBRSolverPrivate::RollerCentre(const ZELMathAxis& frame) const
@@ -421,6 +423,29 @@ ZELMathPoint ZELKinRBRSolver::GetTipPoint(const ZELKinSolution& solution) const
 {
     Q_D(const ZELKinRBRSolver);
     return d->LinearPoint(solution.IsTraori() ? solution : ToTraori(solution));
+}
+
+ZELMathAxis ZELKinRBRSolver::GetToolFrame(const ZELKinSolution& solution) const
+{
+    Q_D(const ZELKinRBRSolver);
+    const ZELKinSolution traori = solution.IsTraori() ? solution : ToTraori(solution);
+    const ZELKinRBRSolverPrivate::TurnedWrist turned = d->Turned(traori);
+    // Solve turns the bend's zero direction onto the tool's direction, which
+    // points into the surface, and the second roll's onto the travel.
+    const ZELMathVector normal = -turned.middle.GetUDirection();
+    const ZELMathVector travel = turned.second.GetUDirection();
+    const ZELMathPoint compaction = d->LinearPoint(traori) - d->rollerRadius * normal;
+    return ZELMathAxis(compaction, travel, normal.Cross(travel), normal);
+}
+
+double ZELKinRBRSolver::GetSingularityMargin(const ZELMathVector& normal) const
+{
+    Q_D(const ZELKinRBRSolver);
+    const double length = normal.GetLength();
+    if (!d->firstRoll || !std::isfinite(length) || length <= 0.0)
+        return std::numeric_limits<double>::quiet_NaN();
+    const double angle = normal.GetAngleTo(d->firstRollVector);
+    return std::min(angle, kPi - angle);
 }
 
 bool ZELKinRBRSolver::IsContiguous(const ZELKinSolution& a, const ZELKinSolution& b, Continuity mode) const

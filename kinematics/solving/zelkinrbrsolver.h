@@ -136,6 +136,24 @@ public:
     //! Sets the normal tolerance (radians). Throws nothing.
     void SetAngleTolerance(double tolerance);
 
+    /*!
+        The forward kinematics of the wrist: the tool frame that `solution`
+        puts the head on, the inverse of Solve(frame, true). The first
+        direction (u) is the direction of travel and the third (w) the
+        surface normal that the wrist angles point the head at; the origin is
+        the compaction point, the roller centre (the TRAORI X, Y, Z, mm)
+        moved back by the roller radius along the normal. A solution that is
+        not in TRAORI form is converted with ToTraori first. Fatal as
+        ToTraori for an incomplete solution.
+    */
+    ZELMathAxis GetToolFrame(const ZELKinSolution& solution) const;
+    //! How far `normal` stands from the wrist's singularity, where the
+    //! normal lies along the first roll axis and the first roll is free: the
+    //! angle (rad, 0 to pi/2) between the normal's line and that axis; NaN
+    //! for a zero or non-finite normal and for a solver without wrist.
+    //! Throws nothing.
+    double GetSingularityMargin(const ZELMathVector& normal) const;
+
 protected:
     //! Takes ownership of `d` and finds the wrist of its machine; throws as
     //! the public constructor.

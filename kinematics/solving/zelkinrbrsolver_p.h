@@ -94,6 +94,16 @@ public:
     //! The TRAORI offset of `solution`: how far the wrist moves the tool tip
     //! from its home position. Fatal for an incomplete solution.
     ZELMathVector TipOffset(const ZELKinSolution& solution) const;
+    //! The wrist's joint frames and the tool tip as `solution` turns them.
+    struct TurnedWrist
+    {
+        ZELMathAxis first;
+        ZELMathAxis middle;
+        ZELMathAxis second;
+        ZELMathPoint tip;
+    };
+    //! Fatal for an incomplete solution, as TipOffset.
+    TurnedWrist Turned(const ZELKinSolution& solution) const;
     //! The compaction point of `frame` moved by the roller radius along its normal.
     ZELMathPoint RollerCentre(const ZELMathAxis& frame) const;
     //! The X, Y, Z values of `solution` as a point (NaN where undefined).

@@ -1273,3 +1273,119 @@ TEST(ZELKinRBRSolver, ABlendWithAnEndWithoutTheBendLeavesTheBendUndefined)
     EXPECT_TRUE(ZELTest::SameDouble(0.5, result.GetVariableValue(g.c1), ZELTest::kTight));
     EXPECT_TRUE(SamePoint(ZELMathPoint(7, 8, 39), configured.solver.GetTipPoint(result), ZELTest::kTight));
 }
+
+// Forward kinematics: the tool frame a solution puts the head on.
+
+namespace {
+
+struct ToolFrameCase
+{
+    const char* name;
+    ZELMathPoint origin;
+    ZELMathVector travel;
+    ZELMathVector normal;
+};
+ZELTEST_PRINT_CASE_BY_NAME(ToolFrameCase);
+
+class ZELKinRBRSolverToolFrame : public ::testing::TestWithParam<ToolFrameCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverToolFrame, EverySolutionOfAFrameGivesThatFrameBack)
+{
+    Configured configured;
+    const ToolFrameCase& c = GetParam();
+    const ZELMathVector normal = Unit(c.normal.GetX(), c.normal.GetY(), c.normal.GetZ());
+    const ZELMathVector travel = Unit(c.travel.GetX(), c.travel.GetY(), c.travel.GetZ());
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(Frame(c.origin, travel, normal), true);
+    ASSERT_FALSE(solutions.isEmpty());
+    for (const ZELKinSolution& solution : solutions) {
+        const ZELMathAxis frame = configured.solver.GetToolFrame(solution);
+        EXPECT_TRUE(SamePoint(c.origin, frame.GetOrigin(), 1e-9));
+        EXPECT_TRUE(SameVector(normal, frame.GetWDirection(), 1e-9));
+        EXPECT_TRUE(SameVector(travel, frame.GetUDirection(), 1e-9));
+        // The machine axes of the same solution put the head on the same frame.
+        ZELKinSolution machine = configured.solver.FromTraori(solution);
+        machine.SetTraori(false);
+        EXPECT_TRUE(SamePoint(c.origin, configured.solver.GetToolFrame(machine).GetOrigin(), 1e-9));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Frames, ZELKinRBRSolverToolFrame,
+    ::testing::Values(
+        ToolFrameCase{"Home", ZELMathPoint(100, 200, -900), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1)},
+        ToolFrameCase{"TravelAlongY", ZELMathPoint(0, 0, 0), ZELMathVector(0, 1, 0), ZELMathVector(0, 0, 1)},
+        ToolFrameCase{"CylinderSide", ZELMathPoint(1500, 4000, -1200), ZELMathVector(1, 0, 0),
+                      ZELMathVector(0, 0.5, 0.8660254037844386)},
+        ToolFrameCase{"Oblique", ZELMathPoint(500, 2000, -1500), ZELMathVector(0.0, 0.8, 0.4),
+                      ZELMathVector(0.3, -0.4, 0.8)},
+        ToolFrameCase{"WallFacingY", ZELMathPoint(10, 20, 30), ZELMathVector(1, 0, 0), ZELMathVector(0, -1, 0)}),
+    CaseName<ToolFrameCase>);
+
+TEST(ZELKinRBRSolver, TheHomeWristPointsTheHeadDownOntoANormalAlongZTravellingAlongX)
+{
+    Configured configured;
+    ZELKinSolution solution = configured.gantry.Solution(ZELMathPoint(10, 20, 30), 0.0, 0.0, 0.0);
+    solution.SetTraori(true);
+    const ZELMathAxis frame = configured.solver.GetToolFrame(solution);
+    EXPECT_TRUE(SameVector(ZELMathVector(0, 0, 1), frame.GetWDirection(), ZELTest::kTight));
+    EXPECT_TRUE(SameVector(ZELMathVector(1, 0, 0), frame.GetUDirection(), ZELTest::kTight));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(10, 20, 0), frame.GetOrigin(), ZELTest::kTight));
+}
+
+TEST(ZELKinRBRSolver, ABendOfAQuarterTurnTipsTheNormalOntoTheFirstRollAxis)
+{
+    Configured configured(WristRanges{Range{-4, 4}, Range{-2, 2}, Range{-4, 4}});
+    ZELKinSolution solution = configured.gantry.Solution(ZELMathPoint(0, 0, 0), 0.0, kPi / 2, 0.0);
+    solution.SetTraori(true);
+    const ZELMathVector normal = configured.solver.GetToolFrame(solution).GetWDirection();
+    EXPECT_TRUE(ZELTest::SameDouble(1.0, std::abs(normal.GetX()), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(0.0, configured.solver.GetSingularityMargin(normal), ZELTest::kTight));
+}
+
+namespace {
+
+struct MarginCase
+{
+    const char* name;
+    ZELMathVector normal;
+    double margin;
+};
+ZELTEST_PRINT_CASE_BY_NAME(MarginCase);
+
+class ZELKinRBRSolverMargin : public ::testing::TestWithParam<MarginCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverMargin, IsTheAngleBetweenTheNormalsLineAndTheFirstRollAxis)
+{
+    Configured configured;
+    const double margin = configured.solver.GetSingularityMargin(GetParam().normal);
+    if (std::isnan(GetParam().margin))
+        EXPECT_TRUE(std::isnan(margin));
+    else
+        EXPECT_TRUE(ZELTest::SameDouble(GetParam().margin, margin, ZELTest::kTight));
+}
+
+INSTANTIATE_TEST_SUITE_P(Normals, ZELKinRBRSolverMargin,
+                         ::testing::Values(MarginCase{"AcrossTheAxis", ZELMathVector(0, 0, 1), kPi / 2},
+                                           MarginCase{"AlongTheAxis", ZELMathVector(1, 0, 0), 0.0},
+                                           MarginCase{"AgainstTheAxis", ZELMathVector(-2, 0, 0), 0.0},
+                                           MarginCase{"ThirtyDegreesOff", ZELMathVector(0.8660254037844386, 0.5, 0),
+                                                      kPi / 6},
+                                           MarginCase{"ThirtyDegreesOffBackwards",
+                                                      ZELMathVector(-0.8660254037844386, 0, 0.5), kPi / 6},
+                                           MarginCase{"Zero", ZELMathVector(0, 0, 0), kNaN},
+                                           MarginCase{"NotFinite", ZELMathVector(kNaN, 0, 1), kNaN}),
+                         CaseName<MarginCase>);
+
+TEST(ZELKinRBRSolver, WithoutAWristTheSingularityMarginIsNaN)
+{
+    ZELKinRBRSolver solver(static_cast<ZELKinMachine*>(nullptr));
+    EXPECT_TRUE(std::isnan(solver.GetSingularityMargin(ZELMathVector(0, 0, 1))));
+}

@@ -290,6 +290,10 @@ void ZELKinToolpathGenerator::WriteLinks(ZELKinToolpathJsonWriter& writer, int p
             points.append(kToolChangePoint);
         points.append(start.GetAtHeight(GetTraverseHeight()));
         WriteOffPartTrajectory(writer, kLinkFeedrate, points);
+        // The link ends where the course's approach begins, so that the head
+        // stands on the course's first position when the course starts; it
+        // comes down at the approach's feed, with the wrist turning on the way.
+        WriteOffPartTrajectory(writer, kApproachFeedrate, {start});
         writer.EndArray();
         if (changesRoller) {
             writer.WriteKey("toolChange");

@@ -418,6 +418,26 @@ TEST_P(ZELKinToolGenerateToolpath, LinksApproachFromAboveTheSafetyPlaneTransferA
     }
 }
 
+TEST_P(ZELKinToolGenerateToolpath, EachLinkIntoACourseEndsOnTheCoursesApproachPointAtTheApproachFeed)
+{
+    for (const QJsonObject& procedure : GetLayupProcedures(GetDocument())) {
+        const QList<QJsonObject> links = GetLinks(procedure);
+        const QList<QJsonObject> courses = GetCourses(procedure);
+        ASSERT_EQ(links.size(), courses.size() + 1);
+        for (int i = 0; i < courses.size(); ++i) {
+            const QList<QJsonObject> descent = GetTrajectories(links.at(i));
+            ASSERT_FALSE(descent.isEmpty());
+            const QJsonObject end = GetPoints(descent.last()).last();
+            const QJsonObject approach = GetPoints(GetTrajectories(courses.at(i)).first()).first();
+            // The same frame, so that the head stands on the course's first
+            // position, wrist included, when the course starts.
+            EXPECT_EQ(end, approach) << "course " << i;
+            EXPECT_TRUE(ZELTest::SameDouble(6000.0, descent.last().value(QStringLiteral("feedrate")).toDouble(),
+                                            ZELTest::kExact));
+        }
+    }
+}
+
 TEST_P(ZELKinToolGenerateToolpath, CoursesChainApproachRollInTowsRollOutAndRetract)
 {
     for (const QJsonObject& course : GetAllCourses()) {

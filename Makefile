@@ -120,6 +120,9 @@ demo: build
 	rm -rf $(DEMO_OUTPUT)
 	$(ZELKIN) post --machine $(EXAMPLE_MACHINE) --toolpath $(DEMO_TOOLPATH) --output $(DEMO_OUTPUT)
 	@echo
+	@echo "== Verifying the posted NC against the toolpath and the machine =="
+	$(ZELKIN) verify --machine $(EXAMPLE_MACHINE) --toolpath $(DEMO_TOOLPATH) --nc $(DEMO_OUTPUT) 2>/dev/null
+	@echo
 	@echo "The NC files are in $(DEMO_OUTPUT)/:"
 	@find $(DEMO_OUTPUT) -type f | sort | xargs ls -l
 

@@ -7,6 +7,7 @@
 #include "zelkinmachinecommand.h"
 #include "zelkinpostcommand.h"
 #include "zelkinsolvecommand.h"
+#include "zelkinverifycommand.h"
 
 #include <QCoreApplication>
 
@@ -26,6 +27,7 @@ int main(int argc, char* argv[])
     registry.Add(std::make_unique<ZELKinSolveCommand>());
     registry.Add(std::make_unique<ZELKinPostCommand>());
     registry.Add(std::make_unique<ZELKinGCodeCommand>());
+    registry.Add(std::make_unique<ZELKinVerifyCommand>());
 
     return ZELKinApplication(registry, QStringLiteral(ZELKIN_VERSION)).Run(QCoreApplication::arguments().mid(1));
 }

@@ -1,0 +1,107 @@
+#ifndef ZELKINNCREPLAY_H
+#define ZELKINNCREPLAY_H
+
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <limits>
+
+class ZELKinAFPMachine;
+
+//! One motion line of a posted ply file and the axis values the machine
+//! stands at once it has run.
+struct ZELKinNCMotion
+{
+    //! The line's number in its file on disk, from 1.
+    unsigned line = 0;
+    //! The course the line belongs to, from the course record before it
+    //! ("CourseNumber="); 0 before the first course.
+    int course = 0;
+    //! A line along the course: between COURSE_MODE and OFF_COURSE_MODE, and
+    //! the first off-part point after it. Other lines belong to the links.
+    bool alongCourse = false;
+    //! A rapid move (G0), which runs at the machine's own speed.
+    bool rapid = false;
+    //! Every machine variable in the machine's order, in model units (mm,
+    //! rad; the material axis in mm of material): the modal value after the
+    //! line, NaN until a line sets it. X, Y and Z are the roller centre, as
+    //! TRAORI reads them.
+    QVector<double> values;
+    //! The values the line starts from: the last line's, with any preset
+    //! since then (the course start's "G92(U,0.0000)") applied.
+    QVector<double> starts;
+    //! The modal feed (mm/min); NaN until a line sets it.
+    double feedrate = std::numeric_limits<double>::quiet_NaN();
+};
+
+//! One tow event of a course's ";PMAC1: G500" lines.
+struct ZELKinNCTowEvent
+{
+    unsigned line = 0;
+    int course = 0;
+    //! Material from the course start (mm).
+    double u = 0.0;
+    //! "A/B", "A/E", "C/B", "P/B" or "P/E".
+    QString code;
+    //! Bit 0 is tow 1.
+    quint64 tows = 0;
+};
+
+//! What one ply file of a posted program holds, as the controller reads it.
+struct ZELKinNCPlyFile
+{
+    //! The file on disk that holds the lines: the ply file, or the bundle.
+    QString path;
+    //! The ply file's own name, "NAME#0101.PPF" (a section name in a bundle).
+    QString name;
+    //! "0101".
+    QString plyNumber;
+    //! The procedure the program-set file names for the ply.
+    QString procedure;
+    QList<ZELKinNCMotion> motions;
+    QList<ZELKinNCTowEvent> towEvents;
+};
+
+/*!
+    Reads posted NC files back as a controller runs them: the program-set
+    file for the list of plies, then each ply file line by line through
+    ZELKinGCodeRecord, keeping every axis word modal. Inches and degrees are
+    converted back to mm and rad; the material axis is in mm already. The
+    probing file is not read.
+
+    Throws ZELSysException for a path that holds no posted program, a file
+    that cannot be read and a ply file the program-set file does not list.
+*/
+class ZELKinNCReplay
+{
+public:
+    //! `machine` (not owned) gives the axis labels, their kinds and the
+    //! material axis.
+    explicit ZELKinNCReplay(const ZELKinAFPMachine& machine);
+
+    //! `path` is what "zelkin post" was given: a folder (holding the
+    //! program's folder, or the program's folder itself), a bundle file
+    //! (.bun) or the .aptsource beside one. Plies come in ply number order.
+    QList<ZELKinNCPlyFile> Read(const QString& path) const;
+
+private:
+    struct Section
+    {
+        QString path;
+        QString name;
+        //! The line of the file on disk that comes before the section's first.
+        unsigned firstLine = 0;
+        QStringList lines;
+    };
+
+    QList<Section> ReadSections(const QString& path) const;
+    ZELKinNCPlyFile ReplayPly(const Section& section) const;
+
+    QStringList m_labels;
+    QVector<double> m_scales;
+};
+
+#endif // ZELKINNCREPLAY_H

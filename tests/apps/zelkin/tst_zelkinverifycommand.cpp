@@ -1,0 +1,385 @@
+#include "zelkintoolrun.h"
+
+#include <zeltestsupport.h>
+
+#include <QDirIterator>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <functional>
+
+namespace {
+
+const QString kToolpath = QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/cylinder-section.json");
+const QString kPlyName = QStringLiteral("cylinder-section#0101.PPF");
+const QString kVerifyHint = QStringLiteral("zelkin: hint: run 'zelkin help verify' for its usage");
+
+// Measured in the findings' own units, which carry four decimals.
+constexpr double kReported = 1e-4;
+// A changed word is written with four decimals of an inch.
+constexpr double kInchWord = 0.002;
+
+QProcessEnvironment Reproducible()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("1700000000"));
+    return environment;
+}
+
+QStringList ReadLines(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    return lines;
+}
+
+void WriteLines(const QString& path, const QStringList& lines)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
+    file.write((lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8());
+}
+
+// The number after `word` on `line` (a word such as "X" or "C1=").
+double WordValue(const QString& line, const QString& word)
+{
+    const QRegularExpression pattern(QRegularExpression::escape(word) + QStringLiteral("(-?\\d+\\.\\d+)"));
+    return pattern.match(line).captured(1).toDouble();
+}
+
+// `line` with `words` put in before its comment.
+QString WithWords(const QString& line, const QString& words)
+{
+    QString changed = line;
+    return changed.insert(line.indexOf(QLatin1Char(';')), words);
+}
+
+QString WithWord(const QString& line, const QString& word, double value)
+{
+    const QRegularExpression pattern(QRegularExpression::escape(word) + QStringLiteral("-?\\d+\\.\\d+"));
+    QString changed = line;
+    return changed.replace(pattern, word + QString::number(value, 'f', 4));
+}
+
+// The demo part posted once for all tests; each test works on a copy.
+class ZELKinVerifyCommand : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        posted = new QTemporaryDir();
+        const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"),
+                                             GetExampleMachinePath(), QStringLiteral("--toolpath"), kToolpath,
+                                             QStringLiteral("--output"), posted->path()},
+                                            Reproducible());
+        ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    }
+
+    static void TearDownTestSuite()
+    {
+        delete posted;
+        posted = nullptr;
+    }
+
+    void SetUp() override
+    {
+        const QDir from(QDir(posted->path()).filePath(QStringLiteral("cylinder-section")));
+        program = QDir(copy.path()).filePath(QStringLiteral("cylinder-section"));
+        ASSERT_TRUE(QDir().mkpath(program));
+        for (const QString& name : from.entryList(QDir::Files))
+            ASSERT_TRUE(QFile::copy(from.filePath(name), QDir(program).filePath(name)));
+        ply = QDir(program).filePath(kPlyName);
+    }
+
+    ZELKinToolRun Verify(const QStringList& extra = {}) const
+    {
+        return RunZelkin(QStringList{QStringLiteral("verify"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                     QStringLiteral("--toolpath"), kToolpath, QStringLiteral("--nc"), copy.path()}
+                         + extra);
+    }
+
+    QJsonObject VerifyAsJson() const
+    {
+        const ZELKinToolRun run = Verify({QStringLiteral("--json")});
+        EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+        QJsonParseError error;
+        const QJsonDocument document = QJsonDocument::fromJson(run.standardOutput.toUtf8(), &error);
+        EXPECT_EQ(error.error, QJsonParseError::NoError) << run.standardOutput.toStdString();
+        return document.object();
+    }
+
+    // The number, from 1, of the `which`-th line after "COURSE_MODE" in the
+    // block of course `course` of the first ply.
+    int CourseLine(int course, int which) const
+    {
+        const QStringList lines = ReadLines(ply);
+        const QString record = QStringLiteral(";[COURSE] CourseNumber=%1,").arg(course);
+        const auto start = std::find_if(lines.cbegin(), lines.cend(),
+                                        [&record](const QString& line) { return line.startsWith(record); });
+        const int mode = lines.indexOf(QStringLiteral("COURSE_MODE"), int(start - lines.cbegin()));
+        return mode + 1 + which;
+    }
+
+    void ChangeLine(int number, const std::function<QString(const QString&)>& change) const
+    {
+        QStringList lines = ReadLines(ply);
+        lines[number - 1] = change(lines.at(number - 1));
+        WriteLines(ply, lines);
+    }
+
+    static QList<QJsonObject> FindingsOf(const QJsonObject& result, const QString& check)
+    {
+        QList<QJsonObject> findings;
+        for (const QJsonValue& finding : result.value(QStringLiteral("findings")).toArray()) {
+            if (finding.toObject().value(QStringLiteral("check")).toString() == check)
+                findings.append(finding.toObject());
+        }
+        return findings;
+    }
+
+    static inline QTemporaryDir* posted = nullptr;
+    QTemporaryDir copy;
+    QString program;
+    QString ply;
+};
+
+} // namespace
+
+TEST_F(ZELKinVerifyCommand, ThePostedDemoPartPassesEveryCheck)
+{
+    const ZELKinToolRun run = Verify();
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 0) << run.standardOutput.toStdString();
+    EXPECT_TRUE(run.standardOutput.endsWith(QStringLiteral("Result: PASS\n"))) << run.standardOutput.toStdString();
+    EXPECT_FALSE(run.standardOutput.contains(QStringLiteral("Findings:")));
+    // The library's progress lines go to stderr, out of the report's way.
+    EXPECT_FALSE(run.standardOutput.contains(QStringLiteral("Solving kinematics")));
+    EXPECT_TRUE(run.standardError.contains(QStringLiteral("Solving kinematics")));
+}
+
+TEST_F(ZELKinVerifyCommand, TheSummaryHasOneRowPerPlyWithItsProcedure)
+{
+    const QStringList lines = Verify().standardOutput.split(QLatin1Char('\n'));
+    EXPECT_EQ(lines.at(0), QStringLiteral("Verified NC: %1").arg(copy.path()));
+    EXPECT_EQ(lines.at(1), QStringLiteral("Gates: roller centre 0.0100 mm, normal and travel 0.0600 deg, flip "
+                                          "30.000 deg, singularity 2.000 deg, tow events 0.010 mm"));
+    EXPECT_TRUE(lines.at(3).startsWith(QStringLiteral("ply   procedure  courses  lines  matched  links  centre mm")));
+    EXPECT_TRUE(lines.at(4).startsWith(QStringLiteral("0101  Ply 1 0    4 ")));
+    EXPECT_TRUE(lines.at(5).startsWith(QStringLiteral("0102  Ply 2 +45  4 ")));
+    EXPECT_TRUE(lines.at(6).startsWith(QStringLiteral("0103  Ply 3 -45  4 ")));
+    EXPECT_TRUE(lines.at(7).startsWith(QStringLiteral("0104  Ply 4 +90  4 ")));
+}
+
+TEST_F(ZELKinVerifyCommand, TheJsonFormMatchesEveryCourseLineAndKeepsTheGates)
+{
+    const QJsonObject result = VerifyAsJson();
+    EXPECT_TRUE(result.value(QStringLiteral("passed")).toBool());
+    const QJsonObject gates = result.value(QStringLiteral("gates")).toObject();
+    EXPECT_TRUE(ZELTest::SameDouble(0.01, gates.value(QStringLiteral("centreMm")).toDouble(), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(0.06, gates.value(QStringLiteral("angleDeg")).toDouble(), ZELTest::kTight));
+    const QJsonArray plies = result.value(QStringLiteral("plies")).toArray();
+    ASSERT_EQ(plies.size(), 4);
+    for (const QJsonValue& value : plies) {
+        const QJsonObject ply = value.toObject();
+        EXPECT_EQ(ply.value(QStringLiteral("courses")).toInt(), 4);
+        EXPECT_GT(ply.value(QStringLiteral("matchedLines")).toInt(), 4 * 20);
+        EXPECT_EQ(ply.value(QStringLiteral("matchedLines")).toInt() + ply.value(QStringLiteral("linkLines")).toInt(),
+                  ply.value(QStringLiteral("motionLines")).toInt());
+        EXPECT_LE(ply.value(QStringLiteral("maxCentreMm")).toObject().value(QStringLiteral("value")).toDouble(), 0.01);
+        EXPECT_GT(ply.value(QStringLiteral("towEvents")).toInt(), 0);
+    }
+    EXPECT_TRUE(result.value(QStringLiteral("findings")).toArray().isEmpty());
+}
+
+TEST_F(ZELKinVerifyCommand, AnXWordMovedATenthOfAnInchIsNamedWithItsFileAndLine)
+{
+    const int line = CourseLine(2, 5);
+    double written = 0.0;
+    ChangeLine(line, [&](const QString& text) {
+        written = WordValue(text, QStringLiteral("X"));
+        return WithWord(text, QStringLiteral("X"), written + 0.1);
+    });
+    ASSERT_NE(written, 0.0) << "the line has an X word";
+
+    const ZELKinToolRun run = Verify();
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("%1:%2: centre: the roller centre is 2.5").arg(ply).arg(line)))
+        << run.standardOutput.toStdString();
+    EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("Result: FAIL")));
+
+    const QList<QJsonObject> findings = FindingsOf(VerifyAsJson(), QStringLiteral("centre"));
+    ASSERT_EQ(findings.size(), 1);
+    EXPECT_EQ(findings.first().value(QStringLiteral("file")).toString(), ply);
+    EXPECT_EQ(findings.first().value(QStringLiteral("line")).toInt(), line);
+    EXPECT_EQ(findings.first().value(QStringLiteral("course")).toInt(), 2);
+    EXPECT_EQ(findings.first().value(QStringLiteral("ply")).toString(), QStringLiteral("0101"));
+    EXPECT_EQ(findings.first().value(QStringLiteral("procedure")).toString(), QStringLiteral("Ply 1 0"));
+    EXPECT_TRUE(ZELTest::SameDouble(2.54, findings.first().value(QStringLiteral("value")).toDouble(), kInchWord));
+}
+
+TEST_F(ZELKinVerifyCommand, AFirstRollTurnedInsideACourseIsAFlipAndTurnsTheNormal)
+{
+    // Ply 2 turns its first roll C along every course, so every line has a C word.
+    ply = QDir(program).filePath(QStringLiteral("cylinder-section#0102.PPF"));
+    const int line = CourseLine(2, 6);
+    double written = 0.0;
+    ChangeLine(line, [&](const QString& text) {
+        written = WordValue(text, QStringLiteral("C"));
+        return WithWord(text, QStringLiteral("C"), written + 40.0);
+    });
+
+    const QJsonObject result = VerifyAsJson();
+    EXPECT_FALSE(result.value(QStringLiteral("passed")).toBool());
+    const QList<QJsonObject> flips = FindingsOf(result, QStringLiteral("flip"));
+    ASSERT_EQ(flips.size(), 2) << "into the changed line and out of it";
+    EXPECT_EQ(flips.at(0).value(QStringLiteral("line")).toInt(), line);
+    EXPECT_EQ(flips.at(1).value(QStringLiteral("line")).toInt(), line + 1);
+    EXPECT_EQ(flips.at(0).value(QStringLiteral("subject")).toString(), QStringLiteral("C"));
+    EXPECT_TRUE(flips.at(0).value(QStringLiteral("message")).toString().startsWith(QStringLiteral("C turns ")));
+    EXPECT_GT(flips.at(0).value(QStringLiteral("value")).toDouble(), 30.0);
+    const QList<QJsonObject> normals = FindingsOf(result, QStringLiteral("normal"));
+    ASSERT_EQ(normals.size(), 1);
+    EXPECT_EQ(normals.first().value(QStringLiteral("line")).toInt(), line);
+}
+
+TEST_F(ZELKinVerifyCommand, ARotaryWordBeyondItsLimitIsNamedWithTheLimit)
+{
+    const int line = CourseLine(1, 4);
+    ChangeLine(line, [](const QString& text) { return WithWords(text, QStringLiteral("A100.0000")); });
+
+    const QList<QJsonObject> limits = FindingsOf(VerifyAsJson(), QStringLiteral("limit"));
+    ASSERT_FALSE(limits.isEmpty());
+    EXPECT_EQ(limits.first().value(QStringLiteral("line")).toInt(), line);
+    EXPECT_EQ(limits.first().value(QStringLiteral("subject")).toString(), QStringLiteral("A"));
+    EXPECT_EQ(limits.first().value(QStringLiteral("message")).toString(),
+              QStringLiteral("A at 100.0000 deg is beyond its maximum of 95.0000 deg"));
+    EXPECT_TRUE(ZELTest::SameDouble(95.0, limits.first().value(QStringLiteral("limit")).toDouble(), kReported));
+}
+
+TEST_F(ZELKinVerifyCommand, AFeedFasterThanAnAxisCanFollowIsASpeedFinding)
+{
+    // Along X at 100 m/min, where X runs at most 40 m/min.
+    const int line = CourseLine(2, 5);
+    ChangeLine(line, [](const QString& text) { return text.left(text.indexOf(QLatin1Char(';'))) + "F3937.01"; });
+
+    const QList<QJsonObject> speeds = FindingsOf(VerifyAsJson(), QStringLiteral("speed"));
+    ASSERT_FALSE(speeds.isEmpty());
+    EXPECT_EQ(speeds.first().value(QStringLiteral("line")).toInt(), line);
+    EXPECT_EQ(speeds.first().value(QStringLiteral("subject")).toString(), QStringLiteral("X"));
+    EXPECT_TRUE(ZELTest::SameDouble(40.0, speeds.first().value(QStringLiteral("limit")).toDouble(), kReported));
+    EXPECT_GT(speeds.first().value(QStringLiteral("value")).toDouble(), 40.0);
+}
+
+TEST_F(ZELKinVerifyCommand, ABendNearAQuarterTurnComesCloseToTheSingularity)
+{
+    // With A at 89 degrees the normal stands 1 degree off the first roll axis X.
+    const int line = CourseLine(1, 4);
+    ChangeLine(line, [](const QString& text) { return WithWords(text, QStringLiteral("A89.0000")); });
+    // A is modal: the next line takes it back.
+    ChangeLine(line + 1, [](const QString& text) { return WithWords(text, QStringLiteral("A0.0000")); });
+
+    const QList<QJsonObject> singular = FindingsOf(VerifyAsJson(), QStringLiteral("singularity"));
+    ASSERT_EQ(singular.size(), 1);
+    EXPECT_EQ(singular.first().value(QStringLiteral("line")).toInt(), line);
+    EXPECT_TRUE(ZELTest::SameDouble(1.0, singular.first().value(QStringLiteral("value")).toDouble(), 1e-3));
+    EXPECT_EQ(singular.first().value(QStringLiteral("message")).toString(),
+              QStringLiteral("the normal is 1.000 deg from the first roll axis, the wrist's singularity (gate 2.000 deg)"));
+}
+
+TEST_F(ZELKinVerifyCommand, ATowAddMovedAlongTheCourseIsNamedWithItsEventLine)
+{
+    QStringList lines = ReadLines(ply);
+    const int index = lines.indexOf(QRegularExpression(QStringLiteral("^;PMAC1: G500U[0-9.]+A/B\\[.*")));
+    ASSERT_GE(index, 0);
+    const double u = WordValue(lines.at(index), QStringLiteral("G500U"));
+    lines[index] = WithWord(lines.at(index), QStringLiteral("G500U"), u + 5.0);
+    WriteLines(ply, lines);
+
+    const QList<QJsonObject> tows = FindingsOf(VerifyAsJson(), QStringLiteral("tow"));
+    ASSERT_FALSE(tows.isEmpty());
+    for (const QJsonObject& finding : tows) {
+        EXPECT_EQ(finding.value(QStringLiteral("line")).toInt(), index + 1);
+        EXPECT_TRUE(ZELTest::SameDouble(u + 5.0, finding.value(QStringLiteral("value")).toDouble(), kReported));
+        EXPECT_TRUE(ZELTest::SameDouble(u, finding.value(QStringLiteral("limit")).toDouble(), 0.001));
+    }
+    EXPECT_TRUE(tows.first().value(QStringLiteral("message")).toString().startsWith(QStringLiteral("the NC adds tow ")));
+}
+
+TEST_F(ZELKinVerifyCommand, AMissingTowCutIsCountedAgainstTheToolpath)
+{
+    QStringList lines = ReadLines(ply);
+    const int index = lines.indexOf(QRegularExpression(QStringLiteral("^;PMAC1: G500U[0-9.]+C/B\\[.*")));
+    ASSERT_GE(index, 0);
+    lines.removeAt(index);
+    WriteLines(ply, lines);
+
+    const QList<QJsonObject> tows = FindingsOf(VerifyAsJson(), QStringLiteral("tow"));
+    ASSERT_FALSE(tows.isEmpty());
+    EXPECT_TRUE(tows.first().value(QStringLiteral("message")).toString().contains(QStringLiteral(" 1 times in this "
+                                                                                                 "course, the NC 0 "
+                                                                                                 "times")))
+        << tows.first().value(QStringLiteral("message")).toString().toStdString();
+}
+
+TEST_F(ZELKinVerifyCommand, ABundleIsReadLikeTheFolder)
+{
+    const QString bundle = QDir(copy.path()).filePath(QStringLiteral("job.bun"));
+    ASSERT_EQ(RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                         QStringLiteral("--toolpath"), kToolpath, QStringLiteral("--output"), bundle},
+                        Reproducible())
+                  .exitCode,
+              0);
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("verify"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), kToolpath, QStringLiteral("--nc"), bundle});
+    EXPECT_EQ(run.exitCode, 0) << run.standardOutput.toStdString();
+    EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("\n0104  Ply 4 +90  4 ")));
+}
+
+TEST_F(ZELKinVerifyCommand, AFolderWithoutAPostedProgramIsAnError)
+{
+    const QTemporaryDir empty;
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("verify"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), kToolpath, QStringLiteral("--nc"), empty.path()});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.GetErrorLines().last(),
+              QStringLiteral("zelkin: error: no posted program in %1: no program-set file (.PPSF) there or in a "
+                             "folder inside it")
+                  .arg(empty.path()));
+    EXPECT_TRUE(run.standardOutput.isEmpty());
+}
+
+TEST_F(ZELKinVerifyCommand, APlyTheProgramSetDoesNotListIsAnError)
+{
+    ASSERT_TRUE(QFile::copy(ply, QDir(program).filePath(QStringLiteral("cylinder-section#0109.PPF"))));
+    const ZELKinToolRun run = Verify();
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.GetErrorLines().last(),
+              QStringLiteral("zelkin: error: the program-set file does not list ply 0109 (cylinder-section#0109.PPF)"));
+}
+
+TEST(ZELKinVerifyCommandUsage, WithoutTheNCPathTheCommandLineIsRefused)
+{
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("verify"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), kToolpath});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.GetErrorLines().last(), kVerifyHint);
+}
+
+TEST(ZELKinVerifyCommandUsage, AFlipAngleThatIsNoAngleIsRefused)
+{
+    const ZELKinToolRun run =
+        RunZelkin({QStringLiteral("verify"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                   QStringLiteral("--toolpath"), kToolpath, QStringLiteral("--nc"), QStringLiteral("x"),
+                   QStringLiteral("--flip-angle"), QStringLiteral("wide")});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList({QStringLiteral("zelkin: error: --flip-angle takes an angle in degrees above 0 and below "
+                                          "180, not 'wide'"),
+                           kVerifyHint}));
+}

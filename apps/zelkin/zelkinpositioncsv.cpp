@@ -16,19 +16,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace {
 
 constexpr double kDegreesPerRadian = 57.29577951308232;
-
-QByteArray Field(const QString& text)
-{
-    QByteArray field = text.toUtf8();
-    if (!field.contains(',') && !field.contains('"') && !field.contains('\n') && !field.contains('\r'))
-        return field;
-    field.replace("\"", "\"\"");
-    return '"' + field + '"';
-}
 
 QByteArray ValueField(const ZELKinPosition& position, const ZELKinVariable* variable)
 {
@@ -40,85 +32,101 @@ QByteArray ValueField(const ZELKinPosition& position, const ZELKinVariable* vari
     return QByteArray::number(value, 'f', 6);
 }
 
-class CsvWriter
+// Every position of a program in the order the machine runs them, with the
+// key that names it: procedure, script and index.
+class PositionWalk
 {
 public:
-    CsvWriter(const ZELKinProgram& program, QIODevice* device)
-        : m_variables(program.GetMachine()->GetVariables())
-        , m_device(device)
+    using Visit = std::function<void(const QByteArray& key, const ZELKinPosition& position)>;
+
+    explicit PositionWalk(Visit visit)
+        : m_visit(std::move(visit))
     {
     }
 
-    void WriteHeader()
+    void WalkProgram(const ZELKinProgram& program)
     {
-        QByteArray line("procedure,script,index");
-        for (const ZELKinVariable* variable : m_variables)
-            line += ',' + Field(variable->GetLabel());
-        WriteLine(line);
+        for (const ZELKinProcedure* procedure : program.GetProcedures())
+            WalkProcedure(*procedure);
     }
-
-    void WriteProcedure(const ZELKinProcedure& procedure)
-    {
-        const ZELTPProcedure* source = procedure.GetToolPathProcedure();
-        m_procedure = Field(source ? source->GetName() : procedure.objectName());
-        if (const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(&procedure))
-            WriteRollLayup(*layup);
-        else
-            WriteScript(QStringLiteral("probing"), procedure);
-    }
-
-    bool IsOk() const { return m_ok; }
 
 private:
+    void WalkProcedure(const ZELKinProcedure& procedure)
+    {
+        const ZELTPProcedure* source = procedure.GetToolPathProcedure();
+        m_procedure = ZELKinPositionCsv::Field(source ? source->GetName() : procedure.objectName());
+        if (const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(&procedure))
+            WalkRollLayup(*layup);
+        else
+            WalkScript(QStringLiteral("probing"), procedure);
+    }
+
     // Links and courses in the order the machine runs them: link 0,
     // course 0, link 1, and so on.
-    void WriteRollLayup(const ZELKinRollLayupProcedure& procedure)
+    void WalkRollLayup(const ZELKinRollLayupProcedure& procedure)
     {
         const int scripts = std::max(procedure.GetNumCourseLinks(), procedure.GetNumCourses());
         for (int i = 0; i < scripts; ++i) {
             if (i < procedure.GetNumCourseLinks())
-                WriteScript(QStringLiteral("link %1").arg(i + 1), *procedure.GetCourseLink(i));
+                WalkScript(QStringLiteral("link %1").arg(i + 1), *procedure.GetCourseLink(i));
             if (i < procedure.GetNumCourses())
-                WriteScript(QStringLiteral("course %1").arg(i + 1), *procedure.GetCourse(i));
+                WalkScript(QStringLiteral("course %1").arg(i + 1), *procedure.GetCourse(i));
         }
     }
 
-    void WriteScript(const QString& name, const ZELKinScript& script)
+    void WalkScript(const QString& name, const ZELKinScript& script)
     {
-        const QByteArray prefix = m_procedure + ',' + Field(name) + ',';
+        const QByteArray prefix = m_procedure + ',' + ZELKinPositionCsv::Field(name) + ',';
         const int count = script.GetNumCommands();
         for (int index = 0; index < count; ++index) {
             if (const auto* position = qobject_cast<const ZELKinPosition*>(script.GetCommand(index)))
-                WriteLine(prefix + QByteArray::number(index) + Values(*position));
+                m_visit(prefix + QByteArray::number(index), *position);
         }
     }
 
-    QByteArray Values(const ZELKinPosition& position) const
-    {
-        QByteArray values;
-        for (const ZELKinVariable* variable : m_variables)
-            values += ',' + ValueField(position, variable);
-        return values;
-    }
-
-    void WriteLine(const QByteArray& line)
-    {
-        m_ok = m_ok && m_device->write(line + '\n') == line.size() + 1;
-    }
-
-    const QList<ZELKinVariable*> m_variables;
-    QIODevice* const m_device;
+    Visit m_visit;
     QByteArray m_procedure;
-    bool m_ok = true;
 };
+
+QByteArray Values(const QList<ZELKinVariable*>& variables, const ZELKinPosition& position)
+{
+    QByteArray values;
+    for (const ZELKinVariable* variable : variables)
+        values += ',' + ValueField(position, variable);
+    return values;
+}
 
 } // namespace
 
+QByteArray ZELKinPositionCsv::Field(const QString& text)
+{
+    QByteArray field = text.toUtf8();
+    if (!field.contains(',') && !field.contains('"') && !field.contains('\n') && !field.contains('\r'))
+        return field;
+    field.replace("\"", "\"\"");
+    return '"' + field + '"';
+}
+
 bool ZELKinPositionCsv::Write(const ZELKinProgram& program, QIODevice* device)
 {
-    CsvWriter writer(program, device);
-    writer.WriteHeader();
-    for (const ZELKinProcedure* procedure : program.GetProcedures())
-        writer.WriteProcedure(*procedure);
-    return writer.IsOk();
+    const QList<ZELKinVariable*> variables = program.GetMachine()->GetVariables();
+    bool ok = true;
+    const auto writeLine = [&](const QByteArray& line) { ok = ok && device->write(line + '\n') == line.size() + 1; };
+    QByteArray header("procedure,script,index");
+    for (const ZELKinVariable* variable : variables)
+        header += ',' + Field(variable->GetLabel());
+    writeLine(header);
+    PositionWalk([&](const QByteArray& key, const ZELKinPosition& position) {
+        writeLine(key + Values(variables, position));
+    }).WalkProgram(program);
+    return ok;
+}
+
+QHash<const ZELKinPosition*, QByteArray> ZELKinPositionCsv::GetKeys(const ZELKinProgram& program)
+{
+    QHash<const ZELKinPosition*, QByteArray> keys;
+    PositionWalk([&keys](const QByteArray& key, const ZELKinPosition& position) {
+        keys.insert(&position, key);
+    }).WalkProgram(program);
+    return keys;
 }

@@ -1,7 +1,11 @@
 #ifndef ZELKINPOSITIONCSV_H
 #define ZELKINPOSITIONCSV_H
 
+#include <QByteArray>
+#include <QHash>
+
 class QIODevice;
+class ZELKinPosition;
 class ZELKinProgram;
 
 /*!
@@ -23,6 +27,14 @@ namespace ZELKinPositionCsv {
 //! Writes the CSV of `program` to `device`. Returns false when the device
 //! refuses the data.
 bool Write(const ZELKinProgram& program, QIODevice* device);
+
+//! The first three fields of each position's row, "procedure,script,index",
+//! as Write writes them, for tables that refer to the positions.
+QHash<const ZELKinPosition*, QByteArray> GetKeys(const ZELKinProgram& program);
+
+//! `text` as one CSV field: quoted when it holds a comma, a quote or a line
+//! break, its quotes doubled.
+QByteArray Field(const QString& text);
 
 } // namespace ZELKinPositionCsv
 

@@ -2,9 +2,13 @@
 
 #include "zelkinarguments.h"
 #include "zelkinclock.h"
+#include "zelkinoutputfile.h"
+#include "zelkinpositioncsv.h"
 #include "zelkintranslationjob.h"
 
 #include <zelkinwriter.h>
+
+#include <optional>
 
 namespace {
 
@@ -15,6 +19,7 @@ const QString FormatOption = QStringLiteral("format");
 const QString OptionsOption = QStringLiteral("options");
 const QString PlyOption = QStringLiteral("ply-to-process");
 const QString DebugPathOption = QStringLiteral("debug-path");
+const QString TraceOption = QStringLiteral("trace");
 
 // The one dialect the writer knows; any other name would write nothing.
 const QString AFPGCodeFormat = QStringLiteral("IngersollAFPGCode");
@@ -29,6 +34,41 @@ QString FormatOf(const ZELKinArguments& arguments, const QString& command)
                                command);
     return format;
 }
+
+// The trace CSV: one row per motion line, naming the position it came from
+// as "zelkin solve" names it.
+class LineTraceCsv
+{
+public:
+    LineTraceCsv(const QString& path, const ZELKinProgram& program)
+        : m_file(path)
+        , m_keys(ZELKinPositionCsv::GetKeys(program))
+    {
+        Write("file,line,procedure,script,index");
+    }
+
+    void Trace(const QString& file, qint64 line, const ZELKinPosition* position)
+    {
+        Write(ZELKinPositionCsv::Field(file) + ',' + QByteArray::number(line) + ',' + m_keys.value(position));
+    }
+
+    void Commit()
+    {
+        if (!m_ok)
+            m_file.ThrowWriteError();
+        m_file.Commit();
+    }
+
+private:
+    void Write(const QByteArray& row)
+    {
+        m_ok = m_ok && m_file.GetDevice()->write(row + '\n') == row.size() + 1;
+    }
+
+    ZELKinOutputFile m_file;
+    const QHash<const ZELKinPosition*, QByteArray> m_keys;
+    bool m_ok = true;
+};
 
 } // namespace
 
@@ -45,7 +85,8 @@ QString ZELKinPostCommand::GetSummary() const
 QString ZELKinPostCommand::GetSynopsis() const
 {
     return QStringLiteral("--machine M.xml --toolpath T.json --output PATH [--format NAME]\n"
-                          "                    [--options TEXT] [--ply-to-process TEXT] [--debug-path DIR]");
+                          "                    [--options TEXT] [--ply-to-process TEXT] [--debug-path DIR]\n"
+                          "                    [--trace FILE.csv]");
 }
 
 QString ZELKinPostCommand::GetDescription() const
@@ -75,6 +116,10 @@ QString ZELKinPostCommand::GetDescription() const
         "                         to PATH_procedures and, for a bundle, replace that\n"
         "                         ply's section in the existing bundle.\n"
         "  --debug-path DIR       Write path-solving diagnostic files under DIR.\n"
+        "  --trace FILE.csv       Write, for every motion line of the ply files, its\n"
+        "                         file and line beside the procedure, script and index\n"
+        "                         of the position it came from (as 'zelkin solve'\n"
+        "                         names them).\n"
         "\n"
         "Dates in the files come from SOURCE_DATE_EPOCH when it is set.\n");
 }
@@ -89,7 +134,8 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
                                   QCommandLineOption(FormatOption, QString(), valueName),
                                   QCommandLineOption(OptionsOption, QString(), valueName),
                                   QCommandLineOption(PlyOption, QString(), valueName),
-                                  QCommandLineOption(DebugPathOption, QString(), valueName)});
+                                  QCommandLineOption(DebugPathOption, QString(), valueName),
+                                  QCommandLineOption(TraceOption, QString(), valueName)});
     parsed.RequireAtMostPositionals(0);
     const QString format = FormatOf(parsed, GetName());
     const QString output = parsed.GetRequiredValue(OutputOption);
@@ -101,7 +147,16 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     writer.SetCurrentDateTime(ZELKinClock::Now());
     QString ply = parsed.GetValue(PlyOption);
     writer.SetPlyToProcess(ply);
+    std::optional<LineTraceCsv> trace;
+    if (parsed.IsSet(TraceOption)) {
+        trace.emplace(parsed.GetValue(TraceOption), *job->GetProgram());
+        writer.SetLineTrace([&trace](const QString& file, qint64 line, const ZELKinPosition* position) {
+            trace->Trace(file, line, position);
+        });
+    }
     writer.Write(output, format, parsed.GetValue(OptionsOption));
+    if (trace)
+        trace->Commit();
     ZELKinTranslationJob::KeepUntilExit(std::move(job));
     return ZELKinExitStatus::Success;
 }

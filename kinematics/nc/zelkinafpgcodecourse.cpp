@@ -166,8 +166,11 @@ void ZELKinAFPGCodeCourse::WriteApproach(ZELKinNCStream& out, const ZELKinTowCou
     out << ";Last off part point\n"
         << kFromPark << "MSG(\"Verify compaction roller is above expected starting point on tool\")\n"
         << kFromPark << "M0; Program Stop\n"
-        << kFromPark << "MSG(\"\")\n"
-        << "N1G641 ADIS=OFF_PART ";
+        << kFromPark << "MSG(\"\")\n";
+    // The lines marked ";[FROM PARK]" and ";[FROM COURSE]" run only on one
+    // way into the course; this one always does.
+    out.TracePosition(last);
+    out << "N1G641 ADIS=OFF_PART ";
     words.Write(out, last);
     out << "; Last off part point\n"
         << ";[FROM COURSE]M7; Check if prior course completed\n"
@@ -217,7 +220,9 @@ ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStr
         if (ZELKinAFPGCodeAxisWords::IsSamePosition(values, writtenValues))
             continue;
         const double feed = words.LimitFeed(position->GetFeedrate(), codes.afterAdd, codes.afterCut);
-        out << "\nN" << position->GetNIndex();
+        out << '\n';
+        out.TracePosition(position);
+        out << 'N' << position->GetNIndex();
         if (std::abs(feed - previousFeed) > kFeedChangeTolerance && i < count - 3)
             out << "M69";
         ZELKinAFPGCodeAxisWords::SetActualFeed(position, feed);
@@ -246,6 +251,7 @@ ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStr
                                  : nullptr;
     if (!last)
         return written;
+    out.TracePosition(last);
     out << 'N' << last->GetNIndex() << "G1G641 ADIS=OFF_PART M5M18";
     words.Write(out, last, written.position);
     out << ";First off part point\n";
@@ -270,6 +276,7 @@ void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCour
             started = true;
             continue;
         }
+        out.TracePosition(position);
         out << 'N' << written.lastCourseLineN + 1 + j << "G1G642 ADIS=OFF_PART ";
         words.Write(out, position, written.position);
         out << '\n';

@@ -121,6 +121,11 @@ void ZELKinAFPGCodeWriter::SetCurrentDateTime(const QDateTime& now)
     this->now = now;
 }
 
+void ZELKinAFPGCodeWriter::SetLineTrace(ZELKinWriter::LineTrace trace)
+{
+    lineTrace = std::move(trace);
+}
+
 void ZELKinAFPGCodeWriter::Write(ZELKinProgram* program) const
 {
     ZELKinAFPGCodePlies::Number(program);
@@ -257,12 +262,16 @@ QString ZELKinAFPGCodeWriter::MakePartFolder(const QString& directory, const QSt
     return parent.filePath(name);
 }
 
-void ZELKinAFPGCodeWriter::WriteFile(const QString& fileName, const QString& failure, const TextWriter& write)
+void ZELKinAFPGCodeWriter::WriteFile(const QString& fileName, const QString& failure, const TextWriter& write) const
 {
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
         Fatal(failure.arg(InLatin1(fileName)));
     ZELKinNCStream out(&file);
+    if (lineTrace)
+        out.SetPositionTrace([this, &fileName](qint64 line, const ZELKinPosition* position) {
+            lineTrace(fileName, line, position);
+        });
     write(out);
     out.Flush();
     if (!file.commit())

@@ -2,6 +2,7 @@
 #define ZELKINAFPGCODEWRITER_P_H
 
 #include "zelkinafpgcodetowevents_p.h"
+#include "zelkinwriter.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -58,6 +59,8 @@ public:
     //! The time printed as the time the files were made; the time the
     //! writer was made by default.
     void SetCurrentDateTime(const QDateTime& now);
+    //! As ZELKinWriter::SetLineTrace.
+    void SetLineTrace(ZELKinWriter::LineTrace trace);
 
     void Write(ZELKinProgram* program) const;
 
@@ -76,7 +79,7 @@ private:
     static QString MakePartFolder(const QString& directory, const QString& name);
     //! Writes `fileName` in full through `write`, then puts it in place.
     //! `failure` is the fatal message, "%1" standing for the file name.
-    static void WriteFile(const QString& fileName, const QString& failure, const TextWriter& write);
+    void WriteFile(const QString& fileName, const QString& failure, const TextWriter& write) const;
     static void PrintProgress(const ZELKinProcedure* procedure);
 
     TextWriter ProgramSetText(const ZELKinProgram* program) const;
@@ -88,6 +91,7 @@ private:
     ZELKinAFPGCodeTowEvents::PinchSplitting splitting;
     QString plyToProcess;
     QDateTime now;
+    ZELKinWriter::LineTrace lineTrace;
 };
 
 #endif // ZELKINAFPGCODEWRITER_P_H

@@ -4,6 +4,7 @@
 
 #include <QIODevice>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -83,9 +84,18 @@ ZELKinNCStream& ZELKinNCStream::operator<<(Fixed number)
 
 void ZELKinNCStream::Flush()
 {
+    GetLineNumber();
     if (used > 0)
         device->write(buffer.constData(), used);
     used = 0;
+    counted = 0;
+}
+
+qint64 ZELKinNCStream::GetLineNumber()
+{
+    lineEnds += std::count(data + counted, data + used, '\n');
+    counted = used;
+    return lineEnds + 1;
 }
 
 void ZELKinNCStream::MakeRoom(qsizetype size)

@@ -7,7 +7,10 @@
 #include <QString>
 #include <QStringEncoder>
 
+#include <functional>
+
 class QIODevice;
+class ZELKinPosition;
 
 /*!
     Writes NC text into a device through a buffer of its own, so that a
@@ -55,6 +58,23 @@ public:
     //! Hands what the buffer holds to the device.
     void Flush();
 
+    //! The number of the line being written, from 1: the line ends written
+    //! so far, plus one. Line ends are counted block by block as the
+    //! buffer is handed on.
+    qint64 GetLineNumber();
+
+    //! Told the line number and the position of every motion line, by
+    //! TracePosition.
+    using PositionTrace = std::function<void(qint64 line, const ZELKinPosition* position)>;
+    void SetPositionTrace(PositionTrace trace) { positionTrace = std::move(trace); }
+    //! Tells the trace, if any, that the line being written moves to
+    //! `position`; a null position is not told.
+    void TracePosition(const ZELKinPosition* position)
+    {
+        if (positionTrace && position)
+            positionTrace(GetLineNumber(), position);
+    }
+
 private:
     //! Room for `size` more bytes at the end of the buffer.
     char* Reserve(qsizetype size)
@@ -81,6 +101,11 @@ private:
     qsizetype used = 0;
     //! Stateless, as every string is written whole.
     QStringEncoder toUtf8;
+    //! Line ends in the bytes handed to the device, and in the buffer's
+    //! first `counted` bytes.
+    qint64 lineEnds = 0;
+    qsizetype counted = 0;
+    PositionTrace positionTrace;
 
     Q_DISABLE_COPY_MOVE(ZELKinNCStream)
 };

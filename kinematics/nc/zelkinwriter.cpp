@@ -31,6 +31,12 @@ void ZELKinWriter::SetCurrentDateTime(const QDateTime& now)
     d->currentDateTime = now;
 }
 
+void ZELKinWriter::SetLineTrace(LineTrace trace)
+{
+    Q_D(ZELKinWriter);
+    d->lineTrace = std::move(trace);
+}
+
 void ZELKinWriter::Write(const QString& path, const QString& format, const QString& options)
 {
     Q_D(ZELKinWriter);
@@ -49,5 +55,6 @@ void ZELKinWriter::Write(const QString& path, const QString& format, const QStri
         writer.SetPlyToProcess(d->plyToProcess);
     if (!d->currentDateTime.isNull())
         writer.SetCurrentDateTime(d->currentDateTime);
+    writer.SetLineTrace(d->lineTrace);
     writer.Write(d->program);
 }

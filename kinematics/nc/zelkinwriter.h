@@ -6,8 +6,10 @@
 #include <QDateTime>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
+class ZELKinPosition;
 class ZELKinProgram;
 class ZELKinWriterPrivate;
 
@@ -46,6 +48,19 @@ public:
     //! "Tool Point File processed at"), so that a run can be reproduced.
     //! While it is null (the default), each Write takes the current time.
     void SetCurrentDateTime(const QDateTime& now);
+
+    /*!
+        Told, for every motion line of the ply files that the controller
+        always runs (the approach line "N1G641 ADIS=OFF_PART", each line
+        along a course, the first off-part point and the retract lines), the
+        file it is written to (a path below Write's `path`, or the bundle),
+        its line number there from 1, and the position it moves to. In a
+        bundle the line numbers count the bundle's lines. Called while the
+        file is being written, in line order; an empty trace (the default) is
+        not called. The trace must not throw.
+    */
+    using LineTrace = std::function<void(const QString& file, qint64 line, const ZELKinPosition* position)>;
+    void SetLineTrace(LineTrace trace);
 
     /*!
         Writes the program in `format`; a format other than

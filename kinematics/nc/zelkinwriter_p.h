@@ -24,6 +24,7 @@ public:
     QString plyToProcess;
     //! The time the files print; the current time while null.
     QDateTime currentDateTime;
+    ZELKinWriter::LineTrace lineTrace;
 };
 
 #endif // ZELKINWRITER_P_H

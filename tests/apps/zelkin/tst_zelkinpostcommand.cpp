@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QMap>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <string>
@@ -332,3 +333,116 @@ INSTANTIATE_TEST_SUITE_P(
                    QStringLiteral("--format"), QStringLiteral("Fanuc")},
                   "unknown NC format 'Fanuc' (known: IngersollAFPGCode)"}),
     [](const ::testing::TestParamInfo<UsageCase>& info) { return std::string(info.param.name); });
+
+TEST(ZELKinPostCommand, TheSameInputsAndSourceDateGiveTheSameFilesInAFolderSolvedOnEveryCore)
+{
+    QTemporaryDir directory;
+    const QString toolpath = QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/dome.json");
+    QList<QMap<QString, QByteArray>> runs;
+    for (const QString& folder : {QStringLiteral("first"), QStringLiteral("second")}) {
+        const QString output = QDir(directory.path()).filePath(folder);
+        const ZELKinToolRun run =
+            RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                       QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output},
+                      Reproducible());
+        ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+        runs.append(ContentsBelow(output));
+    }
+    EXPECT_EQ(runs.at(0).size(), 6);
+    EXPECT_EQ(runs.at(0), runs.at(1));
+}
+
+// The trace of motion lines.
+
+namespace {
+
+// Every numbered block ("N...") of the ply files below `directory`, as
+// "<path>,<line>", in file and line order.
+QStringList NumberedBlocksBelow(const QString& directory)
+{
+    QStringList blocks;
+    for (const QString& file : FilesBelow(directory)) {
+        if (!file.endsWith(QStringLiteral(".PPF")))
+            continue;
+        const QString path = QDir(directory).filePath(file);
+        const QStringList lines = LinesOf(path);
+        for (int i = 0; i < lines.size(); ++i) {
+            if (lines.at(i).startsWith(QLatin1Char('N')))
+                blocks.append(QStringLiteral("%1,%2").arg(path).arg(i + 1));
+        }
+    }
+    return blocks;
+}
+
+} // namespace
+
+TEST(ZELKinPostCommand, TheTraceNamesEveryNumberedBlockOfThePlyFilesWithThePositionSolveNames)
+{
+    const Posting posting;
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+    const QString trace = posting.PathOf(QStringLiteral("trace.csv"));
+    const QString axes = posting.PathOf(QStringLiteral("axes.csv"));
+    ASSERT_EQ(posting.Post(output, {QStringLiteral("--trace"), trace}).exitCode, 0);
+    ASSERT_EQ(RunZelkin({QStringLiteral("solve"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                         QStringLiteral("--toolpath"), posting.toolpath, QStringLiteral("--csv"), axes})
+                  .exitCode,
+              0);
+
+    QStringList rows = LinesOf(trace);
+    ASSERT_EQ(rows.takeLast(), QString()) << "the trace ends its last line";
+    ASSERT_EQ(rows.takeFirst(), QStringLiteral("file,line,procedure,script,index"));
+    QStringList places;
+    for (const QString& row : rows)
+        places.append(row.section(QLatin1Char(','), 0, 1));
+    EXPECT_EQ(places, NumberedBlocksBelow(output));
+
+    // Each traced line moves X where the position solve names puts it.
+    QMap<QString, QString> xOf;
+    for (const QString& row : LinesOf(axes).mid(1))
+        xOf.insert(row.section(QLatin1Char(','), 0, 2), row.section(QLatin1Char(','), 3, 3));
+    int checked = 0;
+    for (const QString& row : rows) {
+        const QString line = LinesOf(row.section(QLatin1Char(','), 0, 0)).at(row.section(QLatin1Char(','), 1, 1).toInt() - 1);
+        const QString key = row.section(QLatin1Char(','), 2, 4);
+        ASSERT_TRUE(xOf.contains(key)) << key.toStdString();
+        const QRegularExpressionMatch x = QRegularExpression(QStringLiteral("X(-?\\d+\\.\\d{4})")).match(line);
+        if (!x.hasMatch())
+            continue;
+        EXPECT_EQ(x.captured(1), QString::number(xOf.value(key).toDouble() / 25.4, 'f', 4))
+            << row.toStdString() << ": " << line.toStdString();
+        ++checked;
+    }
+    EXPECT_GT(checked, rows.size() / 2);
+}
+
+TEST(ZELKinPostCommand, InABundleTheTraceGivesTheBundlesLines)
+{
+    const Posting posting;
+    const QString bundle = posting.PathOf(QStringLiteral("job.bun"));
+    const QString trace = posting.PathOf(QStringLiteral("trace.csv"));
+    ASSERT_EQ(posting.Post(bundle, {QStringLiteral("--trace"), trace}).exitCode, 0);
+
+    const QStringList lines = LinesOf(bundle);
+    const QStringList rows = LinesOf(trace).mid(1, LinesOf(trace).size() - 2);
+    ASSERT_FALSE(rows.isEmpty());
+    int numbered = 0;
+    for (const QString& line : lines)
+        numbered += line.startsWith(QLatin1Char('N')) ? 1 : 0;
+    EXPECT_EQ(rows.size(), numbered);
+    for (const QString& row : rows) {
+        EXPECT_EQ(row.section(QLatin1Char(','), 0, 0), bundle);
+        EXPECT_TRUE(lines.at(row.section(QLatin1Char(','), 1, 1).toInt() - 1).startsWith(QLatin1Char('N')))
+            << row.toStdString();
+    }
+}
+
+TEST(ZELKinPostCommand, ATraceThatCannotBeWrittenIsAnError)
+{
+    const Posting posting;
+    const ZELKinToolRun run =
+        posting.Post(posting.PathOf(QStringLiteral("nc")), {QStringLiteral("--trace"), QStringLiteral("/dev/full")});
+    EXPECT_EQ(run.exitCode, 1);
+    ASSERT_EQ(run.GetErrorLines().size(), 1);
+    EXPECT_TRUE(run.GetErrorLines().first().startsWith(QStringLiteral("zelkin: error: cannot write /dev/full: ")))
+        << run.standardError.toStdString();
+}

@@ -150,3 +150,51 @@ TEST(ZELKinNCStream, DestroyingTheStreamWritesWhatIsLeft)
     const QByteArray bytes = NCStreamBytes([](ZELKinNCStream& out) { out << "M02\n"; });
     EXPECT_EQ(bytes, QByteArray("M02\n"));
 }
+
+TEST(ZELKinNCStream, LineNumbersCountTheLineEndsWrittenAcrossBlocks)
+{
+    QByteArray bytes;
+    QBuffer device(&bytes);
+    device.open(QIODevice::WriteOnly);
+    // Blocks of 16 bytes: most lines end after the first block has gone.
+    ZELKinNCStream out(&device, 16);
+    EXPECT_EQ(out.GetLineNumber(), 1);
+    for (int line = 1; line <= 100; ++line) {
+        ASSERT_EQ(out.GetLineNumber(), line);
+        out << "N" << line << "G1X1.0000\n";
+    }
+    EXPECT_EQ(out.GetLineNumber(), 101);
+    out << "no line end";
+    EXPECT_EQ(out.GetLineNumber(), 101);
+}
+
+TEST(ZELKinNCStream, ATraceIsToldTheLineOfEachPositionAndNeverANullOne)
+{
+    QByteArray bytes;
+    QBuffer device(&bytes);
+    device.open(QIODevice::WriteOnly);
+    ZELKinNCStream out(&device, 16);
+    QList<std::pair<qint64, const ZELKinPosition*>> told;
+    out.SetPositionTrace([&told](qint64 line, const ZELKinPosition* position) { told.append({line, position}); });
+    // Only the address matters to the trace.
+    const auto* first = reinterpret_cast<const ZELKinPosition*>(&bytes);
+    const auto* second = reinterpret_cast<const ZELKinPosition*>(&device);
+    out << "COURSE_MODE\n";
+    out.TracePosition(first);
+    out << "N1G1X1.0000\nM69\n";
+    out.TracePosition(nullptr);
+    out.TracePosition(second);
+    out << "N2G1X2.0000\n";
+    const QList<std::pair<qint64, const ZELKinPosition*>> expected{{2, first}, {4, second}};
+    EXPECT_EQ(told, expected);
+}
+
+TEST(ZELKinNCStream, WithoutATraceTracingAPositionDoesNothing)
+{
+    const QByteArray bytes = NCStreamBytes([](ZELKinNCStream& out) {
+        out << "A\n";
+        out.TracePosition(reinterpret_cast<const ZELKinPosition*>(&out));
+        out << "B\n";
+    });
+    EXPECT_EQ(bytes, QByteArray("A\nB\n"));
+}

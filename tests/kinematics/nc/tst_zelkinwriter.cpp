@@ -591,3 +591,78 @@ TEST_F(ZELKinWriterTest, OnePlyWithoutAnOldBundleEndsTheProcess)
         ZELTest::Literally(QStringLiteral("Could not open the old bundle file for reading: '%1'").arg(bundle)));
     EXPECT_FALSE(QFileInfo::exists(bundle));
 }
+
+// The trace of motion lines.
+
+namespace {
+
+struct TracedLine
+{
+    QString file;
+    qint64 line;
+    const ZELKinPosition* position;
+};
+
+// Every line of `path` that the controller runs as a numbered block ("N..."),
+// as "<path>:<line>".
+QStringList NumberedBlocks(const QString& path)
+{
+    QStringList blocks;
+    const QStringList lines = NCFixture::ReadText(path).split(QLatin1Char('\n'));
+    for (int i = 0; i < lines.size(); ++i) {
+        if (lines.at(i).startsWith(QLatin1Char('N')))
+            blocks.append(QStringLiteral("%1:%2").arg(path).arg(i + 1));
+    }
+    return blocks;
+}
+
+QStringList PlacesOf(const QList<TracedLine>& traced)
+{
+    QStringList places;
+    for (const TracedLine& line : traced)
+        places.append(QStringLiteral("%1:%2").arg(line.file).arg(line.line));
+    return places;
+}
+
+} // namespace
+
+TEST_F(ZELKinWriterTest, ALineTraceIsToldEveryNumberedBlockOfThePlyFilesInOrder)
+{
+    BuildTwoPlies(f);
+    QList<TracedLine> traced;
+    ZELKinWriter writer(f.program);
+    writer.SetCurrentDateTime(NCFixture::Now());
+    writer.SetLineTrace([&traced](const QString& file, qint64 line, const ZELKinPosition* position) {
+        traced.append(TracedLine{file, line, position});
+    });
+    writer.Write(Output(QStringLiteral("nc")), kFormat, QString());
+
+    const QString first = Output(QStringLiteral("nc/PART/PART#0101.PPF"));
+    const QString second = Output(QStringLiteral("nc/PART/PART#0102.PPF"));
+    // Per ply: the approach line and the off-part point, the course's last
+    // position; its first is the approach point, and the retract leaves from
+    // the off-part point, so neither gives a line.
+    ASSERT_EQ(NumberedBlocks(first).size(), 2);
+    EXPECT_EQ(PlacesOf(traced), NumberedBlocks(first) + NumberedBlocks(second));
+
+    const auto* firstPly = qobject_cast<ZELKinRollLayupProcedure*>(f.program->GetProcedure(0));
+    ASSERT_NE(firstPly, nullptr);
+    EXPECT_EQ(traced.at(0).position, firstPly->GetCourseLink(0)->GetLastPosition());
+    EXPECT_EQ(traced.at(1).position, firstPly->GetCourse(0)->GetLastPosition());
+}
+
+TEST_F(ZELKinWriterTest, InABundleTheTraceCountsTheBundlesLines)
+{
+    BuildTwoPlies(f);
+    QList<TracedLine> traced;
+    ZELKinWriter writer(f.program);
+    writer.SetCurrentDateTime(NCFixture::Now());
+    writer.SetLineTrace([&traced](const QString& file, qint64 line, const ZELKinPosition* position) {
+        traced.append(TracedLine{file, line, position});
+    });
+    const QString bundle = Output(QStringLiteral("job.bun"));
+    writer.Write(bundle, kFormat, QString());
+
+    EXPECT_EQ(PlacesOf(traced), NumberedBlocks(bundle));
+    EXPECT_EQ(traced.size(), 4);
+}

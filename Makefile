@@ -1,5 +1,6 @@
 # Two entry points for a fresh Debian 12 machine:
-#   make demo   set up, build, and post a generated part for the shipped example machine
+#   make demo   set up, build, post a generated part for the shipped example machine, verify it
+#               and write its HTML report
 #   make test   set up, build, and run the whole test suite through CTest
 # and two for the benchmarks (an optimised build of their own, in build-bench):
 #   make bench        every benchmark at every size, one table of the targets (10 to 20 minutes)
@@ -19,7 +20,7 @@ BUILD_TYPE  ?= RelWithDebInfo
 JOBS        ?= $(shell nproc 2>/dev/null || echo 2)
 PACKAGES    := cmake g++ ninja-build pkg-config qt6-base-dev libeigen3-dev \
                libsimdjson-dev libgtest-dev libgmock-dev libbenchmark-dev \
-               liborocos-kdl-dev python3 valgrind
+               liborocos-kdl-dev python3 valgrind chromium
 
 # CI builds treat warnings as errors; a developer's build only shows them.
 ifdef CI
@@ -122,8 +123,10 @@ demo: build
 	@echo
 	@echo "== Verifying the posted NC against the toolpath and the machine =="
 	$(ZELKIN) verify --machine $(EXAMPLE_MACHINE) --toolpath $(DEMO_TOOLPATH) --nc $(DEMO_OUTPUT) 2>/dev/null
+	$(ZELKIN) report --machine $(EXAMPLE_MACHINE) --toolpath $(DEMO_TOOLPATH) --nc $(DEMO_OUTPUT) \
+	    -o $(DEMO_OUTPUT)/report.html 2>/dev/null
 	@echo
-	@echo "The NC files are in $(DEMO_OUTPUT)/:"
+	@echo "The NC files and the report (report.html, open it in a browser) are in $(DEMO_OUTPUT)/:"
 	@find $(DEMO_OUTPUT) -type f | sort | xargs ls -l
 
 bench-build: setup

@@ -6,6 +6,7 @@
 #include "zelkinhelpcommand.h"
 #include "zelkinmachinecommand.h"
 #include "zelkinpostcommand.h"
+#include "zelkinreportcommand.h"
 #include "zelkinsolvecommand.h"
 #include "zelkinverifycommand.h"
 
@@ -28,6 +29,7 @@ int main(int argc, char* argv[])
     registry.Add(std::make_unique<ZELKinPostCommand>());
     registry.Add(std::make_unique<ZELKinGCodeCommand>());
     registry.Add(std::make_unique<ZELKinVerifyCommand>());
+    registry.Add(std::make_unique<ZELKinReportCommand>());
 
     return ZELKinApplication(registry, QStringLiteral(ZELKIN_VERSION)).Run(QCoreApplication::arguments().mid(1));
 }

@@ -62,7 +62,8 @@ QDir ProgramFolder(const QString& path)
                                   .arg(path, kProgramSetSuffix));
     if (programs.size() > 1)
         throw ZELSysException(
-            QStringLiteral("%1 holds %2 posted programs; give the folder of one of them").arg(path).arg(programs.size()));
+            QStringLiteral("%1 holds %2 posted programs; give the folder of one of them")
+                .arg(path, QString::number(programs.size())));
     return programs.first();
 }
 

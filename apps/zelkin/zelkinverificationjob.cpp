@@ -1,5 +1,7 @@
 #include "zelkinverificationjob.h"
 
+#include "zelkinarguments.h"
+#include "zelkincommand.h"
 #include "zelkinconsole.h"
 #include "zelkinncreplay.h"
 #include "zelkintranslationjob.h"
@@ -9,7 +11,30 @@
 #include <zelkinrbrsolver.h>
 #include <zelsysexception.h>
 
+#include <cmath>
+
 namespace {
+
+const QString MachineOption = QStringLiteral("machine");
+const QString ToolpathOption = QStringLiteral("toolpath");
+const QString NCOption = QStringLiteral("nc");
+const QString FlipOption = QStringLiteral("flip-angle");
+const QString SingularityOption = QStringLiteral("singularity-angle");
+
+constexpr double kDegreesPerRadian = 57.29577951308232;
+
+double AngleOption(const ZELKinArguments& parsed, const QString& option, double fallback, const QString& command)
+{
+    if (!parsed.IsSet(option))
+        return fallback;
+    bool ok = false;
+    const double degrees = parsed.GetValue(option).toDouble(&ok);
+    if (!ok || !std::isfinite(degrees) || degrees <= 0.0 || degrees >= 180.0)
+        throw ZELKinUsageError(QStringLiteral("--%1 takes an angle in degrees above 0 and below 180, not '%2'")
+                                   .arg(option, parsed.GetValue(option)),
+                               command);
+    return degrees / kDegreesPerRadian;
+}
 
 std::unique_ptr<ZELKinTranslationJob> Translate(const ZELKinVerificationJob::Input& input)
 {
@@ -29,6 +54,25 @@ const ZELKinRBRSolver& RBRSolverOf(const ZELKinTranslationJob& job)
 }
 
 } // namespace
+
+QList<QCommandLineOption> ZELKinVerificationJob::GetOptions()
+{
+    const QString valueName = QStringLiteral("value");
+    return {QCommandLineOption(MachineOption, QString(), valueName),
+            QCommandLineOption(ToolpathOption, QString(), valueName),
+            QCommandLineOption(NCOption, QString(), valueName),
+            QCommandLineOption(FlipOption, QString(), valueName),
+            QCommandLineOption(SingularityOption, QString(), valueName)};
+}
+
+ZELKinVerificationJob::Input ZELKinVerificationJob::GetInput(const ZELKinArguments& parsed, const QString& command)
+{
+    Input input{parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
+                parsed.GetRequiredValue(NCOption), ZELKinVerifyGates()};
+    input.gates.flip = AngleOption(parsed, FlipOption, input.gates.flip, command);
+    input.gates.singularity = AngleOption(parsed, SingularityOption, input.gates.singularity, command);
+    return input;
+}
 
 ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
     : m_job(Translate(input))

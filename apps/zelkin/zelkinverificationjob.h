@@ -3,11 +3,14 @@
 
 #include "zelkinverifier.h"
 
+#include <QCommandLineOption>
+#include <QList>
 #include <QString>
 
 #include <memory>
 
 class ZELKinAFPMachine;
+class ZELKinArguments;
 class ZELKinTranslationJob;
 
 /*!
@@ -26,6 +29,14 @@ public:
         QString ncPath;
         ZELKinVerifyGates gates;
     };
+
+    //! The options that say what to check: --machine, --toolpath, --nc,
+    //! --flip-angle and --singularity-angle (in degrees).
+    static QList<QCommandLineOption> GetOptions();
+    //! The input those options ask for. Throws ZELKinUsageError for
+    //! `command` when one of the three files is missing or an angle is not
+    //! above 0 and below 180 degrees.
+    static Input GetInput(const ZELKinArguments& parsed, const QString& command);
 
     //! Throws ZELSysException (and its kin) for a machine, toolpath or NC
     //! that cannot be read, and for a machine whose solver is not the RBR

@@ -159,7 +159,7 @@ bool IsLarger(double value, const ZELKinVerifyExtreme& extreme)
     return std::isnan(extreme.value) || value > extreme.value;
 }
 
-void Keep(ZELKinVerifyExtreme& extreme, double value, const ZELKinVerifyPlace& place, const QString& subject = {})
+void KeepLargest(ZELKinVerifyExtreme& extreme, double value, const ZELKinVerifyPlace& place, const QString& subject)
 {
     if (IsLarger(value, extreme))
         extreme = ZELKinVerifyExtreme{value, place, subject};
@@ -218,8 +218,8 @@ public:
         m_result.plyNumber = ply.plyNumber;
         m_result.procedure = ply.procedure;
         m_result.file = ply.path;
-        m_result.motionLines = int(ply.motions.size());
-        m_result.towEvents = int(ply.towEvents.size());
+        for (const ZELKinNCTowEvent& event : ply.towEvents)
+            Count(event.course, &ZELKinVerifyTally::towEvents);
     }
 
     ZELKinVerifiedPly Run(const ZELKinRollLayupProcedure& procedure)
@@ -228,6 +228,7 @@ public:
         const ZELKinNCMotion* previous = nullptr;
         std::optional<ZELKinVerifiedLine> previousLine;
         for (const ZELKinNCMotion& motion : m_ply.motions) {
+            Count(motion.course, &ZELKinVerifyTally::motionLines);
             const ZELKinVerifiedLine line = Replay(motion, previousLine);
             CheckLimits(motion, line);
             if (previous && previousLine) {
@@ -237,12 +238,14 @@ public:
             if (motion.alongCourse)
                 CheckAlongCourse(procedure, motion, line);
             else
-                ++m_result.linkLines;
+                Count(motion.course, &ZELKinVerifyTally::linkLines);
             m_result.lines.append(line);
             previous = &motion;
             previousLine = line;
         }
         CheckTowEvents(procedure);
+        for (const ZELKinVerifiedCourse& course : std::as_const(m_courses))
+            m_result.courseTallies.append(course);
         return m_result;
     }
 
@@ -257,7 +260,31 @@ private:
     {
         m_findings.append(
             ZELKinVerifyFinding{check, m_ply.plyNumber, m_ply.procedure, place, subject, value, limit, message});
-        ++m_result.findings;
+        Count(place.course, &ZELKinVerifyTally::findings);
+    }
+
+    // The tallies a course's lines count in: the ply's, and the course's
+    // own for lines after a course record.
+    template <typename Change>
+    void Tally(int course, const Change& change)
+    {
+        change(static_cast<ZELKinVerifyTally&>(m_result));
+        if (course <= 0)
+            return;
+        ZELKinVerifiedCourse& tally = m_courses[course];
+        tally.course = course;
+        change(static_cast<ZELKinVerifyTally&>(tally));
+    }
+
+    void Count(int course, int ZELKinVerifyTally::*count)
+    {
+        Tally(course, [count](ZELKinVerifyTally& tally) { ++(tally.*count); });
+    }
+
+    void Keep(ZELKinVerifyExtreme ZELKinVerifyTally::*extreme, double value, const ZELKinVerifyPlace& place,
+              const QString& subject = {})
+    {
+        Tally(place.course, [&](ZELKinVerifyTally& tally) { KeepLargest(tally.*extreme, value, place, subject); });
     }
 
     // The solution the line leaves the machine at, when it sets every axis
@@ -349,7 +376,7 @@ private:
             if (!IsFiniteNumber(step))
                 continue;
             const QString label = m_axes.LabelOf(i);
-            Keep(m_result.rotaryStep, step, PlaceOf(motion), label);
+            Keep(&ZELKinVerifyTally::rotaryStep, step, PlaceOf(motion), label);
             const bool insideOneCourse =
                 motion.alongCourse && previous.alongCourse && motion.course == previous.course;
             if (insideOneCourse && step > m_gates.flip)
@@ -368,7 +395,7 @@ private:
             return;
         const double distance = line.pathLength - before.pathLength;
         if (distance < kInPlace) {
-            ++m_result.movesInPlace;
+            Count(motion.course, &ZELKinVerifyTally::movesInPlace);
             return;
         }
         const double seconds = distance / (motion.feedrate / 60.0);
@@ -379,7 +406,7 @@ private:
                 continue;
             const double ratio = speed / variable->GetMaxVelocity();
             const QString label = m_axes.LabelOf(i);
-            Keep(m_result.speedRatio, ratio, PlaceOf(motion), label);
+            Keep(&ZELKinVerifyTally::speedRatio, ratio, PlaceOf(motion), label);
             if (ratio > 1.0 + kSpeedSlack)
                 FindSpeed(motion, i, speed, variable->GetMaxVelocity());
         }
@@ -401,10 +428,8 @@ private:
     {
         if (course < 1 || course > procedure.GetNumCourses() || !procedure.GetCourse(course - 1))
             throw ZELSysException(QStringLiteral("%1 line %2: the procedure '%3' has no course %4")
-                                      .arg(m_ply.path)
-                                      .arg(m_lineForErrors)
-                                      .arg(m_ply.procedure)
-                                      .arg(course));
+                                      .arg(m_ply.path, QString::number(m_lineForErrors), m_ply.procedure,
+                                           QString::number(course)));
         auto plan = m_plans.find(course);
         if (plan == m_plans.end())
             plan = m_plans.insert(course, PlanCourse(*procedure.GetCourse(course - 1), m_rollerRadius));
@@ -448,25 +473,25 @@ private:
         const std::optional<ZELKinSolution> solution = SolutionOf(motion);
         if (!target || !solution)
             return;
-        ++m_result.matchedLines;
+        Count(motion.course, &ZELKinVerifyTally::matchedLines);
         const ZELKinVerifyPlace place = PlaceOf(motion, target->number);
         const ZELMathAxis commanded = m_solver.GetToolFrame(*solution);
 
         const double centreOff = line.centre.GetDistanceTo(target->centre);
-        Keep(m_result.centre, centreOff, place);
+        Keep(&ZELKinVerifyTally::centre, centreOff, place);
         if (!(centreOff <= m_gates.centre))
             Find(QStringLiteral("centre"), place, QString(), centreOff, m_gates.centre,
                  QStringLiteral("the roller centre is %1 mm from the toolpath point's (gate %2 mm)")
                      .arg(Number(centreOff, 4), Number(m_gates.centre, 4)));
-        CheckAngle(QStringLiteral("normal"), QStringLiteral("the normal"), m_result.normal, place,
+        CheckAngle(QStringLiteral("normal"), QStringLiteral("the normal"), &ZELKinVerifyTally::normal, place,
                    commanded.GetWDirection().GetAngleTo(target->frame.GetWDirection()));
-        CheckAngle(QStringLiteral("travel"), QStringLiteral("the direction of travel"), m_result.travel, place,
+        CheckAngle(QStringLiteral("travel"), QStringLiteral("the direction of travel"), &ZELKinVerifyTally::travel, place,
                    commanded.GetUDirection().GetAngleTo(target->frame.GetUDirection()));
 
         const double margin = m_solver.GetSingularityMargin(commanded.GetWDirection());
         if (!IsFiniteNumber(margin))
             return;
-        KeepSmallest(m_result.singularityMargin, margin, place);
+        Tally(place.course, [&](ZELKinVerifyTally& tally) { KeepSmallest(tally.singularityMargin, margin, place); });
         if (margin < m_gates.singularity)
             Find(QStringLiteral("singularity"), place, QString(), margin * kDegreesPerRadian,
                  m_gates.singularity * kDegreesPerRadian,
@@ -474,7 +499,7 @@ private:
                      .arg(Number(margin * kDegreesPerRadian, 3), Number(m_gates.singularity * kDegreesPerRadian, 3)));
     }
 
-    void CheckAngle(const QString& check, const QString& what, ZELKinVerifyExtreme& extreme,
+    void CheckAngle(const QString& check, const QString& what, ZELKinVerifyExtreme ZELKinVerifyTally::*extreme,
                     const ZELKinVerifyPlace& place, double angle)
     {
         Keep(extreme, angle, place);
@@ -544,7 +569,7 @@ private:
     {
         const ZELKinVerifyPlace place{course, 0, m_ply.path, written.line};
         const double off = std::abs(written.u - wanted);
-        Keep(m_result.towEvent, off, place, QStringLiteral("tow %1").arg(tow));
+        Keep(&ZELKinVerifyTally::towEvent, off, place, QStringLiteral("tow %1").arg(tow));
         if (off > m_gates.towEvent)
             Find(QStringLiteral("tow"), place, QStringLiteral("tow %1").arg(tow), written.u, wanted,
                  QStringLiteral("the NC %1 tow %2 at U %3 mm, the toolpath at %4 mm (gate %5 mm)")
@@ -571,6 +596,7 @@ private:
     const ZELKinNCPlyFile& m_ply;
     QList<ZELKinVerifyFinding>& m_findings;
     ZELKinVerifiedPly m_result;
+    QMap<int, ZELKinVerifiedCourse> m_courses;
     QMap<int, CoursePlan> m_plans;
     QList<CountKey> m_countsReported;
     int m_matchedCourse = 0;

@@ -86,13 +86,10 @@ struct ZELKinVerifiedLine
     QVector<double> axes;
 };
 
-//! Every check of one ply file.
-struct ZELKinVerifiedPly
+//! The counts and worst values of the checks over a stretch of NC: a ply
+//! or one of its courses.
+struct ZELKinVerifyTally
 {
-    QString plyNumber;
-    QString procedure;
-    QString file;
-    int courses = 0;
     int motionLines = 0;
     //! Lines along courses matched to a toolpath position and gated.
     int matchedLines = 0;
@@ -110,6 +107,24 @@ struct ZELKinVerifiedPly
     ZELKinVerifyExtreme singularityMargin;
     ZELKinVerifyExtreme towEvent;
     int findings = 0;
+};
+
+//! The checks of one course: its record's lines up to the next course's.
+struct ZELKinVerifiedCourse : ZELKinVerifyTally
+{
+    //! The course number of the ply file, from 1.
+    int course = 0;
+};
+
+//! Every check of one ply file.
+struct ZELKinVerifiedPly : ZELKinVerifyTally
+{
+    QString plyNumber;
+    QString procedure;
+    QString file;
+    int courses = 0;
+    //! The courses the file holds, in its order.
+    QList<ZELKinVerifiedCourse> courseTallies;
     QList<ZELKinVerifiedLine> lines;
 };
 

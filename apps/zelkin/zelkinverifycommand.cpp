@@ -13,29 +13,11 @@
 
 namespace {
 
-const QString MachineOption = QStringLiteral("machine");
-const QString ToolpathOption = QStringLiteral("toolpath");
-const QString NCOption = QStringLiteral("nc");
 const QString JsonOption = QStringLiteral("json");
-const QString FlipOption = QStringLiteral("flip-angle");
-const QString SingularityOption = QStringLiteral("singularity-angle");
 
 constexpr double kDegreesPerRadian = 57.29577951308232;
 // The text summary lists this many findings; --json lists them all.
 constexpr int kFindingsShown = 50;
-
-double AngleOption(const ZELKinArguments& parsed, const QString& option, double fallback, const QString& command)
-{
-    if (!parsed.IsSet(option))
-        return fallback;
-    bool ok = false;
-    const double degrees = parsed.GetValue(option).toDouble(&ok);
-    if (!ok || !std::isfinite(degrees) || degrees <= 0.0 || degrees >= 180.0)
-        throw ZELKinUsageError(QStringLiteral("--%1 takes an angle in degrees above 0 and below 180, not '%2'")
-                                   .arg(option, parsed.GetValue(option)),
-                               command);
-    return degrees / kDegreesPerRadian;
-}
 
 QString Cell(double value, double scale, int decimals)
 {
@@ -47,7 +29,30 @@ QString Where(const ZELKinVerifyPlace& place)
     QString where = QStringLiteral("course %1").arg(place.course);
     if (place.point > 0)
         where += QStringLiteral(", point %1").arg(place.point);
-    return where + QStringLiteral(", %1:%2").arg(place.file).arg(place.line);
+    return where + QStringLiteral(", %1:%2").arg(place.file, QString::number(place.line));
+}
+
+QStringList TallyHeadings()
+{
+    return {QStringLiteral("lines"),      QStringLiteral("matched"),    QStringLiteral("links"),
+            QStringLiteral("centre mm"),  QStringLiteral("normal deg"), QStringLiteral("travel deg"),
+            QStringLiteral("step deg"),   QStringLiteral("speed %"),    QStringLiteral("margin deg"),
+            QStringLiteral("tows mm"),    QStringLiteral("findings")};
+}
+
+QStringList TallyCells(const ZELKinVerifyTally& tally)
+{
+    return {QString::number(tally.motionLines),
+            QString::number(tally.matchedLines),
+            QString::number(tally.linkLines),
+            Cell(tally.centre.value, 1.0, 4),
+            Cell(tally.normal.value, kDegreesPerRadian, 4),
+            Cell(tally.travel.value, kDegreesPerRadian, 4),
+            Cell(tally.rotaryStep.value, kDegreesPerRadian, 3),
+            Cell(tally.speedRatio.value, 100.0, 1),
+            Cell(tally.singularityMargin.value, kDegreesPerRadian, 3),
+            Cell(tally.towEvent.value, 1.0, 3),
+            QString::number(tally.findings)};
 }
 
 QString Summary(const QString& ncPath, const ZELKinVerification& verification)
@@ -60,19 +65,18 @@ QString Summary(const QString& ncPath, const ZELKinVerification& verification)
                      Cell(gates.flip, kDegreesPerRadian, 3), Cell(gates.singularity, kDegreesPerRadian, 3),
                      Cell(gates.towEvent, 1.0, 3));
     ZELKinTextTable table;
-    table.AddRow({QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses"), QStringLiteral("lines"),
-                  QStringLiteral("matched"), QStringLiteral("links"), QStringLiteral("centre mm"),
-                  QStringLiteral("normal deg"), QStringLiteral("travel deg"), QStringLiteral("step deg"),
-                  QStringLiteral("speed %"), QStringLiteral("margin deg"), QStringLiteral("tows mm"),
-                  QStringLiteral("findings")});
+    table.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses")}
+                 + TallyHeadings());
     for (const ZELKinVerifiedPly& ply : verification.plies)
-        table.AddRow({ply.plyNumber, ply.procedure, QString::number(ply.courses), QString::number(ply.motionLines),
-                      QString::number(ply.matchedLines), QString::number(ply.linkLines),
-                      Cell(ply.centre.value, 1.0, 4), Cell(ply.normal.value, kDegreesPerRadian, 4),
-                      Cell(ply.travel.value, kDegreesPerRadian, 4), Cell(ply.rotaryStep.value, kDegreesPerRadian, 3),
-                      Cell(ply.speedRatio.value, 100.0, 1), Cell(ply.singularityMargin.value, kDegreesPerRadian, 3),
-                      Cell(ply.towEvent.value, 1.0, 3), QString::number(ply.findings)});
+        table.AddRow(QStringList{ply.plyNumber, ply.procedure, QString::number(ply.courses)} + TallyCells(ply));
+    ZELKinTextTable courses;
+    courses.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("course")} + TallyHeadings());
+    for (const ZELKinVerifiedPly& ply : verification.plies) {
+        for (const ZELKinVerifiedCourse& course : ply.courseTallies)
+            courses.AddRow(QStringList{ply.plyNumber, QString::number(course.course)} + TallyCells(course));
+    }
     text += table.ToText(0);
+    text += QStringLiteral("\nPer course:\n") + courses.ToText(0);
 
     const QList<ZELKinVerifyFinding>& findings = verification.findings;
     if (!findings.isEmpty()) {
@@ -115,26 +119,39 @@ QJsonObject JsonExtreme(const ZELKinVerifyExtreme& extreme, double scale)
     return object;
 }
 
+QJsonObject JsonTally(const ZELKinVerifyTally& tally)
+{
+    return QJsonObject{{QStringLiteral("motionLines"), tally.motionLines},
+                       {QStringLiteral("matchedLines"), tally.matchedLines},
+                       {QStringLiteral("linkLines"), tally.linkLines},
+                       {QStringLiteral("movesInPlace"), tally.movesInPlace},
+                       {QStringLiteral("towEvents"), tally.towEvents},
+                       {QStringLiteral("findings"), tally.findings},
+                       {QStringLiteral("maxCentreMm"), JsonExtreme(tally.centre, 1.0)},
+                       {QStringLiteral("maxNormalDeg"), JsonExtreme(tally.normal, kDegreesPerRadian)},
+                       {QStringLiteral("maxTravelDeg"), JsonExtreme(tally.travel, kDegreesPerRadian)},
+                       {QStringLiteral("maxRotaryStepDeg"), JsonExtreme(tally.rotaryStep, kDegreesPerRadian)},
+                       {QStringLiteral("maxSpeedRatio"), JsonExtreme(tally.speedRatio, 1.0)},
+                       {QStringLiteral("minSingularityMarginDeg"),
+                        JsonExtreme(tally.singularityMargin, kDegreesPerRadian)},
+                       {QStringLiteral("maxTowEventMm"), JsonExtreme(tally.towEvent, 1.0)}};
+}
+
 QJsonObject JsonPly(const ZELKinVerifiedPly& ply)
 {
-    return QJsonObject{{QStringLiteral("ply"), ply.plyNumber},
-                       {QStringLiteral("procedure"), ply.procedure},
-                       {QStringLiteral("file"), ply.file},
-                       {QStringLiteral("courses"), ply.courses},
-                       {QStringLiteral("motionLines"), ply.motionLines},
-                       {QStringLiteral("matchedLines"), ply.matchedLines},
-                       {QStringLiteral("linkLines"), ply.linkLines},
-                       {QStringLiteral("movesInPlace"), ply.movesInPlace},
-                       {QStringLiteral("towEvents"), ply.towEvents},
-                       {QStringLiteral("findings"), ply.findings},
-                       {QStringLiteral("maxCentreMm"), JsonExtreme(ply.centre, 1.0)},
-                       {QStringLiteral("maxNormalDeg"), JsonExtreme(ply.normal, kDegreesPerRadian)},
-                       {QStringLiteral("maxTravelDeg"), JsonExtreme(ply.travel, kDegreesPerRadian)},
-                       {QStringLiteral("maxRotaryStepDeg"), JsonExtreme(ply.rotaryStep, kDegreesPerRadian)},
-                       {QStringLiteral("maxSpeedRatio"), JsonExtreme(ply.speedRatio, 1.0)},
-                       {QStringLiteral("minSingularityMarginDeg"),
-                        JsonExtreme(ply.singularityMargin, kDegreesPerRadian)},
-                       {QStringLiteral("maxTowEventMm"), JsonExtreme(ply.towEvent, 1.0)}};
+    QJsonObject object = JsonTally(ply);
+    object.insert(QStringLiteral("ply"), ply.plyNumber);
+    object.insert(QStringLiteral("procedure"), ply.procedure);
+    object.insert(QStringLiteral("file"), ply.file);
+    object.insert(QStringLiteral("courses"), ply.courses);
+    QJsonArray courses;
+    for (const ZELKinVerifiedCourse& course : ply.courseTallies) {
+        QJsonObject entry = JsonTally(course);
+        entry.insert(QStringLiteral("course"), course.course);
+        courses.append(entry);
+    }
+    object.insert(QStringLiteral("courseChecks"), courses);
+    return object;
 }
 
 QJsonObject JsonFinding(const ZELKinVerifyFinding& finding)
@@ -222,21 +239,12 @@ QString ZELKinVerifyCommand::GetDescription() const
 
 int ZELKinVerifyCommand::Run(const QStringList& arguments)
 {
-    const QString valueName = QStringLiteral("value");
     const ZELKinArguments parsed(GetName(), arguments,
-                                 {QCommandLineOption(MachineOption, QString(), valueName),
-                                  QCommandLineOption(ToolpathOption, QString(), valueName),
-                                  QCommandLineOption(NCOption, QString(), valueName),
-                                  QCommandLineOption(JsonOption),
-                                  QCommandLineOption(FlipOption, QString(), valueName),
-                                  QCommandLineOption(SingularityOption, QString(), valueName)});
+                                 ZELKinVerificationJob::GetOptions() << QCommandLineOption(JsonOption));
     parsed.RequireAtMostPositionals(0);
-    ZELKinVerifyGates gates;
-    gates.flip = AngleOption(parsed, FlipOption, gates.flip, GetName());
-    gates.singularity = AngleOption(parsed, SingularityOption, gates.singularity, GetName());
-    const QString ncPath = parsed.GetRequiredValue(NCOption);
-    const ZELKinVerificationJob job(ZELKinVerificationJob::Input{
-        parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption), ncPath, gates});
+    const ZELKinVerificationJob::Input input = ZELKinVerificationJob::GetInput(parsed, GetName());
+    const QString ncPath = input.ncPath;
+    const ZELKinVerificationJob job(input);
     const ZELKinVerification& verification = job.GetVerification();
     ZELKinConsole::Print(parsed.IsSet(JsonOption) ? Json(ncPath, verification) : Summary(ncPath, verification));
     return verification.IsPassed() ? ZELKinExitStatus::Success : ZELKinExitStatus::Failure;

@@ -197,6 +197,31 @@ TEST_F(ZELKinVerifyCommand, TheJsonFormMatchesEveryCourseLineAndKeepsTheGates)
     EXPECT_TRUE(result.value(QStringLiteral("findings")).toArray().isEmpty());
 }
 
+TEST_F(ZELKinVerifyCommand, EachCourseIsCheckedOnItsOwnAndTheCoursesAddUpToThePly)
+{
+    const QStringList lines = Verify().standardOutput.split(QLatin1Char('\n'));
+    const int perCourse = lines.indexOf(QStringLiteral("Per course:"));
+    ASSERT_GT(perCourse, 0);
+    EXPECT_TRUE(lines.at(perCourse + 1).startsWith(QStringLiteral("ply   course  lines  matched  links")));
+    EXPECT_TRUE(lines.at(perCourse + 2).startsWith(QStringLiteral("0101  1 ")));
+    EXPECT_TRUE(lines.at(perCourse + 17).startsWith(QStringLiteral("0104  4 ")));
+
+    for (const QJsonValue& value : VerifyAsJson().value(QStringLiteral("plies")).toArray()) {
+        const QJsonObject ply = value.toObject();
+        const QJsonArray courses = ply.value(QStringLiteral("courseChecks")).toArray();
+        ASSERT_EQ(courses.size(), 4);
+        int motionLines = 0;
+        int matchedLines = 0;
+        for (int i = 0; i < courses.size(); ++i) {
+            EXPECT_EQ(courses.at(i).toObject().value(QStringLiteral("course")).toInt(), i + 1);
+            motionLines += courses.at(i).toObject().value(QStringLiteral("motionLines")).toInt();
+            matchedLines += courses.at(i).toObject().value(QStringLiteral("matchedLines")).toInt();
+        }
+        EXPECT_EQ(motionLines, ply.value(QStringLiteral("motionLines")).toInt());
+        EXPECT_EQ(matchedLines, ply.value(QStringLiteral("matchedLines")).toInt());
+    }
+}
+
 TEST_F(ZELKinVerifyCommand, AnXWordMovedATenthOfAnInchIsNamedWithItsFileAndLine)
 {
     const int line = CourseLine(2, 5);
@@ -221,6 +246,14 @@ TEST_F(ZELKinVerifyCommand, AnXWordMovedATenthOfAnInchIsNamedWithItsFileAndLine)
     EXPECT_EQ(findings.first().value(QStringLiteral("ply")).toString(), QStringLiteral("0101"));
     EXPECT_EQ(findings.first().value(QStringLiteral("procedure")).toString(), QStringLiteral("Ply 1 0"));
     EXPECT_TRUE(ZELTest::SameDouble(2.54, findings.first().value(QStringLiteral("value")).toDouble(), kInchWord));
+
+    const QJsonArray courses =
+        VerifyAsJson().value(QStringLiteral("plies")).toArray().at(0).toObject().value(QStringLiteral("courseChecks")).toArray();
+    ASSERT_EQ(courses.size(), 4);
+    EXPECT_EQ(courses.at(0).toObject().value(QStringLiteral("findings")).toInt(), 0);
+    EXPECT_EQ(courses.at(1).toObject().value(QStringLiteral("findings")).toInt(), 1);
+    EXPECT_EQ(courses.at(1).toObject().value(QStringLiteral("maxCentreMm")).toObject().value(QStringLiteral("line")).toInt(),
+              line);
 }
 
 TEST_F(ZELKinVerifyCommand, AFirstRollTurnedInsideACourseIsAFlipAndTurnsTheNormal)
@@ -361,6 +394,43 @@ TEST_F(ZELKinVerifyCommand, APlyTheProgramSetDoesNotListIsAnError)
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.GetErrorLines().last(),
               QStringLiteral("zelkin: error: the program-set file does not list ply 0109 (cylinder-section#0109.PPF)"));
+}
+
+TEST_F(ZELKinVerifyCommand, ACourseTheProcedureDoesNotHaveIsAnError)
+{
+    const int line = CourseLine(2, 1);
+    QStringList lines = ReadLines(ply);
+    const int record = int(std::find_if(lines.cbegin(), lines.cend(),
+                                        [](const QString& text) {
+                                            return text.startsWith(QStringLiteral(";[COURSE] CourseNumber=2,"));
+                                        })
+                           - lines.cbegin());
+    lines[record].replace(QStringLiteral("CourseNumber=2,"), QStringLiteral("CourseNumber=9,"));
+    WriteLines(ply, lines);
+
+    const ZELKinToolRun run = Verify();
+    EXPECT_EQ(run.exitCode, 1);
+    const QString error = run.GetErrorLines().last();
+    EXPECT_TRUE(error.startsWith(QStringLiteral("zelkin: error: %1 line ").arg(ply))) << error.toStdString();
+    EXPECT_TRUE(error.endsWith(QStringLiteral(": the procedure 'Ply 1 0' has no course 9"))) << error.toStdString();
+    EXPECT_LT(line, lines.size());
+}
+
+TEST_F(ZELKinVerifyCommand, APlyOfAProcedureTheToolpathDoesNotHaveIsAnError)
+{
+    const QString programSet = QDir(program).filePath(QStringLiteral("cylinder-section.PPSF"));
+    QStringList lines = ReadLines(programSet);
+    const int entry = lines.indexOf(QStringLiteral("; 0101, Ply 1 0"));
+    ASSERT_GE(entry, 0);
+    lines[entry] = QStringLiteral("; 0101, Ply 9");
+    WriteLines(programSet, lines);
+
+    const ZELKinToolRun run = Verify();
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.GetErrorLines().last(),
+              QStringLiteral("zelkin: error: %1: ply 0101 is the procedure 'Ply 9', which the toolpath does not have "
+                             "or which could not be solved")
+                  .arg(ply));
 }
 
 TEST(ZELKinVerifyCommandUsage, WithoutTheNCPathTheCommandLineIsRefused)

@@ -1,0 +1,94 @@
+#include "zelkinreportcommand.h"
+
+#include "zelkinarguments.h"
+#include "zelkinconsole.h"
+#include "zelkinhtmlreport.h"
+#include "zelkinoutputfile.h"
+#include "zelkinverificationjob.h"
+
+namespace {
+
+const QString OutputOption = QStringLiteral("o");
+
+QString OutputPath(const ZELKinArguments& parsed, const QString& command)
+{
+    if (!parsed.IsSet(OutputOption))
+        throw ZELKinUsageError(QStringLiteral("missing the report file (-o REPORT.html)"), command);
+    return parsed.GetValue(OutputOption);
+}
+
+void Write(ZELKinOutputFile& file, const QString& html)
+{
+    const QByteArray bytes = html.toUtf8();
+    if (file.GetDevice()->write(bytes) != bytes.size())
+        file.ThrowWriteError();
+    file.Commit();
+}
+
+} // namespace
+
+QString ZELKinReportCommand::GetName() const
+{
+    return QStringLiteral("report");
+}
+
+QString ZELKinReportCommand::GetSummary() const
+{
+    return QStringLiteral("Check posted NC as verify does and write the results as one HTML page");
+}
+
+QString ZELKinReportCommand::GetSynopsis() const
+{
+    return QStringLiteral("--machine M.xml --toolpath T.json --nc PATH -o REPORT.html\n"
+                          "                      [--flip-angle DEG] [--singularity-angle DEG]");
+}
+
+QString ZELKinReportCommand::GetDescription() const
+{
+    return QStringLiteral(
+        "Runs the checks of 'zelkin verify' on the NC that 'zelkin post' wrote to PATH\n"
+        "and writes what they found to REPORT.html, one page that any browser opens\n"
+        "with no network: style, script and data are all inside it.\n"
+        "\n"
+        "The page names the files, the gates and the result (PASS, or FAIL with the\n"
+        "number of findings). Per ply it shows the summary of 'zelkin verify', the\n"
+        "roller centre's path seen from above and one plot per machine axis against\n"
+        "the path length (rotary axes in deg, linear ones in mm, X, Y and Z as slide\n"
+        "positions) with the axis's limits, course lines and link lines drawn apart,\n"
+        "every finding marked where it happens and listed with its file and line.\n"
+        "Series longer than 2000 lines are cut to the smallest and largest value of\n"
+        "each of 2000 stretches of path, so peaks stay visible.\n"
+        "\n"
+        "Exit status 0 once the page is written, whatever the checks found; 1 when\n"
+        "the inputs cannot be read or the page cannot be written.\n"
+        "\n"
+        "Options:\n"
+        "  --machine M.xml           The machine description.\n"
+        "  --toolpath T.json         The toolpath file the NC was posted from.\n"
+        "  --nc PATH                 The posted NC: a folder or a bundle (.bun).\n"
+        "  -o, --output REPORT.html  The page to write; it is replaced only once the\n"
+        "                            new one is complete.\n"
+        "  --flip-angle DEG          A wrist flip (default 30).\n"
+        "  --singularity-angle DEG   Closest allowed to the singularity (default 2).\n");
+}
+
+int ZELKinReportCommand::Run(const QStringList& arguments)
+{
+    const ZELKinArguments parsed(GetName(), arguments,
+                                 ZELKinVerificationJob::GetOptions()
+                                     << QCommandLineOption({OutputOption, QStringLiteral("output")}, QString(),
+                                                           QStringLiteral("value")));
+    parsed.RequireAtMostPositionals(0);
+    const ZELKinVerificationJob::Input input = ZELKinVerificationJob::GetInput(parsed, GetName());
+    const ZELKinHtmlReport::Sources sources{input.machinePath, input.toolpathPath, input.ncPath};
+    const QString reportPath = OutputPath(parsed, GetName());
+
+    // Opened before the long verification, so that a folder that is not
+    // there fails at once.
+    ZELKinOutputFile file(reportPath);
+    const ZELKinVerificationJob job(input);
+    const ZELKinHtmlReport report(*job.GetMachine(), job.GetVerification(), sources);
+    Write(file, report.ToHtml());
+    ZELKinConsole::Print(QStringLiteral("Wrote %1: %2\n").arg(reportPath, report.GetResult()));
+    return ZELKinExitStatus::Success;
+}

@@ -1,5 +1,7 @@
 #include "zelkinhtmlreport.h"
 
+#include "zelkinverifysummary.h"
+
 #include <zelkinafpmachine.h>
 #include <zelkinvariable.h>
 
@@ -739,25 +741,6 @@ QString PlyData(const ZELKinVerifiedPly& ply, const QList<PlotAxis>& axes, const
     return QLatin1Char('{') + members.join(QLatin1Char(',')) + QLatin1Char('}');
 }
 
-QString Cell(double value, double scale, int decimals)
-{
-    return std::isnan(value) ? QStringLiteral("-") : QString::number(value * scale, 'f', decimals);
-}
-
-QString Gates(const ZELKinVerifyGates& gates)
-{
-    return QStringLiteral("roller centre %1 mm, normal and travel %2 deg, flip %3 deg, singularity %4 deg, "
-                          "tow events %5 mm")
-        .arg(Cell(gates.centre, 1.0, 4), Cell(gates.angle, kDegreesPerRadian, 4),
-             Cell(gates.flip, kDegreesPerRadian, 3), Cell(gates.singularity, kDegreesPerRadian, 3),
-             Cell(gates.towEvent, 1.0, 3));
-}
-
-QString FindingCount(qsizetype count)
-{
-    return count == 1 ? QStringLiteral("1 finding") : QStringLiteral("%1 findings").arg(count);
-}
-
 QString Row(const QStringList& cells, const QString& cellTag)
 {
     QString row = QStringLiteral("<tr>");
@@ -773,23 +756,8 @@ QString Fact(const QString& name, const QString& value)
 
 QString SummaryTable(const ZELKinVerifiedPly& ply)
 {
-    const QStringList headings{
-        QStringLiteral("courses"),   QStringLiteral("lines"),      QStringLiteral("matched"),
-        QStringLiteral("links"),     QStringLiteral("centre mm"),  QStringLiteral("normal deg"),
-        QStringLiteral("travel deg"), QStringLiteral("step deg"),  QStringLiteral("speed %"),
-        QStringLiteral("margin deg"), QStringLiteral("tows mm"),   QStringLiteral("findings")};
-    const QStringList values{QString::number(ply.courses),
-                             QString::number(ply.motionLines),
-                             QString::number(ply.matchedLines),
-                             QString::number(ply.linkLines),
-                             Cell(ply.centre.value, 1.0, 4),
-                             Cell(ply.normal.value, kDegreesPerRadian, 4),
-                             Cell(ply.travel.value, kDegreesPerRadian, 4),
-                             Cell(ply.rotaryStep.value, kDegreesPerRadian, 3),
-                             Cell(ply.speedRatio.value, 100.0, 1),
-                             Cell(ply.singularityMargin.value, kDegreesPerRadian, 3),
-                             Cell(ply.towEvent.value, 1.0, 3),
-                             QString::number(ply.findings)};
+    const QStringList headings = QStringList{QStringLiteral("courses")} + ZELKinVerifySummary::GetHeadings();
+    const QStringList values = QStringList{QString::number(ply.courses)} + ZELKinVerifySummary::GetCells(ply);
     return QStringLiteral("<table class=\"summary\">\n") + Row(headings, QStringLiteral("th")) +
            Row(values, QStringLiteral("td")) + QStringLiteral("</table>\n");
 }
@@ -815,7 +783,7 @@ QString FindingsTable(const QList<ZELKinVerifyFinding>& findings)
         return QStringLiteral("<p class=\"note\">No findings.</p>\n");
     QString table = QStringLiteral("<details%1><summary>%2</summary>\n<table class=\"findings\">\n")
                         .arg(findings.size() <= kFindingsShownOpen ? QStringLiteral(" open") : QString(),
-                             FindingCount(findings.size()));
+                             ZELKinVerifySummary::CountFindings(findings.size()));
     table += Row({QStringLiteral("ply"), QStringLiteral("course"), QStringLiteral("point"), QStringLiteral("file:line"),
                   QStringLiteral("check"), QStringLiteral("message")},
                  QStringLiteral("th"));
@@ -861,8 +829,7 @@ QString ZELKinHtmlReport::ToHtml() const
 
 QString ZELKinHtmlReport::GetResult() const
 {
-    return m_verification.IsPassed() ? QStringLiteral("PASS")
-                                     : QStringLiteral("FAIL (%1)").arg(FindingCount(m_verification.findings.size()));
+    return ZELKinVerifySummary::GetResult(m_verification);
 }
 
 int ZELKinHtmlReport::GetNumPlots() const
@@ -882,7 +849,7 @@ QString ZELKinHtmlReport::GetHeader() const
     header += Fact(QStringLiteral("toolpath"), m_sources.toolpathPath);
     header += Fact(QStringLiteral("machine"), m_sources.machinePath);
     header += Fact(QStringLiteral("NC"), m_sources.ncPath);
-    header += Fact(QStringLiteral("gates"), Gates(m_verification.gates));
+    header += Fact(QStringLiteral("gates"), ZELKinVerifySummary::DescribeGates(m_verification.gates));
     header += QStringLiteral("</table>\n<nav>");
     for (const ZELKinVerifiedPly& ply : m_verification.plies)
         header += QStringLiteral("<a href=\"#ply-%1\">Ply %1: %2</a>").arg(Html(ply.plyNumber), Html(ply.procedure));

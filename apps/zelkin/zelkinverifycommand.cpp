@@ -4,6 +4,7 @@
 #include "zelkinconsole.h"
 #include "zelkintexttable.h"
 #include "zelkinverificationjob.h"
+#include "zelkinverifysummary.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -19,11 +20,6 @@ constexpr double kDegreesPerRadian = 57.29577951308232;
 // The text summary lists this many findings; --json lists them all.
 constexpr int kFindingsShown = 50;
 
-QString Cell(double value, double scale, int decimals)
-{
-    return std::isnan(value) ? QStringLiteral("-") : QString::number(value * scale, 'f', decimals);
-}
-
 QString Where(const ZELKinVerifyPlace& place)
 {
     QString where = QStringLiteral("course %1").arg(place.course);
@@ -32,48 +28,20 @@ QString Where(const ZELKinVerifyPlace& place)
     return where + QStringLiteral(", %1:%2").arg(place.file, QString::number(place.line));
 }
 
-QStringList TallyHeadings()
-{
-    return {QStringLiteral("lines"),      QStringLiteral("matched"),    QStringLiteral("links"),
-            QStringLiteral("centre mm"),  QStringLiteral("normal deg"), QStringLiteral("travel deg"),
-            QStringLiteral("step deg"),   QStringLiteral("speed %"),    QStringLiteral("margin deg"),
-            QStringLiteral("tows mm"),    QStringLiteral("findings")};
-}
-
-QStringList TallyCells(const ZELKinVerifyTally& tally)
-{
-    return {QString::number(tally.motionLines),
-            QString::number(tally.matchedLines),
-            QString::number(tally.linkLines),
-            Cell(tally.centre.value, 1.0, 4),
-            Cell(tally.normal.value, kDegreesPerRadian, 4),
-            Cell(tally.travel.value, kDegreesPerRadian, 4),
-            Cell(tally.rotaryStep.value, kDegreesPerRadian, 3),
-            Cell(tally.speedRatio.value, 100.0, 1),
-            Cell(tally.singularityMargin.value, kDegreesPerRadian, 3),
-            Cell(tally.towEvent.value, 1.0, 3),
-            QString::number(tally.findings)};
-}
-
 QString Summary(const QString& ncPath, const ZELKinVerification& verification)
 {
-    const ZELKinVerifyGates& gates = verification.gates;
     QString text = QStringLiteral("Verified NC: %1\n").arg(ncPath);
-    text += QStringLiteral("Gates: roller centre %1 mm, normal and travel %2 deg, flip %3 deg, singularity %4 deg, "
-                           "tow events %5 mm\n\n")
-                .arg(Cell(gates.centre, 1.0, 4), Cell(gates.angle, kDegreesPerRadian, 4),
-                     Cell(gates.flip, kDegreesPerRadian, 3), Cell(gates.singularity, kDegreesPerRadian, 3),
-                     Cell(gates.towEvent, 1.0, 3));
+    text += QStringLiteral("Gates: %1\n\n").arg(ZELKinVerifySummary::DescribeGates(verification.gates));
     ZELKinTextTable table;
     table.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses")}
-                 + TallyHeadings());
+                 + ZELKinVerifySummary::GetHeadings());
     for (const ZELKinVerifiedPly& ply : verification.plies)
-        table.AddRow(QStringList{ply.plyNumber, ply.procedure, QString::number(ply.courses)} + TallyCells(ply));
+        table.AddRow(QStringList{ply.plyNumber, ply.procedure, QString::number(ply.courses)} + ZELKinVerifySummary::GetCells(ply));
     ZELKinTextTable courses;
-    courses.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("course")} + TallyHeadings());
+    courses.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("course")} + ZELKinVerifySummary::GetHeadings());
     for (const ZELKinVerifiedPly& ply : verification.plies) {
         for (const ZELKinVerifiedCourse& course : ply.courseTallies)
-            courses.AddRow(QStringList{ply.plyNumber, QString::number(course.course)} + TallyCells(course));
+            courses.AddRow(QStringList{ply.plyNumber, QString::number(course.course)} + ZELKinVerifySummary::GetCells(course));
     }
     text += table.ToText(0);
     text += QStringLiteral("\nPer course:\n") + courses.ToText(0);
@@ -92,8 +60,7 @@ QString Summary(const QString& ncPath, const ZELKinVerification& verification)
     }
     text += QStringLiteral("\nLink lines (approach, retract) are checked for limits, speeds and steps only; the "
                            "probing file is not checked.\n");
-    text += verification.IsPassed() ? QStringLiteral("Result: PASS\n")
-                                    : QStringLiteral("Result: FAIL (%1 findings)\n").arg(findings.size());
+    text += QStringLiteral("Result: %1\n").arg(ZELKinVerifySummary::GetResult(verification));
     return text;
 }
 

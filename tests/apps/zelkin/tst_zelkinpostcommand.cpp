@@ -1,4 +1,5 @@
 #include "zelkintesttoolpath.h"
+#include "zelkinpostednc.h"
 #include "zelkintoolrun.h"
 
 #include <zeltestsupport.h>
@@ -14,16 +15,8 @@
 
 namespace {
 
-// 2023-11-14 22:13:20 UTC.
-const QByteArray kEpoch("1700000000");
+// The time of ReproducibleEnvironment's SOURCE_DATE_EPOCH as the files print it.
 const QString kStamp = QStringLiteral("11/14/23 22:13:20");
-
-QProcessEnvironment Reproducible()
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QString::fromLatin1(kEpoch));
-    return environment;
-}
 
 QByteArray ReadAll(const QString& path)
 {
@@ -60,7 +53,7 @@ struct Posting
         return RunZelkin(QStringList{QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
                                      QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output} +
                              extra,
-                         Reproducible(), input);
+                         ReproducibleEnvironment(), input);
     }
 
     QTemporaryDir directory;
@@ -188,7 +181,7 @@ TEST(ZELKinPostCommand, AnUnsolvableProcedureIsLeftOutWithItsMessage)
 
     const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
                                          QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output},
-                                        Reproducible());
+                                        ReproducibleEnvironment());
 
     ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
     EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("    Kinematics solving failed for course 1 at point 8\n")))
@@ -204,7 +197,7 @@ TEST(ZELKinPostCommand, AnUnsolvableProcedureIsLeftOutWithItsMessage)
 TEST(ZELKinPostCommand, ASourceDateThatIsNoNumberIsAnErrorAndNothingIsWritten)
 {
     const Posting posting;
-    QProcessEnvironment environment = Reproducible();
+    QProcessEnvironment environment = ReproducibleEnvironment();
     environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("yesterday"));
     const QString output = posting.PathOf(QStringLiteral("nc"));
     const ZELKinToolRun run =
@@ -226,7 +219,7 @@ TEST(ZELKinPostCommand, PostsTheShippedExampleEndToEnd)
         RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
                    QStringLiteral("--toolpath"), QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/cylinder-section.json"),
                    QStringLiteral("--output"), output},
-                  Reproducible());
+                  ReproducibleEnvironment());
 
     ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
     EXPECT_FALSE(run.standardOutput.contains(QStringLiteral("Could not successfully find")));
@@ -276,12 +269,12 @@ TEST(ZELKinPostCommand, APostKilledWhileWritingPliesLeavesThePreviousFilesWholeA
               0);
     const QStringList arguments{QStringLiteral("post"),     QStringLiteral("--machine"), GetExampleMachinePath(),
                                 QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output};
-    ASSERT_EQ(RunZelkin(arguments, Reproducible()).exitCode, 0);
+    ASSERT_EQ(RunZelkin(arguments, ReproducibleEnvironment()).exitCode, 0);
     const QMap<QString, QByteArray> before = ContentsBelow(output);
     ASSERT_EQ(before.size(), 6) << QStringList(before.keys()).join(QLatin1Char(' ')).toStdString();
 
     QProcess post;
-    post.setProcessEnvironment(Reproducible());
+    post.setProcessEnvironment(ReproducibleEnvironment());
     post.start(QStringLiteral(ZELKIN_EXECUTABLE), arguments);
     ASSERT_TRUE(WaitForOutput(post, QStringLiteral("  Writing ")));
     post.kill();
@@ -344,7 +337,7 @@ TEST(ZELKinPostCommand, TheSameInputsAndSourceDateGiveTheSameFilesInAFolderSolve
         const ZELKinToolRun run =
             RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
                        QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output},
-                      Reproducible());
+                      ReproducibleEnvironment());
         ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
         runs.append(ContentsBelow(output));
     }

@@ -1,3 +1,4 @@
+#include "zelkinpostednc.h"
 #include "zelkintoolrun.h"
 
 #include <zeltestsupport.h>
@@ -25,32 +26,11 @@ constexpr double kLengthKept = 0.01;
 // keeping its smallest and largest value, plus the first and last line.
 constexpr int kMaxBuckets = 2000;
 
-QProcessEnvironment Reproducible()
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("1700000000"));
-    return environment;
-}
-
-QString ReadText(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return QString::fromUtf8(file.readAll());
-}
-
-void WriteText(const QString& path, const QString& text)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
-    file.write(text.toUtf8());
-}
-
 ZELKinToolRun Post(const QString& toolpath, const QString& output)
 {
     return RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
                       QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output},
-                     Reproducible());
+                     ReproducibleEnvironment());
 }
 
 ZELKinToolRun Report(const QString& toolpath, const QString& nc, const QString& report,
@@ -120,32 +100,6 @@ double AxisValueAt(const QJsonObject& axis, int sample)
     return std::nan("");
 }
 
-// The number, from 1, of the `which`-th line after "COURSE_MODE" in the
-// block of course `course` of the ply file `text`.
-int CourseLine(const QStringList& lines, int course, int which)
-{
-    const QString record = QStringLiteral(";[COURSE] CourseNumber=%1,").arg(course);
-    const auto start = std::find_if(lines.cbegin(), lines.cend(),
-                                    [&record](const QString& line) { return line.startsWith(record); });
-    const int mode = int(lines.indexOf(QStringLiteral("COURSE_MODE"), int(start - lines.cbegin())));
-    return mode + 1 + which;
-}
-
-// Changes the line `number` (from 1) of the file at `path`.
-void ChangeLine(const QString& path, int number, const std::function<QString(const QString&)>& change)
-{
-    QStringList lines = ReadText(path).split(QLatin1Char('\n'));
-    lines[number - 1] = change(lines.at(number - 1));
-    WriteText(path, lines.join(QLatin1Char('\n')));
-}
-
-// `line` with `words` put in before its comment.
-QString WithWords(const QString& line, const QString& words)
-{
-    QString changed = line;
-    return changed.insert(int(line.indexOf(QLatin1Char(';'))), words);
-}
-
 // `line` with its X word moved by a tenth of an inch.
 QString WithXMoved(const QString& line)
 {
@@ -184,12 +138,9 @@ protected:
 
     void SetUp() override
     {
-        const QDir from(QDir(posted->path()).filePath(QStringLiteral("cylinder-section")));
         nc = QDir(work.path()).filePath(QStringLiteral("nc"));
         const QString program = QDir(nc).filePath(QStringLiteral("cylinder-section"));
-        ASSERT_TRUE(QDir().mkpath(program));
-        for (const QString& name : from.entryList(QDir::Files))
-            ASSERT_TRUE(QFile::copy(from.filePath(name), QDir(program).filePath(name)));
+        CopyProgramFolder(QDir(posted->path()).filePath(QStringLiteral("cylinder-section")), program);
         ply = QDir(program).filePath(QStringLiteral("cylinder-section#0101.PPF"));
         report = QDir(work.path()).filePath(QStringLiteral("report.html"));
     }

@@ -1,3 +1,4 @@
+#include "zelkinpostednc.h"
 #include "zelkintoolrun.h"
 
 #include <zeltestsupport.h>
@@ -22,51 +23,6 @@ constexpr double kReported = 1e-4;
 // A changed word is written with four decimals of an inch.
 constexpr double kInchWord = 0.002;
 
-QProcessEnvironment Reproducible()
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("1700000000"));
-    return environment;
-}
-
-QStringList ReadLines(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
-    if (!lines.isEmpty() && lines.last().isEmpty())
-        lines.removeLast();
-    return lines;
-}
-
-void WriteLines(const QString& path, const QStringList& lines)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
-    file.write((lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8());
-}
-
-// The number after `word` on `line` (a word such as "X" or "C1=").
-double WordValue(const QString& line, const QString& word)
-{
-    const QRegularExpression pattern(QRegularExpression::escape(word) + QStringLiteral("(-?\\d+\\.\\d+)"));
-    return pattern.match(line).captured(1).toDouble();
-}
-
-// `line` with `words` put in before its comment.
-QString WithWords(const QString& line, const QString& words)
-{
-    QString changed = line;
-    return changed.insert(line.indexOf(QLatin1Char(';')), words);
-}
-
-QString WithWord(const QString& line, const QString& word, double value)
-{
-    const QRegularExpression pattern(QRegularExpression::escape(word) + QStringLiteral("-?\\d+\\.\\d+"));
-    QString changed = line;
-    return changed.replace(pattern, word + QString::number(value, 'f', 4));
-}
-
 // The demo part posted once for all tests; each test works on a copy.
 class ZELKinVerifyCommand : public ::testing::Test
 {
@@ -77,7 +33,7 @@ protected:
         const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"),
                                              GetExampleMachinePath(), QStringLiteral("--toolpath"), kToolpath,
                                              QStringLiteral("--output"), posted->path()},
-                                            Reproducible());
+                                            ReproducibleEnvironment());
         ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
     }
 
@@ -89,11 +45,8 @@ protected:
 
     void SetUp() override
     {
-        const QDir from(QDir(posted->path()).filePath(QStringLiteral("cylinder-section")));
         program = QDir(copy.path()).filePath(QStringLiteral("cylinder-section"));
-        ASSERT_TRUE(QDir().mkpath(program));
-        for (const QString& name : from.entryList(QDir::Files))
-            ASSERT_TRUE(QFile::copy(from.filePath(name), QDir(program).filePath(name)));
+        CopyProgramFolder(QDir(posted->path()).filePath(QStringLiteral("cylinder-section")), program);
         ply = QDir(program).filePath(kPlyName);
     }
 
@@ -115,22 +68,15 @@ protected:
     }
 
     // The number, from 1, of the `which`-th line after "COURSE_MODE" in the
-    // block of course `course` of the first ply.
+    // block of course `course` of the ply file under test.
     int CourseLine(int course, int which) const
     {
-        const QStringList lines = ReadLines(ply);
-        const QString record = QStringLiteral(";[COURSE] CourseNumber=%1,").arg(course);
-        const auto start = std::find_if(lines.cbegin(), lines.cend(),
-                                        [&record](const QString& line) { return line.startsWith(record); });
-        const int mode = lines.indexOf(QStringLiteral("COURSE_MODE"), int(start - lines.cbegin()));
-        return mode + 1 + which;
+        return ::CourseLine(ReadText(ply).split(QLatin1Char('\n')), course, which);
     }
 
     void ChangeLine(int number, const std::function<QString(const QString&)>& change) const
     {
-        QStringList lines = ReadLines(ply);
-        lines[number - 1] = change(lines.at(number - 1));
-        WriteLines(ply, lines);
+        ::ChangeLine(ply, number, change);
     }
 
     static QList<QJsonObject> FindingsOf(const QJsonObject& result, const QString& check)
@@ -327,12 +273,12 @@ TEST_F(ZELKinVerifyCommand, ABendNearAQuarterTurnComesCloseToTheSingularity)
 
 TEST_F(ZELKinVerifyCommand, ATowAddMovedAlongTheCourseIsNamedWithItsEventLine)
 {
-    QStringList lines = ReadLines(ply);
+    QStringList lines = ReadText(ply).split(QLatin1Char('\n'));
     const int index = lines.indexOf(QRegularExpression(QStringLiteral("^;PMAC1: G500U[0-9.]+A/B\\[.*")));
     ASSERT_GE(index, 0);
     const double u = WordValue(lines.at(index), QStringLiteral("G500U"));
     lines[index] = WithWord(lines.at(index), QStringLiteral("G500U"), u + 5.0);
-    WriteLines(ply, lines);
+    WriteText(ply, lines.join(QLatin1Char('\n')));
 
     const QList<QJsonObject> tows = FindingsOf(VerifyAsJson(), QStringLiteral("tow"));
     ASSERT_FALSE(tows.isEmpty());
@@ -346,11 +292,11 @@ TEST_F(ZELKinVerifyCommand, ATowAddMovedAlongTheCourseIsNamedWithItsEventLine)
 
 TEST_F(ZELKinVerifyCommand, AMissingTowCutIsCountedAgainstTheToolpath)
 {
-    QStringList lines = ReadLines(ply);
+    QStringList lines = ReadText(ply).split(QLatin1Char('\n'));
     const int index = lines.indexOf(QRegularExpression(QStringLiteral("^;PMAC1: G500U[0-9.]+C/B\\[.*")));
     ASSERT_GE(index, 0);
     lines.removeAt(index);
-    WriteLines(ply, lines);
+    WriteText(ply, lines.join(QLatin1Char('\n')));
 
     const QList<QJsonObject> tows = FindingsOf(VerifyAsJson(), QStringLiteral("tow"));
     ASSERT_FALSE(tows.isEmpty());
@@ -365,7 +311,7 @@ TEST_F(ZELKinVerifyCommand, ABundleIsReadLikeTheFolder)
     const QString bundle = QDir(copy.path()).filePath(QStringLiteral("job.bun"));
     ASSERT_EQ(RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
                          QStringLiteral("--toolpath"), kToolpath, QStringLiteral("--output"), bundle},
-                        Reproducible())
+                        ReproducibleEnvironment())
                   .exitCode,
               0);
     const ZELKinToolRun run = RunZelkin({QStringLiteral("verify"), QStringLiteral("--machine"), GetExampleMachinePath(),
@@ -399,14 +345,14 @@ TEST_F(ZELKinVerifyCommand, APlyTheProgramSetDoesNotListIsAnError)
 TEST_F(ZELKinVerifyCommand, ACourseTheProcedureDoesNotHaveIsAnError)
 {
     const int line = CourseLine(2, 1);
-    QStringList lines = ReadLines(ply);
+    QStringList lines = ReadText(ply).split(QLatin1Char('\n'));
     const int record = int(std::find_if(lines.cbegin(), lines.cend(),
                                         [](const QString& text) {
                                             return text.startsWith(QStringLiteral(";[COURSE] CourseNumber=2,"));
                                         })
                            - lines.cbegin());
     lines[record].replace(QStringLiteral("CourseNumber=2,"), QStringLiteral("CourseNumber=9,"));
-    WriteLines(ply, lines);
+    WriteText(ply, lines.join(QLatin1Char('\n')));
 
     const ZELKinToolRun run = Verify();
     EXPECT_EQ(run.exitCode, 1);
@@ -419,11 +365,11 @@ TEST_F(ZELKinVerifyCommand, ACourseTheProcedureDoesNotHaveIsAnError)
 TEST_F(ZELKinVerifyCommand, APlyOfAProcedureTheToolpathDoesNotHaveIsAnError)
 {
     const QString programSet = QDir(program).filePath(QStringLiteral("cylinder-section.PPSF"));
-    QStringList lines = ReadLines(programSet);
+    QStringList lines = ReadText(programSet).split(QLatin1Char('\n'));
     const int entry = lines.indexOf(QStringLiteral("; 0101, Ply 1 0"));
     ASSERT_GE(entry, 0);
     lines[entry] = QStringLiteral("; 0101, Ply 9");
-    WriteLines(programSet, lines);
+    WriteText(programSet, lines.join(QLatin1Char('\n')));
 
     const ZELKinToolRun run = Verify();
     EXPECT_EQ(run.exitCode, 1);

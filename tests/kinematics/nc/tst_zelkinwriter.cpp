@@ -616,6 +616,19 @@ QStringList NumberedBlocks(const QString& path)
     return blocks;
 }
 
+// Writes `program` to `path` and returns what the line trace was told.
+QList<TracedLine> WriteTraced(ZELKinProgram* program, const QString& path)
+{
+    QList<TracedLine> traced;
+    ZELKinWriter writer(program);
+    writer.SetCurrentDateTime(NCFixture::Now());
+    writer.SetLineTrace([&traced](const QString& file, qint64 line, const ZELKinPosition* position) {
+        traced.append(TracedLine{file, line, position});
+    });
+    writer.Write(path, kFormat, QString());
+    return traced;
+}
+
 QStringList PlacesOf(const QList<TracedLine>& traced)
 {
     QStringList places;
@@ -629,13 +642,7 @@ QStringList PlacesOf(const QList<TracedLine>& traced)
 TEST_F(ZELKinWriterTest, ALineTraceIsToldEveryNumberedBlockOfThePlyFilesInOrder)
 {
     BuildTwoPlies(f);
-    QList<TracedLine> traced;
-    ZELKinWriter writer(f.program);
-    writer.SetCurrentDateTime(NCFixture::Now());
-    writer.SetLineTrace([&traced](const QString& file, qint64 line, const ZELKinPosition* position) {
-        traced.append(TracedLine{file, line, position});
-    });
-    writer.Write(Output(QStringLiteral("nc")), kFormat, QString());
+    const QList<TracedLine> traced = WriteTraced(f.program, Output(QStringLiteral("nc")));
 
     const QString first = Output(QStringLiteral("nc/PART/PART#0101.PPF"));
     const QString second = Output(QStringLiteral("nc/PART/PART#0102.PPF"));
@@ -654,14 +661,8 @@ TEST_F(ZELKinWriterTest, ALineTraceIsToldEveryNumberedBlockOfThePlyFilesInOrder)
 TEST_F(ZELKinWriterTest, InABundleTheTraceCountsTheBundlesLines)
 {
     BuildTwoPlies(f);
-    QList<TracedLine> traced;
-    ZELKinWriter writer(f.program);
-    writer.SetCurrentDateTime(NCFixture::Now());
-    writer.SetLineTrace([&traced](const QString& file, qint64 line, const ZELKinPosition* position) {
-        traced.append(TracedLine{file, line, position});
-    });
     const QString bundle = Output(QStringLiteral("job.bun"));
-    writer.Write(bundle, kFormat, QString());
+    const QList<TracedLine> traced = WriteTraced(f.program, bundle);
 
     EXPECT_EQ(PlacesOf(traced), NumberedBlocks(bundle));
     EXPECT_EQ(traced.size(), 4);

@@ -1,0 +1,93 @@
+#ifndef ZELKINPOSTEDNC_H
+#define ZELKINPOSTEDNC_H
+
+// Posted NC as tests read and change it: the posting environment, and line
+// edits of a copy of a posted program.
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcessEnvironment>
+#include <QRegularExpression>
+#include <QString>
+#include <QStringList>
+
+#include <algorithm>
+#include <functional>
+
+//! The test's environment with SOURCE_DATE_EPOCH set (2023-11-14 22:13:20
+//! UTC), so that posting the same inputs gives the same bytes.
+inline QProcessEnvironment ReproducibleEnvironment()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("1700000000"));
+    return environment;
+}
+
+inline QString ReadText(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return QString::fromUtf8(file.readAll());
+}
+
+inline void WriteText(const QString& path, const QString& text)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << path.toStdString();
+    file.write(text.toUtf8());
+}
+
+//! Copies the files of the program folder `from` into the folder `to`,
+//! which is made.
+inline void CopyProgramFolder(const QString& from, const QString& to)
+{
+    ASSERT_TRUE(QDir().mkpath(to));
+    const QDir source(from);
+    for (const QString& name : source.entryList(QDir::Files))
+        ASSERT_TRUE(QFile::copy(source.filePath(name), QDir(to).filePath(name))) << name.toStdString();
+}
+
+//! The number, from 1, of the `which`-th line after "COURSE_MODE" in the
+//! block of course `course` of a ply file's `lines`.
+inline int CourseLine(const QStringList& lines, int course, int which)
+{
+    const QString record = QStringLiteral(";[COURSE] CourseNumber=%1,").arg(course);
+    const auto start = std::find_if(lines.cbegin(), lines.cend(),
+                                    [&record](const QString& line) { return line.startsWith(record); });
+    const int mode = int(lines.indexOf(QStringLiteral("COURSE_MODE"), int(start - lines.cbegin())));
+    return mode + 1 + which;
+}
+
+//! Changes the line `number` (from 1) of the file at `path`.
+inline void ChangeLine(const QString& path, int number, const std::function<QString(const QString&)>& change)
+{
+    QStringList lines = ReadText(path).split(QLatin1Char('\n'));
+    lines[number - 1] = change(lines.at(number - 1));
+    WriteText(path, lines.join(QLatin1Char('\n')));
+}
+
+//! `line` with `words` put in before its comment.
+inline QString WithWords(const QString& line, const QString& words)
+{
+    QString changed = line;
+    return changed.insert(int(line.indexOf(QLatin1Char(';'))), words);
+}
+
+//! The number after `word` on `line` (a word such as "X" or "C1=").
+inline double WordValue(const QString& line, const QString& word)
+{
+    const QRegularExpression pattern(QRegularExpression::escape(word) + QStringLiteral("(-?\\d+\\.\\d+)"));
+    return pattern.match(line).captured(1).toDouble();
+}
+
+//! `line` with the value of `word` set to `value`, with four decimals.
+inline QString WithWord(const QString& line, const QString& word, double value)
+{
+    const QRegularExpression pattern(QRegularExpression::escape(word) + QStringLiteral("-?\\d+\\.\\d+"));
+    QString changed = line;
+    return changed.replace(pattern, word + QString::number(value, 'f', 4));
+}
+
+#endif // ZELKINPOSTEDNC_H

@@ -854,6 +854,9 @@ QString ZELKinHtmlReport::GetHeader() const
     for (const ZELKinVerifiedPly& ply : m_verification.plies)
         header += QStringLiteral("<a href=\"#ply-%1\">Ply %1: %2</a>").arg(Html(ply.plyNumber), Html(ply.procedure));
     header += QStringLiteral("</nav>\n");
+    const QList<ZELKinVerifyFinding> unposted = FindingsOf(m_verification, ZELKinVerifiedPly());
+    if (!unposted.isEmpty())
+        header += QStringLiteral("<h3>Procedures without a ply file</h3>\n") + FindingsTable(unposted);
     header += QStringLiteral(
         "<p class=\"note\">Plots show every motion line of a ply against the roller centre's path length: rotary "
         "axes in deg, linear axes in mm, X, Y and Z as slide positions. Link lines (approach, retract) are checked "

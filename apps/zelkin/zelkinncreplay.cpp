@@ -109,6 +109,7 @@ private:
         const QRegularExpressionMatch course = kCourseRecord.match(line);
         if (course.hasMatch()) {
             m_course = course.captured(1).toInt();
+            m_ply.courseRecords.insert(m_course, lineNumber);
             m_alongCourse = false;
             m_offPartPointToCome = false;
             return;

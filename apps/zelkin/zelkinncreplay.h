@@ -63,6 +63,9 @@ struct ZELKinNCPlyFile
     QString procedure;
     QList<ZELKinNCMotion> motions;
     QList<ZELKinNCTowEvent> towEvents;
+    //! The line of each course's record (";[COURSE] CourseNumber="), by
+    //! course number.
+    QMap<int, unsigned> courseRecords;
 };
 
 /*!

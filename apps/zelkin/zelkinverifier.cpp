@@ -244,6 +244,7 @@ public:
             previousLine = line;
         }
         CheckTowEvents(procedure);
+        CheckEveryCourseIsRun(procedure);
         for (const ZELKinVerifiedCourse& course : std::as_const(m_courses))
             m_result.courseTallies.append(course);
         return m_result;
@@ -510,16 +511,32 @@ private:
     }
 
     // Each tow's adds and cuts in the NC, in order, against the toolpath's.
+    // Every course of the procedure, and any other course the NC names.
     void CheckTowEvents(const ZELKinRollLayupProcedure& procedure)
     {
         QMap<int, QList<const ZELKinNCTowEvent*>> byCourse;
+        for (int course = 1; course <= procedure.GetNumCourses(); ++course)
+            byCourse.insert(course, {});
         for (const ZELKinNCTowEvent& event : m_ply.towEvents)
             byCourse[event.course].append(&event);
         for (auto course = byCourse.cbegin(); course != byCourse.cend(); ++course) {
-            m_lineForErrors = course.value().first()->line;
+            m_lineForErrors = course.value().isEmpty() ? RecordLineOf(course.key()) : course.value().first()->line;
             const CoursePlan* plan = PlanOf(procedure, course.key());
             for (const QString& code : {QStringLiteral("A/B"), QStringLiteral("C/B")})
                 CompareTowEvents(*plan, course.key(), course.value(), code);
+        }
+    }
+
+    unsigned RecordLineOf(int course) const { return m_ply.courseRecords.value(course, 0u); }
+
+    // A course that no line runs along is not laid at all.
+    void CheckEveryCourseIsRun(const ZELKinRollLayupProcedure& procedure)
+    {
+        for (int course = 1; course <= procedure.GetNumCourses(); ++course) {
+            if (m_courses.value(course).matchedLines > 0)
+                continue;
+            Find(QStringLiteral("missing"), ZELKinVerifyPlace{course, 0, m_ply.path, RecordLineOf(course)}, QString(),
+                 0.0, 0.0, QStringLiteral("no line of the NC runs along course %1 of the procedure").arg(course));
         }
     }
 
@@ -547,7 +564,8 @@ private:
         for (const int tow : tows) {
             const QList<double>& wanted = expected[tow];
             const QList<const ZELKinNCTowEvent*>& written = posted[tow];
-            const ZELKinVerifyPlace place{course, 0, m_ply.path, written.isEmpty() ? 0u : written.first()->line};
+            const ZELKinVerifyPlace place{course, 0, m_ply.path,
+                                          written.isEmpty() ? RecordLineOf(course) : written.first()->line};
             if (wanted.size() != written.size()) {
                 if (!m_countsReported.contains({course, tow, code}))
                     Find(QStringLiteral("tow"), place, QStringLiteral("tow %1").arg(tow), written.size(),
@@ -615,6 +633,24 @@ ZELKinVerifier::ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELKinRBRS
 {
 }
 
+// A layup procedure of the program without a ply file is not laid at all.
+void ZELKinVerifier::FindPliesNotPosted(const QList<ZELKinNCPlyFile>& plies,
+                                        QList<ZELKinVerifyFinding>& findings) const
+{
+    for (const ZELKinProcedure* procedure : m_program.GetProcedures()) {
+        if (!qobject_cast<const ZELKinRollLayupProcedure*>(procedure))
+            continue;
+        const QString name = procedure->objectName();
+        const bool posted = std::any_of(plies.cbegin(), plies.cend(),
+                                        [&name](const ZELKinNCPlyFile& ply) { return ply.procedure == name; });
+        if (!posted)
+            findings.append(ZELKinVerifyFinding{QStringLiteral("missing"), QString(), name, ZELKinVerifyPlace(),
+                                                QString(), 0.0, 0.0,
+                                                QStringLiteral("the NC has no ply file for the procedure '%1'")
+                                                    .arg(name)});
+    }
+}
+
 ZELKinVerification ZELKinVerifier::Verify(const QList<ZELKinNCPlyFile>& plies) const
 {
     ZELKinVerification verification;
@@ -629,5 +665,6 @@ ZELKinVerification ZELKinVerifier::Verify(const QList<ZELKinNCPlyFile>& plies) c
         PlyCheck check(axes, m_solver, m_gates, m_machine.GetRollerRadius(), ply, verification.findings);
         verification.plies.append(check.Run(*procedure));
     }
+    FindPliesNotPosted(plies, verification.findings);
     return verification;
 }

@@ -47,7 +47,8 @@ struct ZELKinVerifyPlace
 struct ZELKinVerifyFinding
 {
     //! "centre", "normal", "travel", "limit", "flip", "speed",
-    //! "singularity" or "tow".
+    //! "singularity", "tow" or "missing" (a ply or a course of the program
+    //! that no line of the NC runs).
     QString check;
     QString plyNumber;
     QString procedure;
@@ -145,8 +146,9 @@ struct ZELKinVerification
     axis (the length of material laid since the course start) and, among
     positions at the same length, by the nearest roller centre.
 
-    Throws ZELSysException for a ply whose procedure or course the program
-    does not have.
+    A layup procedure of the program without a ply file, and a course of a
+    ply that no line runs along, are findings. Throws ZELSysException for a
+    ply whose procedure or course the program does not have.
 */
 class ZELKinVerifier
 {
@@ -158,6 +160,8 @@ public:
     ZELKinVerification Verify(const QList<ZELKinNCPlyFile>& plies) const;
 
 private:
+    void FindPliesNotPosted(const QList<ZELKinNCPlyFile>& plies, QList<ZELKinVerifyFinding>& findings) const;
+
     const ZELKinAFPMachine& m_machine;
     const ZELKinRBRSolver& m_solver;
     const ZELKinProgram& m_program;

@@ -20,12 +20,26 @@ constexpr double kDegreesPerRadian = 57.29577951308232;
 // The text summary lists this many findings; --json lists them all.
 constexpr int kFindingsShown = 50;
 
+// "course 2, point 6, <file>:<line>", leaving out what the place has not.
 QString Where(const ZELKinVerifyPlace& place)
 {
-    QString where = QStringLiteral("course %1").arg(place.course);
+    QStringList parts;
+    if (place.course > 0)
+        parts.append(QStringLiteral("course %1").arg(place.course));
     if (place.point > 0)
-        where += QStringLiteral(", point %1").arg(place.point);
-    return where + QStringLiteral(", %1:%2").arg(place.file, QString::number(place.line));
+        parts.append(QStringLiteral("point %1").arg(place.point));
+    if (!place.file.isEmpty())
+        parts.append(QStringLiteral("%1:%2").arg(place.file, QString::number(place.line)));
+    return parts.join(QStringLiteral(", "));
+}
+
+QString Describe(const ZELKinVerifyFinding& finding)
+{
+    QStringList where{finding.plyNumber.isEmpty() ? finding.procedure
+                                                  : finding.plyNumber + QLatin1Char(' ') + finding.procedure};
+    if (!Where(finding.place).isEmpty())
+        where.append(Where(finding.place));
+    return QStringLiteral("%1: %2: %3").arg(where.join(QStringLiteral(", ")), finding.check, finding.message);
 }
 
 QString Summary(const QString& ncPath, const ZELKinVerification& verification)
@@ -50,10 +64,7 @@ QString Summary(const QString& ncPath, const ZELKinVerification& verification)
     if (!findings.isEmpty()) {
         text += QStringLiteral("\nFindings:\n");
         for (int i = 0; i < findings.size() && i < kFindingsShown; ++i) {
-            const ZELKinVerifyFinding& finding = findings.at(i);
-            text += QStringLiteral("  %1 %2, %3: %4: %5\n")
-                        .arg(finding.plyNumber, finding.procedure, Where(finding.place), finding.check,
-                             finding.message);
+            text += QStringLiteral("  %1\n").arg(Describe(findings.at(i)));
         }
         if (findings.size() > kFindingsShown)
             text += QStringLiteral("  ... and %1 more (--json lists them all)\n").arg(findings.size() - kFindingsShown);

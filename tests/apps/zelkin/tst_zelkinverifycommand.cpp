@@ -306,6 +306,64 @@ TEST_F(ZELKinVerifyCommand, AMissingTowCutIsCountedAgainstTheToolpath)
         << tows.first().value(QStringLiteral("message")).toString().toStdString();
 }
 
+TEST_F(ZELKinVerifyCommand, APlyFileThatIsMissingIsAFindingNamingItsProcedure)
+{
+    ASSERT_TRUE(QFile::remove(QDir(program).filePath(QStringLiteral("cylinder-section#0102.PPF"))));
+
+    const ZELKinToolRun run = Verify();
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.standardOutput.contains(
+        QStringLiteral("\n  Ply 2 +45: missing: the NC has no ply file for the procedure 'Ply 2 +45'\n")))
+        << run.standardOutput.toStdString();
+    EXPECT_TRUE(run.standardOutput.endsWith(QStringLiteral("Result: FAIL (1 finding)\n")));
+}
+
+TEST_F(ZELKinVerifyCommand, ACourseNoLineRunsAlongIsAFinding)
+{
+    QStringList lines = ReadText(ply).split(QLatin1Char('\n'));
+    const auto startsWith = [&lines](const QString& prefix) {
+        return int(std::find_if(lines.cbegin(), lines.cend(),
+                                [&prefix](const QString& line) { return line.startsWith(prefix); })
+                   - lines.cbegin());
+    };
+    const int third = startsWith(QStringLiteral(";[COURSE] CourseNumber=3,"));
+    const int fourth = startsWith(QStringLiteral(";[COURSE] CourseNumber=4,"));
+    ASSERT_LT(third, fourth);
+    lines.erase(lines.begin() + third, lines.begin() + fourth);
+    WriteText(ply, lines.join(QLatin1Char('\n')));
+
+    const QJsonObject result = VerifyAsJson();
+    const QList<QJsonObject> missing = FindingsOf(result, QStringLiteral("missing"));
+    ASSERT_EQ(missing.size(), 1);
+    EXPECT_EQ(missing.first().value(QStringLiteral("course")).toInt(), 3);
+    EXPECT_EQ(missing.first().value(QStringLiteral("message")).toString(),
+              QStringLiteral("no line of the NC runs along course 3 of the procedure"));
+    // Its tows are neither added nor cut either.
+    for (const QJsonObject& tow : FindingsOf(result, QStringLiteral("tow"))) {
+        EXPECT_EQ(tow.value(QStringLiteral("course")).toInt(), 3);
+        EXPECT_TRUE(tow.value(QStringLiteral("message")).toString().endsWith(QStringLiteral(" 1 times in this course, "
+                                                                                           "the NC 0 times")));
+    }
+    EXPECT_FALSE(FindingsOf(result, QStringLiteral("tow")).isEmpty());
+}
+
+TEST_F(ZELKinVerifyCommand, APlyFileOfGarbageLaysNoCourseAndFailsEveryOne)
+{
+    QFile file(ply);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    QByteArray garbage;
+    for (int i = 0; i < 4096; ++i)
+        garbage.append(char((i * 131 + 7) % 256));
+    file.write(garbage);
+    file.close();
+
+    const ZELKinToolRun run = Verify({QStringLiteral("--json")});
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 1);
+    const QJsonObject result = QJsonDocument::fromJson(run.standardOutput.toUtf8()).object();
+    EXPECT_EQ(FindingsOf(result, QStringLiteral("missing")).size(), 4);
+}
+
 TEST_F(ZELKinVerifyCommand, ABundleIsReadLikeTheFolder)
 {
     const QString bundle = QDir(copy.path()).filePath(QStringLiteral("job.bun"));

@@ -112,6 +112,7 @@ private:
             m_ply.courseRecords.insert(m_course, lineNumber);
             m_alongCourse = false;
             m_offPartPointToCome = false;
+            m_courseLeft = false;
             return;
         }
         const QRegularExpressionMatch event = kTowEvent.match(line);
@@ -161,9 +162,20 @@ private:
         }
         if (!moves)
             return;
-        m_ply.motions.append(ZELKinNCMotion{lineNumber, m_course, m_alongCourse || m_offPartPointToCome, m_rapid,
-                                            m_values, starts, m_feedrate});
+        const bool alongCourse = m_alongCourse || m_offPartPointToCome;
+        m_ply.motions.append(ZELKinNCMotion{lineNumber, m_course, alongCourse, m_rapid, m_values, starts, m_feedrate,
+                                            alongCourse ? -1 : LinkIndex()});
+        m_courseLeft = m_courseLeft || m_offPartPointToCome;
         m_offPartPointToCome = false;
+    }
+
+    // Lines between a course record and the course itself approach it;
+    // lines after its off-part point retract from it.
+    int LinkIndex() const
+    {
+        if (m_course <= 0)
+            return -1;
+        return m_courseLeft ? m_course : m_course - 1;
     }
 
     ZELKinNCPlyFile& m_ply;
@@ -175,6 +187,7 @@ private:
     bool m_rapid = false;
     bool m_alongCourse = false;
     bool m_offPartPointToCome = false;
+    bool m_courseLeft = false;
 };
 
 } // namespace

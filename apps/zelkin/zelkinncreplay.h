@@ -35,6 +35,10 @@ struct ZELKinNCMotion
     QVector<double> starts;
     //! The modal feed (mm/min); NaN until a line sets it.
     double feedrate = std::numeric_limits<double>::quiet_NaN();
+    //! For a link line, its link among the procedure's course links: the
+    //! approach into course n is link n - 1, the retract after it link n.
+    //! -1 along a course and before the first course record.
+    int link = -1;
 };
 
 //! One tow event of a course's ";PMAC1: G500" lines.

@@ -3,6 +3,7 @@
 #include <zelcomptowmask.h>
 #include <zelkinafpmachine.h>
 #include <zelkincourse.h>
+#include <zelkincourselink.h>
 #include <zelkinprogram.h>
 #include <zelkinrbrsolver.h>
 #include <zelkinrolllayupposition.h>
@@ -238,7 +239,7 @@ public:
             if (motion.alongCourse)
                 CheckAlongCourse(procedure, motion, line);
             else
-                Count(motion.course, &ZELKinVerifyTally::linkLines);
+                CheckLinkLine(procedure, motion, line);
             m_result.lines.append(line);
             previous = &motion;
             previousLine = line;
@@ -500,6 +501,38 @@ private:
                      .arg(Number(margin * kDegreesPerRadian, 3), Number(m_gates.singularity * kDegreesPerRadian, 3)));
     }
 
+    // Link positions are not solved against their frames: how far the line
+    // lies from its link's toolpath points is kept, and not gated.
+    void CheckLinkLine(const ZELKinRollLayupProcedure& procedure, const ZELKinNCMotion& motion,
+                       const ZELKinVerifiedLine& line)
+    {
+        Count(motion.course, &ZELKinVerifyTally::linkLines);
+        if (motion.link < 0 || motion.link >= procedure.GetNumCourseLinks() || !procedure.GetCourseLink(motion.link))
+            return;
+        auto centres = m_linkCentres.find(motion.link);
+        if (centres == m_linkCentres.end())
+            centres = m_linkCentres.insert(motion.link, RollerCentresOf(*procedure.GetCourseLink(motion.link)));
+        double nearest = std::numeric_limits<double>::infinity();
+        for (const ZELMathPoint& centre : std::as_const(centres.value()))
+            nearest = std::min(nearest, line.centre.GetDistanceTo(centre));
+        if (std::isfinite(nearest))
+            Keep(&ZELKinVerifyTally::linkCentre, nearest, PlaceOf(motion));
+    }
+
+    QList<ZELMathPoint> RollerCentresOf(const ZELKinScript& link) const
+    {
+        QList<ZELMathPoint> centres;
+        for (int i = 0; i < link.GetNumCommands(); ++i) {
+            const auto* position = qobject_cast<const ZELKinPosition*>(link.GetCommand(i));
+            const ZELTPPoint* point = position ? position->GetToolPathPoint() : nullptr;
+            if (!point)
+                continue;
+            const ZELMathAxis frame = point->GetToolFrame();
+            centres.append(frame.GetOrigin() + m_rollerRadius * frame.GetWDirection());
+        }
+        return centres;
+    }
+
     void CheckAngle(const QString& check, const QString& what, ZELKinVerifyExtreme ZELKinVerifyTally::*extreme,
                     const ZELKinVerifyPlace& place, double angle)
     {
@@ -616,6 +649,7 @@ private:
     ZELKinVerifiedPly m_result;
     QMap<int, ZELKinVerifiedCourse> m_courses;
     QMap<int, CoursePlan> m_plans;
+    QMap<int, QList<ZELMathPoint>> m_linkCentres;
     QList<CountKey> m_countsReported;
     int m_matchedCourse = 0;
     int m_matchedIndex = 0;

@@ -107,6 +107,10 @@ struct ZELKinVerifyTally
     ZELKinVerifyExtreme speedRatio;
     ZELKinVerifyExtreme singularityMargin;
     ZELKinVerifyExtreme towEvent;
+    //! Not gated: how far link lines lie from the nearest roller centre of
+    //! their link's toolpath points (the solver gives link positions at a
+    //! procedure's ends the bare point, a roller radius off).
+    ZELKinVerifyExtreme linkCentre;
     int findings = 0;
 };
 

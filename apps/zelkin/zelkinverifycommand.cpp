@@ -69,8 +69,9 @@ QString Summary(const QString& ncPath, const ZELKinVerification& verification)
         if (findings.size() > kFindingsShown)
             text += QStringLiteral("  ... and %1 more (--json lists them all)\n").arg(findings.size() - kFindingsShown);
     }
-    text += QStringLiteral("\nLink lines (approach, retract) are checked for limits, speeds and steps only; the "
-                           "probing file is not checked.\n");
+    text += QStringLiteral("\nLink lines (approach, retract) are checked for limits, speeds and steps only, and their "
+                           "distance from their link's points (links mm) is not gated; the probing file is not "
+                           "checked.\n");
     text += QStringLiteral("Result: %1\n").arg(ZELKinVerifySummary::GetResult(verification));
     return text;
 }
@@ -112,7 +113,8 @@ QJsonObject JsonTally(const ZELKinVerifyTally& tally)
                        {QStringLiteral("maxSpeedRatio"), JsonExtreme(tally.speedRatio, 1.0)},
                        {QStringLiteral("minSingularityMarginDeg"),
                         JsonExtreme(tally.singularityMargin, kDegreesPerRadian)},
-                       {QStringLiteral("maxTowEventMm"), JsonExtreme(tally.towEvent, 1.0)}};
+                       {QStringLiteral("maxTowEventMm"), JsonExtreme(tally.towEvent, 1.0)},
+                       {QStringLiteral("maxLinkCentreMm"), JsonExtreme(tally.linkCentre, 1.0)}};
 }
 
 QJsonObject JsonPly(const ZELKinVerifiedPly& ply)

@@ -15,7 +15,7 @@ QStringList ZELKinVerifySummary::GetHeadings()
     return {QStringLiteral("lines"),      QStringLiteral("matched"),    QStringLiteral("links"),
             QStringLiteral("centre mm"),  QStringLiteral("normal deg"), QStringLiteral("travel deg"),
             QStringLiteral("step deg"),   QStringLiteral("speed %"),    QStringLiteral("margin deg"),
-            QStringLiteral("tows mm"),    QStringLiteral("findings")};
+            QStringLiteral("tows mm"),    QStringLiteral("links mm"),   QStringLiteral("findings")};
 }
 
 QStringList ZELKinVerifySummary::GetCells(const ZELKinVerifyTally& tally)
@@ -30,6 +30,7 @@ QStringList ZELKinVerifySummary::GetCells(const ZELKinVerifyTally& tally)
             Cell(tally.speedRatio.value, 100.0, 1),
             Cell(tally.singularityMargin.value, kDegreesPerRadian, 3),
             Cell(tally.towEvent.value, 1.0, 3),
+            Cell(tally.linkCentre.value, 1.0, 3),
             QString::number(tally.findings)};
 }
 

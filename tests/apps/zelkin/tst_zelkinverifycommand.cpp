@@ -168,6 +168,25 @@ TEST_F(ZELKinVerifyCommand, EachCourseIsCheckedOnItsOwnAndTheCoursesAddUpToThePl
     }
 }
 
+TEST_F(ZELKinVerifyCommand, LinkLinesAreMeasuredAgainstTheirLinksPointsButNotGated)
+{
+    const QJsonObject result = VerifyAsJson();
+    EXPECT_TRUE(result.value(QStringLiteral("passed")).toBool());
+    const QJsonArray courses =
+        result.value(QStringLiteral("plies")).toArray().at(0).toObject().value(QStringLiteral("courseChecks")).toArray();
+    ASSERT_EQ(courses.size(), 4);
+    const auto linkCentre = [&courses](int index) {
+        return courses.at(index).toObject().value(QStringLiteral("maxLinkCentreMm")).toObject().value(
+            QStringLiteral("value")).toDouble();
+    };
+    // The approach at the procedure's start waits for the wrist at the bare
+    // point, the roller radius of 30 mm below its roller centre; the links
+    // between courses are blended onto their points.
+    EXPECT_TRUE(ZELTest::SameDouble(30.0, linkCentre(0), 0.01));
+    EXPECT_LT(linkCentre(1), 0.01);
+    EXPECT_LT(linkCentre(2), 0.01);
+}
+
 TEST_F(ZELKinVerifyCommand, AnXWordMovedATenthOfAnInchIsNamedWithItsFileAndLine)
 {
     const int line = CourseLine(2, 5);

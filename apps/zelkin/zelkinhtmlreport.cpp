@@ -636,6 +636,16 @@ QString FindingTitle(const ZELKinVerifyFinding& finding)
              finding.message);
 }
 
+// A ply that fails along every course would make a page no browser opens in
+// reasonable time: each ply shows and marks its first findings, and says how
+// many it leaves to "zelkin verify --json".
+constexpr int kFindingsShownPerPly = 500;
+
+QList<ZELKinVerifyFinding> Shown(const QList<ZELKinVerifyFinding>& findings)
+{
+    return findings.mid(0, kFindingsShownPerPly);
+}
+
 QList<ZELKinVerifyFinding> FindingsOf(const ZELKinVerification& verification, const ZELKinVerifiedPly& ply)
 {
     QList<ZELKinVerifyFinding> findings;
@@ -787,12 +797,18 @@ QString FindingsTable(const QList<ZELKinVerifyFinding>& findings)
     table += Row({QStringLiteral("ply"), QStringLiteral("course"), QStringLiteral("point"), QStringLiteral("file:line"),
                   QStringLiteral("check"), QStringLiteral("message")},
                  QStringLiteral("th"));
-    for (const ZELKinVerifyFinding& finding : findings)
+    for (const ZELKinVerifyFinding& finding : Shown(findings))
         table += QStringLiteral("<tr><td>%1</td><td>%2</td><td>%3</td><td class=\"where\">%4</td><td>%5</td>"
                                 "<td>%6</td></tr>\n")
                      .arg(Html(finding.plyNumber), QString::number(finding.place.course), Point(finding.place),
                           Html(Where(finding.place)), Html(finding.check), Html(finding.message));
-    return table + QStringLiteral("</table>\n</details>\n");
+    table += QStringLiteral("</table>\n");
+    if (findings.size() > kFindingsShownPerPly)
+        table += QStringLiteral("<p class=\"note\">The first %1 are listed and marked; 'zelkin verify --json' lists "
+                                "all %2.</p>\n")
+                     .arg(kFindingsShownPerPly)
+                     .arg(findings.size());
+    return table + QStringLiteral("</details>\n");
 }
 
 } // namespace
@@ -882,6 +898,6 @@ QString ZELKinHtmlReport::GetData() const
     const QList<PlotAxis> axes = PlotAxesOf(m_machine);
     QStringList plies;
     for (const ZELKinVerifiedPly& ply : m_verification.plies)
-        plies.append(PlyData(ply, axes, FindingsOf(m_verification, ply)));
+        plies.append(PlyData(ply, axes, Shown(FindingsOf(m_verification, ply))));
     return QStringLiteral("{\"plotsExpected\":%1,\"plies\":%2}").arg(QString::number(GetNumPlots()), JsonArray(plies));
 }

@@ -438,6 +438,37 @@ TEST(ZELKinReportCommandLarge, ALongPlyIsCutToBucketsThatKeepItsPeaksAndFindings
     EXPECT_LT(QFileInfo(report).size(), QFileInfo(ply).size() / 4);
 }
 
+TEST(ZELKinReportCommandLarge, APlyWithThousandsOfFindingsListsAndMarksTheFirstFiveHundred)
+{
+    // Dense points along a 45 degree ply turn the first roll by less than
+    // the modal tolerance from one line to the next, so the wrist drifts
+    // off the toolpath on most lines: thousands of findings.
+    const QTemporaryDir work;
+    const QString toolpath = QDir(work.path()).filePath(QStringLiteral("dense.json"));
+    const QString nc = QDir(work.path()).filePath(QStringLiteral("nc"));
+    const QString report = QDir(work.path()).filePath(QStringLiteral("dense.html"));
+    ASSERT_EQ(RunZelkin({QStringLiteral("generate-toolpath"), QStringLiteral("--part"), QStringLiteral("cylinder"),
+                         QStringLiteral("--plies"), QStringLiteral("45"), QStringLiteral("--courses"),
+                         QStringLiteral("2"), QStringLiteral("--points-per-course"), QStringLiteral("1500"),
+                         QStringLiteral("-o"), toolpath})
+                  .exitCode,
+              0);
+    ASSERT_EQ(Post(toolpath, nc).exitCode, 0);
+
+    const ZELKinToolRun run = Report(toolpath, nc, report);
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    const QRegularExpressionMatch count =
+        QRegularExpression(QStringLiteral("FAIL \\((\\d+) findings\\)")).match(run.standardOutput);
+    ASSERT_TRUE(count.hasMatch()) << run.standardOutput.toStdString();
+    const int total = count.captured(1).toInt();
+    ASSERT_GT(total, 500);
+    const QString html = ReadText(report);
+    EXPECT_EQ(html.count(QStringLiteral("<td class=\"where\">")), 500);
+    EXPECT_EQ(PlyData(DataOf(html), QStringLiteral("0101")).value(QStringLiteral("findings")).toArray().size(), 500);
+    EXPECT_TRUE(html.contains(
+        QStringLiteral("The first 500 are listed and marked; 'zelkin verify --json' lists all %1.").arg(total)));
+}
+
 TEST(ZELKinReportCommandUsage, WithoutTheReportFileTheCommandLineIsRefused)
 {
     const ZELKinToolRun run =

@@ -147,7 +147,7 @@ void WritePly(benchmark::State& state)
     QTemporaryDir output;
     ZELKinWriter writer(ply.GetProgram());
     for (auto _ : state)
-        writer.Write(output.path(), QStringLiteral("IngersollAFPGCode"), QString());
+        writer.Write(output.path(), QStringLiteral("AFPGCode"), QString());
     ReportPerLine(state, ply.GetLines());
 }
 BENCHMARK(WritePly)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);

@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static Posting posting;
     ZELKinWriter writer(posting.program);
     writer.SetCurrentDateTime(QDateTime(QDate(2026, 1, 1), QTime(0, 0), Qt::UTC));
-    writer.Write(posting.output.path(), QStringLiteral("IngersollAFPGCode"),
+    writer.Write(posting.output.path(), QStringLiteral("AFPGCode"),
                  QString::fromUtf8(ZELKinFuzz::Bytes(data, size)));
     return 0;
 }

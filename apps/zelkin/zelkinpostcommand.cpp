@@ -22,7 +22,7 @@ const QString DebugPathOption = QStringLiteral("debug-path");
 const QString TraceOption = QStringLiteral("trace");
 
 // The one dialect the writer knows; any other name would write nothing.
-const QString AFPGCodeFormat = QStringLiteral("IngersollAFPGCode");
+const QString AFPGCodeFormat = QStringLiteral("AFPGCode");
 
 QString FormatOf(const ZELKinArguments& arguments, const QString& command)
 {
@@ -107,7 +107,7 @@ QString ZELKinPostCommand::GetDescription() const
         "  --machine M.xml        The machine description.\n"
         "  --toolpath T.json      The toolpath file.\n"
         "  --output PATH          Where the NC files go (see above).\n"
-        "  --format NAME          The NC dialect; only IngersollAFPGCode (the default).\n"
+        "  --format NAME          The NC dialect; only AFPGCode (the default).\n"
         "  --options TEXT         Writer options, \"key: value\" items separated by ';':\n"
         "                         tooling-retract, pinch-max-length,\n"
         "                         pinch-release-length (mm).\n"

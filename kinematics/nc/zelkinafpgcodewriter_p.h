@@ -17,7 +17,7 @@ class ZELKinProgram;
 class ZELKinRollLayupProcedure;
 
 /*!
-    Writes a program in the "IngersollAFPGCode" dialect: the program-set
+    Writes a program in the "AFPGCode" dialect: the program-set
     file, one ply file per roll layup procedure and the probing file, as
     files in a directory or as sections of one bundle file. docs/nc-output.md
     describes the files for NC programmers.

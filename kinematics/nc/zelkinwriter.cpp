@@ -40,7 +40,7 @@ void ZELKinWriter::SetLineTrace(LineTrace trace)
 void ZELKinWriter::Write(const QString& path, const QString& format, const QString& options)
 {
     Q_D(ZELKinWriter);
-    if (format != QLatin1String("IngersollAFPGCode") || !d->program)
+    if (format != QLatin1String("AFPGCode") || !d->program)
         return;
     // The name becomes a folder and the base of every file name: one that
     // could step out of `path` is refused before anything is written.

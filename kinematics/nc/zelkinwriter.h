@@ -15,7 +15,7 @@ class ZELKinWriterPrivate;
 
 /*!
     Writes a solved kinematic program as NC text for its machine. The only
-    format is "IngersollAFPGCode", the AFP G-code dialect; docs/nc-output.md
+    format is "AFPGCode", the AFP G-code dialect; docs/nc-output.md
     describes its files for NC programmers.
 
     Writing adds dynamic properties to the program's objects: "PlyNum" on
@@ -64,7 +64,7 @@ public:
 
     /*!
         Writes the program in `format`; a format other than
-        "IngersollAFPGCode" (case-sensitive) writes nothing and reports
+        "AFPGCode" (case-sensitive) writes nothing and reports
         nothing, and so does a writer without a program.
 
         `path` ending in ".bun" is a bundle file; ending in ".aptsource" a

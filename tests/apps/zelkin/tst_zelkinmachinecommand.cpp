@@ -200,7 +200,7 @@ TEST_F(ZELKinToolMachineExample, LoadsWithoutAnyDiagnostic)
 TEST_F(ZELKinToolMachineExample, SolverAndNcSettings)
 {
     EXPECT_EQ(machine->value(QStringLiteral("label")), QJsonValue(QString()));
-    EXPECT_EQ(machine->value(QStringLiteral("ncFormat")), QJsonValue(QStringLiteral("IngersollAFPGCode")));
+    EXPECT_EQ(machine->value(QStringLiteral("ncFormat")), QJsonValue(QStringLiteral("AFPGCode")));
     EXPECT_EQ(machine->value(QStringLiteral("ncConfig")), QJsonValue(QString()));
     EXPECT_EQ(machine->value(QStringLiteral("solver")), QJsonValue(QStringLiteral("RBR")));
     EXPECT_EQ(machine->value(QStringLiteral("solverConfig")),
@@ -317,7 +317,7 @@ TEST(ZELKinToolMachineSummary, ShowsSolverAndNcSettings)
                   "  Solver: | RBR",
                   "  Solver config: | first-roll-reference: 0,1,0; bend-reference: 0,0,-1; "
                   "second-roll-reference: 1,0,0; tip-point: 0,0,-330",
-                  "  NC format: | IngersollAFPGCode",
+                  "  NC format: | AFPGCode",
                   "  NC config: | (none)",
               }));
 }

@@ -323,8 +323,8 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"UnknownFormat",
                   {QStringLiteral("--machine"), QStringLiteral("m.xml"), QStringLiteral("--toolpath"),
                    QStringLiteral("t.json"), QStringLiteral("--output"), QStringLiteral("out"),
-                   QStringLiteral("--format"), QStringLiteral("Fanuc")},
-                  "unknown NC format 'Fanuc' (known: IngersollAFPGCode)"}),
+                   QStringLiteral("--format"), QStringLiteral("VendorAFPGCode")},
+                  "unknown NC format 'VendorAFPGCode' (known: AFPGCode)"}),
     [](const ::testing::TestParamInfo<UsageCase>& info) { return std::string(info.param.name); });
 
 TEST(ZELKinPostCommand, TheSameInputsAndSourceDateGiveTheSameFilesInAFolderSolvedOnEveryCore)

@@ -175,7 +175,7 @@ TEST(ZELKinMachine, KeepsItsSolverAndNCSettings)
     ZELGeoContainer container;
     const ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
     EXPECT_EQ(machine->GetLabel(), QStringLiteral("gantry"));
-    EXPECT_EQ(machine->GetNCCodeFormat(), QStringLiteral("IngersollAFPGCode"));
+    EXPECT_EQ(machine->GetNCCodeFormat(), QStringLiteral("AFPGCode"));
     EXPECT_EQ(machine->GetNCCodeConfig(), QStringLiteral("nc settings"));
     EXPECT_EQ(machine->GetSolverName(), QStringLiteral("RBR"));
     EXPECT_EQ(machine->GetSolverConfig(), QStringLiteral("tip-point: 0,0,-330"));
@@ -193,7 +193,7 @@ TEST(ZELKinMachine, SaveAndLoadKeepListsAndSettings)
     ZELTest::CopyContainer(source, target);
     const ZELKinAFPMachine* loaded = ZELTest::FirstOf<ZELKinAFPMachine>(target);
     EXPECT_EQ(loaded->GetLabel(), QStringLiteral("gantry"));
-    EXPECT_EQ(loaded->GetNCCodeFormat(), QStringLiteral("IngersollAFPGCode"));
+    EXPECT_EQ(loaded->GetNCCodeFormat(), QStringLiteral("AFPGCode"));
     EXPECT_EQ(loaded->GetNCCodeConfig(), QStringLiteral("nc settings"));
     EXPECT_EQ(loaded->GetSolverName(), QStringLiteral("RBR"));
     EXPECT_EQ(loaded->GetSolverConfig(), QStringLiteral("tip-point: 0,0,-330"));

@@ -81,7 +81,7 @@ struct Description
 {
     QMap<QString, QString> root{
         {QStringLiteral("type"), QStringLiteral("AFP")},
-        {QStringLiteral("ncformat"), QStringLiteral("IngersollAFPGCode")},
+        {QStringLiteral("ncformat"), QStringLiteral("AFPGCode")},
         {QStringLiteral("head-travel"), QStringLiteral("101.6")},
         {QStringLiteral("cut-distance"), QStringLiteral("76.2")},
         {QStringLiteral("add-pinch"), QStringLiteral("12.7")},
@@ -118,7 +118,7 @@ std::string CaseName(const ::testing::TestParamInfo<Case>& info)
 // A five-axis gantry: X -> Y -> Z carries the wrist C -> A and the material
 // feed, which is mounted on Z after C.
 constexpr const char* kGantry = R"(<?xml version="1.0"?>
-<machine type="AFP" ncformat="IngersollAFPGCode" nc-config="first-ply: 101; units: inch"
+<machine type="AFP" ncformat="AFPGCode" nc-config="first-ply: 101; units: inch"
          solver="RBR" solver-config="tip-point: 0, 0, -330; wrist: C-A"
          head-travel="101.6" cut-distance="76.2" add-pinch="12.7" add-distance="50.8"
          tow-width="6.35" material-axis="U" roller-radius="30">
@@ -198,7 +198,7 @@ TEST_F(ZELKinMachineLoaderGantry, SolverAndNcSettingsAreKeptAsWritten)
 {
     EXPECT_EQ(machine->GetSolverName(), QStringLiteral("RBR"));
     EXPECT_EQ(machine->GetSolverConfig(), QStringLiteral("tip-point: 0, 0, -330; wrist: C-A"));
-    EXPECT_EQ(machine->GetNCCodeFormat(), QStringLiteral("IngersollAFPGCode"));
+    EXPECT_EQ(machine->GetNCCodeFormat(), QStringLiteral("AFPGCode"));
     EXPECT_EQ(machine->GetNCCodeConfig(), QStringLiteral("first-ply: 101; units: inch"));
 }
 

@@ -172,7 +172,7 @@ TEST_P(ZELKinAFPGCodeProbingMissingAxisTest, AMachineWithoutAnXYOrZAxisGetsAnEmp
     ZELKinTestAccess::CreatePosition(probing)->SetFeedrate(1270.0);
     ZELKinTestAccess::CreateProbeCommand(probing, ZELKinProbeCommand::Sphere, 10.0);
     QTemporaryDir output;
-    ZELKinWriter(program).Write(output.path(), QStringLiteral("IngersollAFPGCode"), QString());
+    ZELKinWriter(program).Write(output.path(), QStringLiteral("AFPGCode"), QString());
     const QString path = QDir(output.path()).filePath(QStringLiteral("PART/PART.PTPF"));
     ASSERT_TRUE(QFileInfo::exists(path));
     EXPECT_EQ(NCFixture::ReadText(path), QString());

@@ -15,7 +15,7 @@ using ZELTest::NCFixture;
 
 namespace {
 
-const QString kFormat = QStringLiteral("IngersollAFPGCode");
+const QString kFormat = QStringLiteral("AFPGCode");
 
 QStringList EntriesOf(const QString& directory)
 {
@@ -122,8 +122,9 @@ protected:
 TEST_F(ZELKinWriterTest, AnUnknownFormatWritesNothing)
 {
     f.BuildPart();
-    Write(Output(QStringLiteral("out")), QString(), QStringLiteral("ingersollafpgcode"));
+    Write(Output(QStringLiteral("out")), QString(), QStringLiteral("afpgcode"));
     Write(Output(QStringLiteral("out.bun")), QString(), QStringLiteral("Other"));
+    Write(Output(QStringLiteral("vendor")), QString(), QStringLiteral("VendorAFPGCode"));
     EXPECT_EQ(EntriesOf(Output()), QStringList());
 }
 

@@ -196,7 +196,7 @@ struct NCFixture
     {
         ZELKinWriter writer(program);
         writer.SetCurrentDateTime(Now());
-        writer.Write(output.path(), QStringLiteral("IngersollAFPGCode"), options);
+        writer.Write(output.path(), QStringLiteral("AFPGCode"), options);
         return ReadText(QDir(output.path()).filePath(QStringLiteral("PART/") + fileName));
     }
 

@@ -95,7 +95,7 @@ ZELKinMachine* LoadExample(ZELGeoContainer& container)
 ZELKinMachine* LoadSideHead(ZELGeoContainer& container)
 {
     QBuffer buffer;
-    buffer.setData(R"(<machine type="AFP" ncformat="IngersollAFPGCode" solver="RBR"
+    buffer.setData(R"(<machine type="AFP" ncformat="AFPGCode" solver="RBR"
     solver-config="normal-tolerance: 0.1; first-roll-reference: 1,0,0; bend-reference: 0, 0.5, -0.8660254037844386;
                    second-roll-reference: 1,0,0; tip-point: 60, 80, -329.9038105676658"
     roller-radius="25" tow-width="3.175" add-distance="50" cut-distance="70" head-travel="100" material-axis="U">

@@ -50,7 +50,7 @@ public:
     static ZELKinAFPMachine* CreateMachine(ZELGeoContainer* container, const Head& head = Head(),
                                            const QString& solver = QStringLiteral("RBR"))
     {
-        return new ZELKinAFPMachine(container, QStringLiteral("gantry"), QStringLiteral("IngersollAFPGCode"),
+        return new ZELKinAFPMachine(container, QStringLiteral("gantry"), QStringLiteral("AFPGCode"),
                                     QStringLiteral("nc settings"), solver, QStringLiteral("tip-point: 0,0,-330"),
                                     head.mask, head.rollerRadius, head.materialVariable, head.towWidth,
                                     head.addDistance, head.addPinch, head.cutDistance, head.headTravel);

@@ -31,6 +31,9 @@ int ZELKinApplication::Run(const QStringList& arguments) const
     } catch (const ZELKinUsageError& error) {
         ReportUsageError(error);
         return ZELKinExitStatus::Usage;
+    } catch (const ZELKinUndeliverable& error) {
+        ZELKinConsole::Diagnose(QStringLiteral("error"), QString::fromUtf8(error.what()));
+        return ZELKinExitStatus::Undeliverable;
     } catch (const std::exception& error) {
         ZELKinConsole::Diagnose(QStringLiteral("error"), QString::fromUtf8(error.what()));
         return ZELKinExitStatus::Failure;

@@ -13,6 +13,10 @@ constexpr int Success = 0;
 constexpr int Failure = 1;
 //! The command line itself is wrong.
 constexpr int Usage = 2;
+//! The post cannot deliver NC that does what the toolpath asks inside the
+//! machine's limits: a procedure could not be solved, or a position would
+//! leave a limit or lacks axis values.
+constexpr int Undeliverable = 3;
 } // namespace ZELKinExitStatus
 
 /*!
@@ -65,6 +69,19 @@ public:
 
 private:
     QString m_command;
+};
+
+/*!
+    A program that cannot be posted as the toolpath asks; zelkin exits with
+    status 3. The message names the first problem and how many there are.
+*/
+class ZELKinUndeliverable : public std::runtime_error
+{
+public:
+    explicit ZELKinUndeliverable(const QString& message)
+        : std::runtime_error(message.toStdString())
+    {
+    }
 };
 
 #endif // ZELKINCOMMAND_H

@@ -20,6 +20,7 @@ const QString OptionsOption = QStringLiteral("options");
 const QString PlyOption = QStringLiteral("ply-to-process");
 const QString DebugPathOption = QStringLiteral("debug-path");
 const QString TraceOption = QStringLiteral("trace");
+const QString KeepGoingOption = QStringLiteral("keep-going");
 
 // The one dialect the writer knows; any other name would write nothing.
 const QString AFPGCodeFormat = QStringLiteral("AFPGCode");
@@ -86,7 +87,7 @@ QString ZELKinPostCommand::GetSynopsis() const
 {
     return QStringLiteral("--machine M.xml --toolpath T.json --output PATH [--format NAME]\n"
                           "                    [--options TEXT] [--ply-to-process TEXT] [--debug-path DIR]\n"
-                          "                    [--trace FILE.csv]");
+                          "                    [--trace FILE.csv] [--keep-going]");
 }
 
 QString ZELKinPostCommand::GetDescription() const
@@ -94,8 +95,13 @@ QString ZELKinPostCommand::GetDescription() const
     return QStringLiteral(
         "Loads the machine description M.xml and the toolpath file T.json, translates\n"
         "and solves the toolpath for the machine, and writes the NC files, printing\n"
-        "the library's progress lines. Procedures that cannot be solved are left out\n"
-        "with a message.\n"
+        "the library's progress lines.\n"
+        "\n"
+        "Before anything is written, the solved program is checked: a layup procedure\n"
+        "that could not be solved, a position without axis values and a position\n"
+        "beyond an axis limit (linear axes as slide positions) each stop the post. It\n"
+        "then writes nothing, replaces no earlier file, names the first problem (its\n"
+        "procedure, course and point) and how many there are, and exits with status 3.\n"
         "\n"
         "PATH decides the layout: a path ending in .bun is one bundle file; a path\n"
         "ending in .aptsource writes the bundle beside it (same name, .bun); any other\n"
@@ -120,6 +126,8 @@ QString ZELKinPostCommand::GetDescription() const
         "                         file and line beside the procedure, script and index\n"
         "                         of the position it came from (as 'zelkin solve'\n"
         "                         names them).\n"
+        "  --keep-going           When the check finds problems, write the procedures\n"
+        "                         that have none, and still exit with status 3.\n"
         "\n"
         "Dates in the files come from SOURCE_DATE_EPOCH when it is set.\n");
 }
@@ -135,21 +143,26 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
                                   QCommandLineOption(OptionsOption, QString(), valueName),
                                   QCommandLineOption(PlyOption, QString(), valueName),
                                   QCommandLineOption(DebugPathOption, QString(), valueName),
-                                  QCommandLineOption(TraceOption, QString(), valueName)});
+                                  QCommandLineOption(TraceOption, QString(), valueName),
+                                  QCommandLineOption(KeepGoingOption)});
     parsed.RequireAtMostPositionals(0);
     const QString format = FormatOf(parsed, GetName());
     const QString output = parsed.GetRequiredValue(OutputOption);
-    auto job = std::make_unique<ZELKinTranslationJob>(ZELKinTranslationJob::Input{
-        parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
-        parsed.GetValue(DebugPathOption)});
+    // Kept from the start, so that a post that fails leaves as quickly as
+    // one that writes.
+    ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(
+        std::make_unique<ZELKinTranslationJob>(ZELKinTranslationJob::Input{parsed.GetRequiredValue(MachineOption),
+                                                                           parsed.GetRequiredValue(ToolpathOption),
+                                                                           parsed.GetValue(DebugPathOption)}));
+    job.RequireDeliverable(parsed.IsSet(KeepGoingOption));
 
-    ZELKinWriter writer(job->GetProgram());
+    ZELKinWriter writer(job.GetProgram());
     writer.SetCurrentDateTime(ZELKinClock::Now());
     QString ply = parsed.GetValue(PlyOption);
     writer.SetPlyToProcess(ply);
     std::optional<LineTraceCsv> trace;
     if (parsed.IsSet(TraceOption)) {
-        trace.emplace(parsed.GetValue(TraceOption), *job->GetProgram());
+        trace.emplace(parsed.GetValue(TraceOption), *job.GetProgram());
         writer.SetLineTrace([&trace](const QString& file, qint64 line, const ZELKinPosition* position) {
             trace->Trace(file, line, position);
         });
@@ -157,6 +170,6 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     writer.Write(output, format, parsed.GetValue(OptionsOption));
     if (trace)
         trace->Commit();
-    ZELKinTranslationJob::KeepUntilExit(std::move(job));
+    job.ThrowIfIncomplete();
     return ZELKinExitStatus::Success;
 }

@@ -17,6 +17,7 @@ namespace {
 const QString MachineOption = QStringLiteral("machine");
 const QString ToolpathOption = QStringLiteral("toolpath");
 const QString CsvOption = QStringLiteral("csv");
+const QString KeepGoingOption = QStringLiteral("keep-going");
 
 } // namespace
 
@@ -32,7 +33,7 @@ QString ZELKinSolveCommand::GetSummary() const
 
 QString ZELKinSolveCommand::GetSynopsis() const
 {
-    return QStringLiteral("--machine M.xml --toolpath T.json [--csv FILE]");
+    return QStringLiteral("--machine M.xml --toolpath T.json [--csv FILE] [--keep-going]");
 }
 
 QString ZELKinSolveCommand::GetDescription() const
@@ -44,11 +45,17 @@ QString ZELKinSolveCommand::GetDescription() const
         "axis values of every position as CSV: procedure, script, index, and one column\n"
         "per machine variable (linear axes in mm, rotary axes in degrees).\n"
         "\n"
+        "The solved program is checked as 'zelkin post' checks it: a layup procedure\n"
+        "that could not be solved, a position without axis values or beyond an axis\n"
+        "limit writes nothing, names the first problem and exits with status 3.\n"
+        "\n"
         "Options:\n"
         "  --machine M.xml   The machine description.\n"
         "  --toolpath T.json The toolpath file.\n"
         "  --csv FILE        Write the CSV to FILE instead of after the progress lines\n"
-        "                    on standard output.\n");
+        "                    on standard output.\n"
+        "  --keep-going      When the check finds problems, write the procedures that\n"
+        "                    have none, and still exit with status 3.\n");
 }
 
 void ZELKinSolveCommand::WriteCsv(const ZELKinProgram& program, const ZELKinArguments& parsed)
@@ -73,11 +80,14 @@ int ZELKinSolveCommand::Run(const QStringList& arguments)
     const ZELKinArguments parsed(GetName(), arguments,
                                  {QCommandLineOption(MachineOption, QString(), QStringLiteral("M.xml")),
                                   QCommandLineOption(ToolpathOption, QString(), QStringLiteral("T.json")),
-                                  QCommandLineOption(CsvOption, QString(), QStringLiteral("FILE"))});
+                                  QCommandLineOption(CsvOption, QString(), QStringLiteral("FILE")),
+                                  QCommandLineOption(KeepGoingOption)});
     parsed.RequireAtMostPositionals(0);
-    auto job = std::make_unique<ZELKinTranslationJob>(ZELKinTranslationJob::Input{
-        parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption), QString()});
-    WriteCsv(*job->GetProgram(), parsed);
-    ZELKinTranslationJob::KeepUntilExit(std::move(job));
+    ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(std::make_unique<ZELKinTranslationJob>(
+        ZELKinTranslationJob::Input{parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
+                                    QString()}));
+    job.RequireDeliverable(parsed.IsSet(KeepGoingOption));
+    WriteCsv(*job.GetProgram(), parsed);
+    job.ThrowIfIncomplete();
     return ZELKinExitStatus::Success;
 }

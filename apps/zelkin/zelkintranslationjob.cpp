@@ -1,12 +1,15 @@
 #include "zelkintranslationjob.h"
 
 #include "zelkinclock.h"
+#include "zelkincommand.h"
 #include "zelkinmachinefile.h"
 
 #include <zelkinafpmachine.h>
+#include <zelkinprocedure.h>
 #include <zelkinprogram.h>
 #include <zelkinsolver.h>
 #include <zelkintranslator.h>
+#include <zeltpprocedure.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramreader.h>
 #include <zelsysexception.h>
@@ -73,13 +76,43 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
     m_program = translator.Translate(toolpath);
     m_program->SetOriginalFileName(toolpath->GetName());
     m_program->SetRevisionNumber(toolpath->GetRevision());
+    m_findings = ZELKinProgramCheck(m_solver.get()).Check(m_program, translator.GetOmissions());
+}
+
+void ZELKinTranslationJob::RequireDeliverable(bool keepGoing)
+{
+    if (m_findings.IsClean())
+        return;
+    if (!keepGoing)
+        throw ZELKinUndeliverable(DescribeFindings(QStringLiteral("nothing was written")));
+    for (ZELKinProcedure* procedure : m_program->GetProcedures()) {
+        const ZELTPProcedure* source = procedure->GetToolPathProcedure();
+        if (source && m_findings.procedures.contains(source->GetName()))
+            m_program->RemoveProcedure(procedure);
+    }
+}
+
+void ZELKinTranslationJob::ThrowIfIncomplete() const
+{
+    if (!m_findings.IsClean())
+        throw ZELKinUndeliverable(DescribeFindings(
+            QStringLiteral("written without '%1'").arg(m_findings.procedures.join(QStringLiteral("', '")))));
+}
+
+QString ZELKinTranslationJob::DescribeFindings(const QString& outcome) const
+{
+    const QString first = m_findings.first.isEmpty() ? QString() : m_findings.first.first().GetText();
+    const QString count =
+        m_findings.count > 1 ? QStringLiteral(" (%1 problems in all)").arg(m_findings.count) : QString();
+    return QStringLiteral("%1%2; %3").arg(first, count, outcome);
 }
 
 ZELKinTranslationJob::~ZELKinTranslationJob() = default;
 
-void ZELKinTranslationJob::KeepUntilExit(std::unique_ptr<ZELKinTranslationJob> job)
+ZELKinTranslationJob& ZELKinTranslationJob::KeepUntilExit(std::unique_ptr<ZELKinTranslationJob> job)
 {
     // Allocated once and never freed, so that nothing destroys it at exit.
     static auto* const kept = new std::vector<std::unique_ptr<ZELKinTranslationJob>>;
     kept->push_back(std::move(job));
+    return *kept->back();
 }

@@ -2,6 +2,7 @@
 #define ZELKINTRANSLATIONJOB_H
 
 #include <zelgeocontainer.h>
+#include <zelkinprogramcheck.h>
 
 #include <QString>
 
@@ -36,6 +37,18 @@ public:
     ~ZELKinTranslationJob();
 
     ZELKinAFPMachine* GetMachine() const { return m_machine; }
+    //! What the check of the solved program found: the procedures that
+    //! could not be solved, positions without axis values or beyond a limit.
+    const ZELKinProgramCheck::Findings& GetFindings() const { return m_findings; }
+
+    //! Before anything is written: throws ZELKinUndeliverable, naming the
+    //! first problem and their count, when the check found any, unless
+    //! `keepGoing`; then the procedures with problems leave the program, so
+    //! that the rest can be written, and ThrowIfIncomplete throws after it.
+    void RequireDeliverable(bool keepGoing);
+    //! After writing with `keepGoing`: throws ZELKinUndeliverable when
+    //! procedures were left out.
+    void ThrowIfIncomplete() const;
     //! The solved program; the procedures that could not be solved are gone.
     ZELKinProgram* GetProgram() const { return m_program; }
     //! The machine's solver, configured from its description.
@@ -45,14 +58,17 @@ public:
     //! never destroys it: the tool exits right after its last file, and
     //! deleting a program of millions of objects one by one would take
     //! about as long as solving it. The operating system takes the memory
-    //! back at once.
-    static void KeepUntilExit(std::unique_ptr<ZELKinTranslationJob> job);
+    //! back at once. Returns the job kept.
+    static ZELKinTranslationJob& KeepUntilExit(std::unique_ptr<ZELKinTranslationJob> job);
 
 private:
+    QString DescribeFindings(const QString& outcome) const;
+
     ZELGeoContainer m_container;
     ZELKinAFPMachine* m_machine = nullptr;
     std::unique_ptr<ZELKinSolver> m_solver;
     ZELKinProgram* m_program = nullptr;
+    ZELKinProgramCheck::Findings m_findings;
 };
 
 #endif // ZELKINTRANSLATIONJOB_H

@@ -34,6 +34,8 @@ ZELKinPathSolving::ZELKinPathSolving(const ZELKinSolverPrivate& solver, ZELKinRo
 
 ZELKinSolutionSeries ZELKinPathSolving::Run()
 {
+    // A place left by a solve whose caller did not ask for it is not this one's.
+    ZELKinSolverPrivate::TakeFailure();
     // The procedure's own GetCommand walks its children for every index;
     // walking the children here keeps the walk linear.
     const QList<ZELKinScript*> children =
@@ -136,7 +138,7 @@ void ZELKinPathSolving::Chain(ZELKinPosition* position, const ZELMathAxis& frame
     pathEnd = frame.GetOrigin();
     pathLength = 0.0;
     if (live.isEmpty()) {
-        ReportFailure();
+        ReportFailure(!candidates.isEmpty());
         failed = true;
     }
 }
@@ -204,8 +206,9 @@ QList<ZELKinSolutionSeries> ZELKinPathSolving::ExtendSeries(ZELKinPosition* posi
     return extended;
 }
 
-void ZELKinPathSolving::ReportFailure() const
+void ZELKinPathSolving::ReportFailure(bool reachable) const
 {
+    ZELKinSolverPrivate::RecordFailure({current.isLink, current.index + 1, pointNumber, reachable});
     const QString line =
         current.isLink
             ? QCoreApplication::translate("ZELKinSolver", "    Kinematics solving failed for course link %1 at point %2")

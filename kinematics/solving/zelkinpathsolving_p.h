@@ -114,7 +114,9 @@ private:
     QList<ZELKinSolutionSeries> ExtendSeries(ZELKinPosition* position, const ZELMathAxis& frame,
                                              const QList<ZELKinSolution>& candidates,
                                              ZELKinSolver::Continuity continuity) const;
-    void ReportFailure() const;
+    //! Prints the failure line and keeps its place for the translator;
+    //! `reachable` says whether any candidate reached the position.
+    void ReportFailure(bool reachable) const;
     ZELKinSolutionSeries Finish();
     static int Cheapest(const QList<ZELKinSolutionSeries>& series);
 

@@ -21,12 +21,26 @@ QString ToolPathNameOf(const ZELKinProcedure* procedure)
 }
 
 thread_local QStringList* heldLines = nullptr;
+thread_local std::optional<ZELKinSolverPrivate::FailurePlace> failurePlace;
 
 } // namespace
 
 void ZELKinSolverPrivate::HoldLines(QStringList* lines)
 {
     heldLines = lines;
+}
+
+void ZELKinSolverPrivate::RecordFailure(const FailurePlace& place)
+{
+    if (!failurePlace)
+        failurePlace = place;
+}
+
+std::optional<ZELKinSolverPrivate::FailurePlace> ZELKinSolverPrivate::TakeFailure()
+{
+    std::optional<FailurePlace> taken;
+    taken.swap(failurePlace);
+    return taken;
 }
 
 void ZELKinSolverPrivate::PrintLine(const QString& line)

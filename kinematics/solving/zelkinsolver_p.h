@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QtGlobal>
 
+#include <optional>
+
 class ZELKinSolverPrivate
 {
     Q_DECLARE_PUBLIC(ZELKinSolver)
@@ -27,6 +29,24 @@ public:
     //! makes it print again. Procedures solved side by side hold their lines
     //! back, so that they can be printed in the procedures' order.
     static void HoldLines(QStringList* lines);
+
+    //! Where path solving of a procedure first found no way on: the script
+    //! (a course or a course link, numbered from 1 as the failure line
+    //! numbers it) and the position in it (from 1), and whether any wrist
+    //! configuration reached that position at all.
+    struct FailurePlace
+    {
+        bool onLink = false;
+        int script = 0;
+        int point = 0;
+        bool reachable = false;
+    };
+    //! Keeps `place` for the calling thread unless a place is kept already:
+    //! the first failure of a procedure is the one that explains it.
+    static void RecordFailure(const FailurePlace& place);
+    //! The place kept for the calling thread since the last call, if any,
+    //! and forgets it.
+    static std::optional<FailurePlace> TakeFailure();
 
     ZELKinSolver* const q_ptr;
     //! The machine solved for; not owned.

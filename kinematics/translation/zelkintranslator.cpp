@@ -11,7 +11,6 @@
 #include "zelkinrolllayupposition.h"
 #include "zelkinrolllayupprocedure.h"
 #include "zelkinsolver.h"
-#include "zelkinsolver_p.h"
 #include "zelkintoolchange.h"
 #include "zelkintowcourse.h"
 #include "zelkintowfeedcommand.h"
@@ -109,6 +108,20 @@ int TowCommandIndex(const ZELKinTowCourse* course, int start)
     return std::min(start + 1, course->GetNumCommands());
 }
 
+int LastIndex(const ZELTPTrajectory* trajectory)
+{
+    return trajectory->GetNumPoints() - 1;
+}
+
+// Where a trajectory's own points begin: after its first point when that is
+// the junction it shares with the trajectory before it.
+int FirstAfterJunction(const ZELTPTrajectory* trajectory, const ZELTPTrajectory* before)
+{
+    const bool joined = before && before->GetNumPoints() > 0 && trajectory->GetNumPoints() > 0
+        && trajectory->GetPoint(0) == before->GetPoint(before->GetNumPoints() - 1);
+    return joined ? 1 : 0;
+}
+
 ZELKinVariable* LinearVariable(const ZELKinMachine* machine, const QString& label)
 {
     const QList<ZELKinVariable*> variables = machine ? machine->GetVariables() : QList<ZELKinVariable*>();
@@ -153,13 +166,18 @@ void ZELKinTranslatorPrivate::TranslateRollLayup(ZELKinProgram* program, const Z
     // A damaged toolpath may lead back to a link already walked; the path
     // ends there instead of running round for ever.
     QSet<const ZELTPCourseLink*> walked;
+    // A course that is not laid with tows is passed over together with the
+    // link into it, so that each link the procedure keeps leads into the
+    // course after it and the moves stay in path order.
     for (const ZELTPCourseLink* link = source->GetApproachLink(); link && !walked.contains(link);) {
         walked.insert(link);
-        TranslateLink(procedure, link);
         const ZELTPCourse* course = link->GetToCourse();
+        const auto* towCourse = qobject_cast<const ZELTPTowCourse*>(course);
+        if (towCourse || !course)
+            TranslateLink(procedure, link);
         if (!course)
             break;
-        if (const auto* towCourse = qobject_cast<const ZELTPTowCourse*>(course))
+        if (towCourse)
             TranslateTowCourse(procedure, towCourse);
         link = course->GetRetractLink();
     }
@@ -236,13 +254,17 @@ void ZELKinTranslatorPrivate::SetTowLengths(ZELKinTowCourse* course, const ZELTP
 void ZELKinTranslatorPrivate::AddCoursePositions(ZELKinTowCourse* course, const ZELTPTowCourse* source) const
 {
     const CourseWalk walk{course, source->GetNumPoints()};
+    const ZELTPTrajectory* approach = source->GetApproachTrajectory();
     const ZELTPOnPartTrajectory* rollIn = source->GetRollInTrajectory();
     const ZELTPOnPartTrajectory* rollOut = source->GetRollOutTrajectory();
 
-    if (const ZELTPTrajectory* approach = source->GetApproachTrajectory())
-        AddSegment(walk, approach, 0, 1, rollIn);
+    // Every point from the approach's first through the roll-out's last is
+    // a place the head must pass: the approach and the roll-out keep the
+    // points they share with the roll-in and the retract, at their own feed.
+    if (approach)
+        AddSegment(walk, approach, 0, LastIndex(approach), rollIn);
     if (rollIn)
-        AddSegment(walk, rollIn, rollIn->IndexOfPoint(source->GetRollInPoint()), DefaultEnd, rollIn);
+        AddSegment(walk, rollIn, FirstAfterJunction(rollIn, approach), DefaultEnd, rollIn);
 
     const int numTows = course->GetTowMask().GetNumTows();
     TowState tows{ZELCompTowMask(numTows, false), ZELCompTowMask(numTows, false), {}};
@@ -255,12 +277,10 @@ void ZELKinTranslatorPrivate::AddCoursePositions(ZELKinTowCourse* course, const 
         AddTowChanges(course, tows, towTrajectory, start);
     }
 
-    if (rollOut) {
-        const int beforeRollOutPoint = std::max(rollOut->IndexOfPoint(source->GetRollOutPoint()) - 1, 0);
-        EndTows(course, tows, AddSegment(walk, rollOut, 0, beforeRollOutPoint, rollOut));
-    }
+    if (rollOut)
+        EndTows(course, tows, AddSegment(walk, rollOut, 0, LastIndex(rollOut), rollOut));
     if (const ZELTPTrajectory* retract = source->GetRetractTrajectory())
-        AddSegment(walk, retract, 1, retract->GetNumPoints() - 1, rollOut);
+        AddSegment(walk, retract, FirstAfterJunction(retract, rollOut), LastIndex(retract), rollOut);
 }
 
 int ZELKinTranslatorPrivate::AddSegment(const CourseWalk& walk, const ZELTPTrajectory* trajectory, int from, int to,
@@ -368,7 +388,7 @@ void ZELKinTranslatorPrivate::Solve(ZELKinProgram* program) const
     }
     if (threadCount <= 1) {
         for (ZELKinRollLayupProcedure* layup : std::as_const(layups))
-            Keep(program, layup, solver->Solve(layup));
+            Keep(program, SolveInPlace(layup));
         return;
     }
     // Up to threadCount procedures are solved ahead, each on a thread of
@@ -384,34 +404,45 @@ void ZELKinTranslatorPrivate::Solve(ZELKinProgram* program) const
         running.pop_front();
         for (const QString& line : solved.lines)
             PrintLine(line);
-        Keep(program, solved.layup, solved.series);
+        Keep(program, solved);
     }
 }
 
 ZELKinTranslatorPrivate::SolvedProcedure ZELKinTranslatorPrivate::SolveHoldingLines(
     ZELKinRollLayupProcedure* layup) const
 {
-    SolvedProcedure solved{layup, ZELKinSolutionSeries(), QStringList()};
-    ZELKinSolverPrivate::HoldLines(&solved.lines);
+    QStringList lines;
+    ZELKinSolverPrivate::HoldLines(&lines);
     try {
-        solved.series = solver->Solve(layup);
+        SolvedProcedure solved = SolveInPlace(layup);
+        ZELKinSolverPrivate::HoldLines(nullptr);
+        solved.lines = lines;
+        return solved;
     } catch (...) {
         ZELKinSolverPrivate::HoldLines(nullptr);
         throw;
     }
-    ZELKinSolverPrivate::HoldLines(nullptr);
+}
+
+ZELKinTranslatorPrivate::SolvedProcedure ZELKinTranslatorPrivate::SolveInPlace(ZELKinRollLayupProcedure* layup) const
+{
+    SolvedProcedure solved{layup, solver->Solve(layup), QStringList(), std::nullopt};
+    solved.failure = ZELKinSolverPrivate::TakeFailure();
     return solved;
 }
 
-void ZELKinTranslatorPrivate::Keep(ZELKinProgram* program, ZELKinRollLayupProcedure* layup,
-                                   const ZELKinSolutionSeries& series) const
+void ZELKinTranslatorPrivate::Keep(ZELKinProgram* program, const SolvedProcedure& solved) const
 {
+    const ZELKinSolutionSeries& series = solved.series;
     if (series.GetCount() == 0) {
-        const ZELTPProcedure* source = layup->GetToolPathProcedure();
+        const ZELTPProcedure* source = solved.layup->GetToolPathProcedure();
+        const QString name = source ? source->GetName() : QString();
         PrintLine(ZELKinTranslator::tr("      Could not successfully find a kinematics solution for procedure "
                                        "%1. It will be omitted from the program.")
-                      .arg(source ? source->GetName() : QString()));
-        program->RemoveProcedure(layup);
+                      .arg(name));
+        const ZELKinSolverPrivate::FailurePlace place = solved.failure.value_or(ZELKinSolverPrivate::FailurePlace());
+        omissions.append(ZELKinTranslator::Omission{name, place.onLink, place.script, place.point, place.reachable});
+        program->RemoveProcedure(solved.layup);
         return;
     }
     for (int i = 0; i < series.GetCount(); ++i)
@@ -442,9 +473,16 @@ void ZELKinTranslator::SetCurrentDateTime(const QDateTime& now)
     d->currentDateTime = now;
 }
 
+QList<ZELKinTranslator::Omission> ZELKinTranslator::GetOmissions() const
+{
+    Q_D(const ZELKinTranslator);
+    return d->omissions;
+}
+
 ZELKinProgram* ZELKinTranslator::Translate(const ZELTPProgram* program) const
 {
     Q_D(const ZELKinTranslator);
+    d->omissions.clear();
     PrintLine(tr("Translating the program"));
     auto* result = Create<ZELKinProgram>(d->solver->GetMachine());
     result->SetAuthor(AuthorFromEnvironment());

@@ -5,6 +5,8 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QList>
+#include <QString>
 
 #include <memory>
 
@@ -59,20 +61,47 @@ public:
     //! whatever the count.
     void SetThreadCount(int count);
 
+    //! A roll layup procedure that Translate took out of its program: no
+    //! continuous solution reaches it.
+    struct Omission
+    {
+        //! The toolpath procedure's name.
+        QString procedure;
+        //! Where path solving first found no way on: a course link (true)
+        //! or a course, numbered from 1 in the procedure; 0 when no position
+        //! ever failed (a procedure without positions).
+        bool onLink = false;
+        int script = 0;
+        //! The position in that course or link, from 1.
+        int point = 0;
+        //! Whether any wrist configuration within the limits reached that
+        //! position (then none continued the motion from the one before).
+        bool reachable = false;
+    };
+
+    //! The procedures that the last Translate took out of its program, in
+    //! program order; empty before the first Translate.
+    QList<Omission> GetOmissions() const;
+
     /*!
         Builds the kinematic program of `program` in the container of the
         solver's machine, solves it and returns it; the caller owns it (the
         container holds it). A null `program` gives a program without
         procedures. Toolpath procedures other than roll layups and probing
         sequences are passed over, and so are the courses of a roll layup
-        that are not tow courses. A roll layup's path ends at the first link
-        without a course to go to, or at a link that it has walked already.
+        that are not tow courses, each together with the link that leads
+        into it, so that every link kept leads into the course after it. A
+        roll layup's path ends at the first link without a course to go to,
+        or at a link that it has walked already.
 
-        The positions of a tow course follow its chain of trajectories: the
-        first two points of the approach; the roll-in from the roll-in point
-        on; every tow trajectory; the roll-out up to the point before the
-        roll-out point; the retract from its second point. A trajectory's
-        last point is left to the next trajectory, which starts with it. Tow
+        The positions of a tow course follow its chain of trajectories, one
+        position per toolpath point from the approach's first point through
+        the retract's last: every point of the approach; the roll-in; every
+        tow trajectory; every point of the roll-out, the roll-out point (where
+        the roller leaves the part) among them; the retract. A point that two
+        trajectories share is taken once: by the approach and the roll-out
+        where they meet the roll-in and the retract, by the later trajectory
+        where two on-part trajectories meet. Tow
         commands stand right after the first position of the tow trajectory
         where the tows change (the tows still laid are released and cut
         after the first position of the roll-out); when a trajectory gives no

@@ -4,12 +4,15 @@
 #include "zelkintranslator.h"
 
 #include "zelkinsolutionseries.h"
+#include "zelkinsolver_p.h"
 #include "zelkintowcommand.h"
 
 #include <zelcomptowmask.h>
 
 #include <QList>
 #include <QStringList>
+
+#include <optional>
 
 class ZELKinCourseLink;
 class ZELKinProbeProcedure;
@@ -95,21 +98,24 @@ public:
     void AddProbePositions(ZELKinProbeProcedure* procedure, const ZELTPTrajectory* trajectory,
                            const TipVariables& tip) const;
 
-    //! A roll layup procedure solved, with the solver's lines held back.
+    //! A roll layup procedure solved, with the solver's lines held back and
+    //! where its solving failed.
     struct SolvedProcedure
     {
         ZELKinRollLayupProcedure* layup;
         ZELKinSolutionSeries series;
         QStringList lines;
+        std::optional<ZELKinSolverPrivate::FailurePlace> failure;
     };
 
     //! Solves every roll layup procedure and writes the solutions into its
     //! positions; removes those that have none.
     void Solve(ZELKinProgram* program) const;
     SolvedProcedure SolveHoldingLines(ZELKinRollLayupProcedure* layup) const;
+    SolvedProcedure SolveInPlace(ZELKinRollLayupProcedure* layup) const;
     //! Writes the solutions into the procedure's positions, or removes a
-    //! procedure that has none.
-    void Keep(ZELKinProgram* program, ZELKinRollLayupProcedure* layup, const ZELKinSolutionSeries& series) const;
+    //! procedure that has none and notes it among the omissions.
+    void Keep(ZELKinProgram* program, const SolvedProcedure& solved) const;
 
     ZELKinTranslator* const q_ptr;
     //! Not owned.
@@ -118,6 +124,8 @@ public:
     QDateTime currentDateTime;
     //! How many procedures are solved at once.
     int threadCount = 1;
+    //! What the last Translate took out of its program.
+    mutable QList<ZELKinTranslator::Omission> omissions;
 };
 
 #endif // ZELKINTRANSLATOR_P_H

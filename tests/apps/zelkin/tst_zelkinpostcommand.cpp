@@ -41,9 +41,21 @@ QStringList FilesBelow(const QString& directory)
     return files;
 }
 
+// Every file below `directory` with its bytes.
+QMap<QString, QByteArray> ContentsBelow(const QString& directory)
+{
+    QMap<QString, QByteArray> contents;
+    for (const QString& file : FilesBelow(directory))
+        contents.insert(file, ReadAll(QDir(directory).filePath(file)));
+    return contents;
+}
+
 struct Posting
 {
-    Posting() { toolpath = WriteFile(directory, QStringLiteral("flat.json"), ZELKinTestToolpath::Document()); }
+    explicit Posting(const QString& document = ZELKinTestToolpath::Document())
+    {
+        toolpath = WriteFile(directory, QStringLiteral("flat.json"), document);
+    }
 
     QString PathOf(const QString& name) const { return QDir(directory.path()).filePath(name); }
 
@@ -172,24 +184,51 @@ TEST(ZELKinPostCommand, OnePlyModeReadsThePlyFromStandardInputAndReplacesItsSect
     EXPECT_EQ(ReadAll(bundle), before);
 }
 
-TEST(ZELKinPostCommand, AnUnsolvableProcedureIsLeftOutWithItsMessage)
+namespace {
+
+// The toolpath's one layup turns over at its course's point 8: the wrist
+// reaches it only by turning the second roll half a turn in one step.
+const QString kCannotBeSolved = QStringLiteral(
+    "zelkin: error: procedure 'ply one', course 1, point 8: the wrist cannot reach this point from the one before "
+    "without a flip: the procedure cannot be solved");
+
+} // namespace
+
+TEST(ZELKinPostCommand, AProcedureThatCannotBeSolvedStopsThePostWithStatusThreeAndReplacesNothing)
 {
-    QTemporaryDir directory;
-    const QString toolpath = WriteFile(directory, QStringLiteral("turning.json"),
-                                       ZELKinTestToolpath::Document(QStringLiteral("ply one"), true));
-    const QString output = QDir(directory.path()).filePath(QStringLiteral("nc"));
+    Posting posting;
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+    ASSERT_EQ(posting.Post(output).exitCode, 0);
+    const QMap<QString, QByteArray> before = ContentsBelow(output);
+    posting.toolpath = WriteFile(posting.directory, QStringLiteral("turning.json"),
+                                 ZELKinTestToolpath::Document(QStringLiteral("ply one"), true));
 
-    const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
-                                         QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output},
-                                        ReproducibleEnvironment());
+    const ZELKinToolRun run = posting.Post(output);
 
-    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_EQ(run.GetErrorLines(), QStringList{kCannotBeSolved + QStringLiteral("; nothing was written")})
+        << run.standardError.toStdString();
+    // The library's own lines still say where solving stopped.
     EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("    Kinematics solving failed for course 1 at point 8\n")))
         << run.standardOutput.toStdString();
     EXPECT_TRUE(run.standardOutput.contains(
         QStringLiteral("      Could not successfully find a kinematics solution for procedure ply one. It will be "
                        "omitted from the program.\n")))
         << run.standardOutput.toStdString();
+    EXPECT_EQ(ContentsBelow(output), before);
+}
+
+TEST(ZELKinPostCommand, KeepGoingWritesTheProceduresWithoutProblemsAndStillExitsWithStatusThree)
+{
+    const Posting posting(ZELKinTestToolpath::Document(QStringLiteral("ply one"), true));
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+
+    const ZELKinToolRun run = posting.Post(output, {QStringLiteral("--keep-going")});
+
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_EQ(run.GetErrorLines(), QStringList{kCannotBeSolved + QStringLiteral("; written without 'ply one'")})
+        << run.standardError.toStdString();
     EXPECT_EQ(FilesBelow(output), QStringList({QStringLiteral("flat-test/flat-test.PPSF"),
                                                QStringLiteral("flat-test/flat-test.PTPF")}));
 }
@@ -230,15 +269,6 @@ TEST(ZELKinPostCommand, PostsTheShippedExampleEndToEnd)
 }
 
 namespace {
-
-// Every file below `directory` with its bytes.
-QMap<QString, QByteArray> ContentsBelow(const QString& directory)
-{
-    QMap<QString, QByteArray> contents;
-    for (const QString& file : FilesBelow(directory))
-        contents.insert(file, ReadAll(QDir(directory).filePath(file)));
-    return contents;
-}
 
 // Waits until `process` has printed `text` on its standard output.
 bool WaitForOutput(QProcess& process, const QString& text)

@@ -235,9 +235,10 @@ TEST_F(ZELKinReportCommand, EachPlyHasOneSectionWithItsNumberProcedureAndSummary
     for (const QString& number : {QStringLiteral("0101"), QStringLiteral("0102"), QStringLiteral("0103"),
                                   QStringLiteral("0104")})
         EXPECT_EQ(html.count(QStringLiteral("<div class=\"plots\" id=\"plots-%1\"></div>").arg(number)), 1);
-    // The first ply's counts: 4 courses, 108 motion lines, of which 96 along
-    // the courses and 12 on the links, and no finding.
-    EXPECT_TRUE(html.contains(QStringLiteral("<tr><td>4</td><td>108</td><td>96</td><td>12</td>")));
+    // The first ply's counts: 4 courses, 112 motion lines, of which 100 along
+    // the courses (25 a course, its lift-off point among them) and 12 on the
+    // links, and no finding.
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr><td>4</td><td>112</td><td>100</td><td>12</td>")));
     EXPECT_EQ(html.count(QStringLiteral("<p class=\"note\">No findings.</p>")), 4);
 }
 
@@ -283,12 +284,12 @@ TEST_F(ZELKinReportCommand, ASmallPlyKeepsEveryLineAndTellsCourseLinesFromLinkLi
 {
     const QJsonObject ply = PlyData(DataOf(WriteReport()), QStringLiteral("0101"));
     const QJsonArray along = ply.value(QStringLiteral("a")).toArray();
-    ASSERT_EQ(along.size(), 108);
+    ASSERT_EQ(along.size(), 112);
     EXPECT_EQ(std::count_if(along.begin(), along.end(), [](const QJsonValue& value) { return value.toInt() == 1; }),
-              96);
+              100);
     for (const QJsonValue& axis : ply.value(QStringLiteral("axes")).toArray())
-        EXPECT_EQ(axis.toObject().value(QStringLiteral("i")).toArray().size(), 108);
-    EXPECT_EQ(ply.value(QStringLiteral("top")).toArray().size(), 108);
+        EXPECT_EQ(axis.toObject().value(QStringLiteral("i")).toArray().size(), 112);
+    EXPECT_EQ(ply.value(QStringLiteral("top")).toArray().size(), 112);
     // The four courses, in the file's order.
     const QJsonArray courses = ply.value(QStringLiteral("c")).toArray();
     EXPECT_EQ(courses.first().toInt(), 1);

@@ -16,9 +16,9 @@ const QString kHeader = QStringLiteral("procedure,script,index,X,Y,Z,C,A,C1,U");
 
 struct SolvedToolpath
 {
-    SolvedToolpath()
+    explicit SolvedToolpath(const QString& document = ZELKinTestToolpath::Document())
     {
-        toolpath = WriteFile(directory, QStringLiteral("flat.json"), ZELKinTestToolpath::Document());
+        toolpath = WriteFile(directory, QStringLiteral("flat.json"), document);
         csv = QDir(directory.path()).filePath(QStringLiteral("axes.csv"));
     }
 
@@ -99,7 +99,8 @@ TEST(ZELKinSolveCommand, WritesOneRowPerPositionInTheOrderTheMachineRunsThem)
         QStringLiteral("ply one,course 1,12,3090.000000,3500.000000,-1470.000000"),
         QStringLiteral("ply one,course 1,13,3100.000000,3500.000000,-1470.000000"),
         QStringLiteral("ply one,course 1,15,3110.000000,3500.000000,-1470.000000"),
-        QStringLiteral("ply one,course 1,16,3170.000000,3500.000000,-1370.000000"),
+        QStringLiteral("ply one,course 1,16,3120.000000,3500.000000,-1470.000000"),
+        QStringLiteral("ply one,course 1,17,3170.000000,3500.000000,-1370.000000"),
         QStringLiteral("ply one,link 2,0,3300.000000,3500.000000,-1200.000000"),
         QStringLiteral("probe,probing,0,2500.000000,3500.000000,-1300.000000"),
         QStringLiteral("probe,probing,1,2500.000000,3500.000000,-1490.000000"),
@@ -117,7 +118,7 @@ TEST(ZELKinSolveCommand, LayupRowsShareOneWristAndProbingRowsHaveNone)
     const SolvedToolpath solved;
     ASSERT_EQ(solved.Solve({QStringLiteral("--csv"), solved.csv}).exitCode, 0);
     const QStringList lines = solved.ReadCsv();
-    ASSERT_EQ(lines.size(), 21);
+    ASSERT_EQ(lines.size(), 22);
 
     // Every frame of the ply is the same up to its origin, so the cheapest
     // series keeps one wrist, in degrees with six decimals, along all of it.
@@ -125,11 +126,11 @@ TEST(ZELKinSolveCommand, LayupRowsShareOneWristAndProbingRowsHaveNone)
     for (const QString& value : wrist)
         EXPECT_TRUE(QRegularExpression(QStringLiteral("^-?\\d+\\.\\d{6}$")).match(value).hasMatch())
             << value.toStdString();
-    for (int i = 1; i <= 17; ++i) {
+    for (int i = 1; i <= 18; ++i) {
         EXPECT_EQ(Split(lines.at(i)).wrist, wrist) << "row " << i;
         EXPECT_EQ(Split(lines.at(i)).material, QString()) << "the solver leaves the material axis alone";
     }
-    for (int i = 18; i <= 20; ++i)
+    for (int i = 19; i <= 21; ++i)
         EXPECT_EQ(Split(lines.at(i)).wrist, QStringList({QString(), QString(), QString()})) << "row " << i;
 }
 
@@ -162,6 +163,40 @@ TEST(ZELKinSolveCommand, ProcedureNamesWithCommasAreQuoted)
     const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
     ASSERT_GE(lines.size(), 2);
     EXPECT_TRUE(lines.at(1).startsWith(QStringLiteral("\"ply \"\"one\"\", left\",link 1,0,"))) << lines.at(1).toStdString();
+}
+
+TEST(ZELKinSolveCommand, AProcedureThatCannotBeSolvedIsStatusThreeAndNoCsv)
+{
+    // The layup turns over at its course's point 8, which the wrist reaches
+    // only by turning the second roll half a turn in one step.
+    const SolvedToolpath solved(ZELKinTestToolpath::Document(QStringLiteral("ply one"), true));
+
+    const ZELKinToolRun run = solved.Solve({QStringLiteral("--csv"), solved.csv});
+
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList{QStringLiteral("zelkin: error: procedure 'ply one', course 1, point 8: the wrist cannot "
+                                         "reach this point from the one before without a flip: the procedure cannot "
+                                         "be solved; nothing was written")})
+        << run.standardError.toStdString();
+    EXPECT_FALSE(QFile::exists(solved.csv));
+}
+
+TEST(ZELKinSolveCommand, KeepGoingWritesTheRowsOfTheProceduresWithoutProblems)
+{
+    const SolvedToolpath solved(ZELKinTestToolpath::Document(QStringLiteral("ply one"), true));
+
+    const ZELKinToolRun run = solved.Solve({QStringLiteral("--csv"), solved.csv, QStringLiteral("--keep-going")});
+
+    EXPECT_EQ(run.exitCode, 3);
+    ASSERT_EQ(run.GetErrorLines().size(), 1);
+    EXPECT_TRUE(run.GetErrorLines().first().endsWith(QStringLiteral("; written without 'ply one'")))
+        << run.standardError.toStdString();
+    const QStringList rows = solved.ReadCsv();
+    ASSERT_GT(rows.size(), 1);
+    EXPECT_EQ(rows.first(), kHeader);
+    for (const QString& row : rows.mid(1))
+        EXPECT_FALSE(row.startsWith(QStringLiteral("ply one,"))) << row.toStdString();
 }
 
 TEST(ZELKinSolveCommand, AMissingToolpathIsOneErrorLineAndNoCsv)

@@ -21,7 +21,7 @@
     - approach trajectory 2900 (lifted 100 mm), 2950: both positions;
     - roll-in 2950, 3000 (the roll-in point), 3010: the position 3000;
     - tow trajectory 3010, 3020, ..., 3100: 3010 to 3090;
-    - roll-out 3100, 3110, 3120 (the roll-out point): 3100 and 3110;
+    - roll-out 3100, 3110, 3120 (the roll-out point): all three;
     - retract 3120, 3170 (lifted 100 mm): the position 3170.
 */
 namespace ZELKinTestToolpath {

@@ -464,7 +464,7 @@ TEST_F(ZELKinTranslatorTest, LaysOutLinksAndCoursesAlongThePath)
                                           layup->GetCourse(1), layup->GetCourseLink(2)}));
 }
 
-TEST_F(ZELKinTranslatorTest, PassesOverCoursesThatAreNotTowCourses)
+TEST_F(ZELKinTranslatorTest, PassesOverACourseThatIsNotATowCourseWithTheLinkIntoIt)
 {
     ZELTPRollLayupProcedure* source = builder.AddLayup(QStringLiteral("ply one"));
     ZELTPCourseLink* approach = builder.LiftedLink(QStringLiteral("approach"), 3100.0, 3500.0);
@@ -478,14 +478,58 @@ TEST_F(ZELKinTranslatorTest, PassesOverCoursesThatAreNotTowCourses)
     between->SetToCourse(towCourse);
     towCourse->SetRetractLink(retract);
 
+    // The approach leads into the plain course only: the path goes on
+    // with the link that leaves it, which leads into the tow course.
     ZELKinRollLayupProcedure* layup = TranslateLayup();
     ASSERT_NE(layup, nullptr);
-    ASSERT_EQ(layup->GetNumCourseLinks(), 3);
+    ASSERT_EQ(layup->GetNumCourseLinks(), 2);
     ASSERT_EQ(layup->GetNumCourses(), 1);
-    EXPECT_EQ(layup->GetCourseLink(0)->GetToolPathCourseLink(), approach);
-    EXPECT_EQ(layup->GetCourseLink(1)->GetToolPathCourseLink(), between);
+    EXPECT_EQ(layup->GetCourseLink(0)->GetToolPathCourseLink(), between);
     EXPECT_EQ(layup->GetCourse(0)->GetToolPathCourse(), towCourse);
+    EXPECT_EQ(layup->GetCourseLink(1)->GetToolPathCourseLink(), retract);
+    EXPECT_EQ(layup->GetCourse(0)->GetIndex(), 0);
+}
+
+TEST_F(ZELKinTranslatorTest, KeepsEachLinkBeforeItsCourseWhenACourseBetweenIsNotATowCourse)
+{
+    ZELTPRollLayupProcedure* source = builder.AddLayup(QStringLiteral("ply one"));
+    ZELTPCourseLink* approach = builder.LiftedLink(QStringLiteral("approach"), 3100.0, 3500.0);
+    ZELTPTowCourse* first = builder.AddCourse(QStringLiteral("first"), Shape());
+    ZELTPCourseLink* intoPlain = builder.LiftedLink(QStringLiteral("into plain"), 3400.0, 3500.0);
+    auto* plainCourse = new ZELTPCourse(&container, QStringLiteral("plain"));
+    ZELTPCourseLink* outOfPlain = builder.LiftedLink(QStringLiteral("out of plain"), 3450.0, 3600.0);
+    Shape secondShape;
+    secondShape.y = 3600.0;
+    ZELTPTowCourse* second = builder.AddCourse(QStringLiteral("second"), secondShape);
+    ZELTPCourseLink* retract = builder.LiftedLink(QStringLiteral("retract"), 3400.0, 3600.0);
+    source->SetApproachLink(approach);
+    approach->SetToCourse(first);
+    first->SetRetractLink(intoPlain);
+    intoPlain->SetToCourse(plainCourse);
+    plainCourse->SetRetractLink(outOfPlain);
+    outOfPlain->SetToCourse(second);
+    second->SetRetractLink(retract);
+
+    ZELKinRollLayupProcedure* layup = TranslateLayup();
+    ASSERT_NE(layup, nullptr);
+    ASSERT_EQ(layup->GetNumCourses(), 2);
+    ASSERT_EQ(layup->GetNumCourseLinks(), 3);
+    // Link i leads into course i: the writer takes a course's approach
+    // from the link of its own index.
+    EXPECT_EQ(layup->GetCourseLink(0)->GetToolPathCourseLink(), approach);
+    EXPECT_EQ(layup->GetCourse(0)->GetToolPathCourse(), first);
+    EXPECT_EQ(layup->GetCourseLink(1)->GetToolPathCourseLink(), outOfPlain);
+    EXPECT_EQ(layup->GetCourse(1)->GetToolPathCourse(), second);
     EXPECT_EQ(layup->GetCourseLink(2)->GetToolPathCourseLink(), retract);
+    QList<const ZELKinScript*> scripts;
+    for (int i = 0; i < layup->GetNumCommands(); ++i) {
+        const ZELKinScript* script = layup->GetCommand(i)->GetScript();
+        if (scripts.isEmpty() || scripts.last() != script)
+            scripts.append(script);
+    }
+    EXPECT_EQ(scripts,
+              (QList<const ZELKinScript*>{layup->GetCourseLink(0), layup->GetCourse(0), layup->GetCourseLink(1),
+                                          layup->GetCourse(1), layup->GetCourseLink(2)}));
 }
 
 TEST_F(ZELKinTranslatorTest, EndsAPathThatComesBackToALinkAlreadyWalked)
@@ -765,37 +809,43 @@ TEST_P(ZELKinTranslatorSegments, TakeTheirPointRangesAlongTheChain)
 }
 
 // The X of each point is given in the shape's table (see the fixture); a
-// trajectory's last point is the next one's first.
+// trajectory's last point is the next one's first. The default chain:
+// approach 3200, 3210; roll-in 3210, 3220, 3230; tow runs 3230 to 3250 and
+// 3250 to 3270; roll-out 3270, 3280, 3290; retract 3290, 3300. Every point
+// is a position, each shared one once.
 INSTANTIATE_TEST_SUITE_P(
     Shapes, ZELKinTranslatorSegments,
     ::testing::
         Values(SegmentCase{"DefaultShape", [](Shape&) {},
-                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3300})},
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300})},
                SegmentCase{"RollInAtTheRollInsFirstPoint", [](Shape& s) { s.rollInPointIndex = 0; },
-                           PositionXs({3200, 3210, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3300})},
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300})},
                SegmentCase{"RollInAtTheRollInsLastPoint", [](Shape& s) { s.rollInPointIndex = 2; },
-                           PositionXs({3200, 3210, 3230, 3240, 3250, 3260, 3270, 3280, 3300})},
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300})},
                SegmentCase{"NoRollInPoint", [](Shape& s) { s.rollInPointIndex = -1; },
-                           PositionXs({3200, 3210, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3300})},
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300})},
                SegmentCase{"RollOutAtTheRollOutsFirstPoint", [](Shape& s) { s.rollOutPointIndex = 0; },
-                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3300})},
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300})},
                SegmentCase{"NoRollOutPoint", [](Shape& s) { s.rollOutPointIndex = -1; },
-                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3300})},
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300})},
                SegmentCase{
                    "LongRollOut",
                    [](Shape& s) {
                        s.rollOutPoints = 5;
                        s.rollOutPointIndex = 3;
                    },
-                   PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3320})},
+                   PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300, 3310, 3320})},
                SegmentCase{"LongApproach", [](Shape& s) { s.approachPoints = 4; },
-                           PositionXs({3200, 3210, 3240, 3250, 3260, 3270, 3280, 3290, 3300, 3320})},
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300, 3310,
+                                       3320})},
                SegmentCase{"ApproachOfOnePoint", [](Shape& s) { s.approachPoints = 1; },
-                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3290})},
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290})},
                SegmentCase{"LongRetract", [](Shape& s) { s.retractPoints = 4; },
-                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3300, 3310, 3320})},
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300, 3310,
+                                       3320})},
                SegmentCase{"LongTowRun", [](Shape& s) { s.runs[0].numPoints = 5; },
-                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300, 3320})}),
+                           PositionXs({3200, 3210, 3220, 3230, 3240, 3250, 3260, 3270, 3280, 3290, 3300, 3310,
+                                       3320})}),
     CaseName<SegmentCase>);
 
 namespace {
@@ -851,6 +901,7 @@ INSTANTIATE_TEST_SUITE_P(DefaultShape, ZELKinTranslatorCoursePosition,
                                            PositionCase{"SecondRunMiddle", 3260, 6, kSecondRun, 5500.0},
                                            PositionCase{"RollOutStart", 3270, 7, kRollOut, 4000.0},
                                            PositionCase{"BeforeTheRollOutPoint", 3280, 8, kRollOut, 4000.0},
+                                           PositionCase{"TheRollOutPoint", 3290, 9, kRollOut, 4000.0},
                                            PositionCase{"LiftedRetractPoint", 3300, 11, kRollOut, 9000.0}),
                          CaseName<PositionCase>);
 
@@ -891,7 +942,7 @@ TEST_F(ZELKinTranslatorTest, PutsTowCommandsAfterTheFirstPositionOfEachRunLaterO
                            QStringLiteral("Feed"),     QStringLiteral("Release 000F"), QStringLiteral("Force 00F0"),
                            QStringLiteral("Cut 000F"), QStringLiteral("Add F000"),     QStringLiteral("X3260"),
                            QStringLiteral("X3270"),    QStringLiteral("Cut FFF0"),     QStringLiteral("Release 00F0"),
-                           QStringLiteral("X3280"),    QStringLiteral("X3300")}));
+                           QStringLiteral("X3280"),    QStringLiteral("X3290"),      QStringLiteral("X3300")}));
     const auto* firstFeed = qobject_cast<const ZELKinTowFeedCommand*>(course->GetCommand(4));
     const auto* secondFeed = qobject_cast<const ZELKinTowFeedCommand*>(course->GetCommand(9));
     ASSERT_NE(firstFeed, nullptr);
@@ -912,7 +963,7 @@ TEST_F(ZELKinTranslatorTest, GivesNoTowCommandsWhereTheTowsStayAsTheyWere)
                            QStringLiteral("X3230"), QStringLiteral("Feed"), QStringLiteral("Force 000F"),
                            QStringLiteral("Add 0FFF"), QStringLiteral("X3240"), QStringLiteral("X3250"),
                            QStringLiteral("X3260"), QStringLiteral("X3270"), QStringLiteral("Cut 0FFF"),
-                           QStringLiteral("Release 000F"), QStringLiteral("X3280"), QStringLiteral("X3300")}));
+                           QStringLiteral("Release 000F"), QStringLiteral("X3280"), QStringLiteral("X3290"), QStringLiteral("X3300")}));
 }
 
 TEST_F(ZELKinTranslatorTest, LaysAndCutsUnforcedTowsWithoutForceOrFeedCommands)
@@ -927,7 +978,7 @@ TEST_F(ZELKinTranslatorTest, LaysAndCutsUnforcedTowsWithoutForceOrFeedCommands)
         (QStringList{QStringLiteral("X3200"), QStringLiteral("X3210"), QStringLiteral("X3220"), QStringLiteral("X3230"),
                      QStringLiteral("Add FFFF"), QStringLiteral("X3240"), QStringLiteral("X3250"),
                      QStringLiteral("Cut FF00"), QStringLiteral("X3260"), QStringLiteral("X3270"),
-                     QStringLiteral("Cut 00FF"), QStringLiteral("X3280"), QStringLiteral("X3300")}));
+                     QStringLiteral("Cut 00FF"), QStringLiteral("X3280"), QStringLiteral("X3290"), QStringLiteral("X3300")}));
 }
 
 namespace {
@@ -983,7 +1034,7 @@ TEST_F(ZELKinTranslatorTest, FeedsATowThatARunGivesARateWhenTheRunBeforeGaveNone
         (QStringList{QStringLiteral("X3200"), QStringLiteral("X3210"), QStringLiteral("X3220"), QStringLiteral("X3230"),
                      QStringLiteral("Add 0FFF"), QStringLiteral("X3240"), QStringLiteral("X3250"),
                      QStringLiteral("Feed"), QStringLiteral("X3260"), QStringLiteral("X3270"),
-                     QStringLiteral("Cut 0FFF"), QStringLiteral("X3280"), QStringLiteral("X3300")}));
+                     QStringLiteral("Cut 0FFF"), QStringLiteral("X3280"), QStringLiteral("X3290"), QStringLiteral("X3300")}));
 }
 
 TEST_F(ZELKinTranslatorTest, PutsTheTowCommandsOfARunWithoutPositionsAtTheEndOfTheCourse)
@@ -999,7 +1050,8 @@ TEST_F(ZELKinTranslatorTest, PutsTheTowCommandsOfARunWithoutPositionsAtTheEndOfT
                            QStringLiteral("X3230"), QStringLiteral("Feed"), QStringLiteral("Release 000F"),
                            QStringLiteral("Force 00F0"), QStringLiteral("Cut 000F"), QStringLiteral("Add F000"),
                            QStringLiteral("X3240"), QStringLiteral("X3250"), QStringLiteral("Cut FFF0"),
-                           QStringLiteral("Release 00F0"), QStringLiteral("X3260"), QStringLiteral("X3280")}));
+                           QStringLiteral("Release 00F0"), QStringLiteral("X3260"), QStringLiteral("X3270"),
+                           QStringLiteral("X3280")}));
 }
 
 namespace {
@@ -1138,14 +1190,14 @@ TEST_F(ZELKinTranslatorTest, WritesTheSolvedSeriesIntoTheLayupPositionsInPathOrd
     ZELKinRollLayupProcedure* layup = TranslateLayup();
     ASSERT_NE(layup, nullptr);
     const QList<ZELKinPosition*> positions = PositionsOf(layup);
-    // Ten positions on each course and one on each of the three links.
-    ASSERT_EQ(positions.size(), 23);
+    // Eleven positions on each course and one on each of the three links.
+    ASSERT_EQ(positions.size(), 25);
 
     ::testing::internal::CaptureStdout();
     const ZELKinSolutionSeries series = solver->Solve(layup);
     ::testing::internal::GetCapturedStdout();
-    ASSERT_EQ(series.GetCount(), 23);
-    for (int i = 0; i < 23; ++i) {
+    ASSERT_EQ(series.GetCount(), 25);
+    for (int i = 0; i < 25; ++i) {
         SCOPED_TRACE(Describe(positions.at(i)).toStdString());
         EXPECT_EQ(series.GetCommand(i), positions.at(i));
         for (const char* axis : {"X", "Y", "Z", "C", "A", "C1"})

@@ -27,6 +27,9 @@ public:
     //! makes it print again. Procedures solved side by side hold their lines
     //! back, so that they can be printed in the procedures' order.
     static void HoldLines(QStringList* lines);
+    //! Whether the candidates of a frame leave the wrist free: the infinite
+    //! solution alone.
+    static bool IsFree(const QList<ZELKinSolution>& candidates);
 
     ZELKinSolver* const q_ptr;
     //! The machine solved for; not owned.

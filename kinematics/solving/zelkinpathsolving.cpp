@@ -164,8 +164,12 @@ QList<ZELKinSolutionSeries> ZELKinPathSolving::StartSeries(ZELKinPosition* posit
     QList<ZELKinSolutionSeries> started;
     started.reserve(candidates.size());
     for (const ZELKinSolution& candidate : candidates) {
+        // A candidate from which a free position before it cannot be
+        // reached starts no series.
         ZELKinSolutionSeries series;
-        if (PlaceWaiting(series, infinite, candidate, 0.0, waiting.cbegin(), waiting.cend()))
+        const WaitingPosition* unreached =
+            PlaceWaiting(series, infinite, candidate, 0.0, waiting.cbegin(), waiting.cend());
+        if (unreached)
             continue;
         series.Append(position, candidate);
         started.append(series);
@@ -197,8 +201,9 @@ QList<ZELKinSolutionSeries> ZELKinPathSolving::ExtendSeries(ZELKinPosition* posi
         for (int best = Cheapest(costs); best >= 0; best = Cheapest(costs)) {
             ZELKinSolutionSeries series = live.at(best);
             series.SetCost(costs.at(best));
-            if (PlaceWaiting(series, lastSolutions.at(best), candidate, totalLength, waiting.cbegin(),
-                             waiting.cend())) {
+            const WaitingPosition* unreached =
+                PlaceWaiting(series, lastSolutions.at(best), candidate, totalLength, waiting.cbegin(), waiting.cend());
+            if (unreached) {
                 costs[best] = kNoWay;
                 continue;
             }

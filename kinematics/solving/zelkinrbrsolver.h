@@ -33,12 +33,14 @@ class ZELKinRBRSolverPrivate;
     any solving.
 
     No candidate lies outside its variable's limits. Solve lists at most
-    eight half turns of the first roll either way of its angle, and eight
-    whole turns of the second, each the nearest of those within the limits:
-    every candidate of a real wrist, and still a short list for infinite or
-    huge limits. A range far from zero is reached as easily as one around
-    it: the turns short of it are counted, not walked. A NaN limit is no
-    limit on its side, the same as an infinite one.
+    eight half turns of the first roll either way of its angle, and at most
+    eight whole turns of the second, in each case the turns within the
+    limits nearest the angle: all of them for a real wrist, whose axes
+    travel a turn or two, and a bounded list (at most 17 x 17 candidates)
+    for infinite or huge limits and any range wider than eight turns either
+    way. A range far from zero is reached as easily as one around it: the
+    turns short of it are counted, not walked. A NaN limit is no limit on
+    its side, the same as an infinite one.
 
     The wrist is singular where the normal lies within the normal tolerance
     of the first roll axis or of its opposite: the first roll is then free,

@@ -838,8 +838,8 @@ TEST(ZELKinRBRSolver, ABendOutsideItsRangeDropsTheFirstRollCandidate)
     ranges.bend = {0.0, 1.6};
     ConfiguredGantry configured(ranges);
     const ZELMathVector normal(std::sin(0.5), 0.0, std::cos(0.5));
-    const QList<ZELKinSolution> solutions =
-        configured.solver.Solve(ToolFrame(ZELMathPoint(), ZELMathVector(std::cos(0.5), 0, -std::sin(0.5)), normal), false);
+    const ZELMathVector travel(std::cos(0.5), 0, -std::sin(0.5));
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(ToolFrame(ZELMathPoint(), travel, normal), false);
     // C = 0 bends by +0.5; C = +-pi would bend by -0.5.
     EXPECT_TRUE(SameValues({0.0}, DistinctRuns(solutions, configured.gantry.c), ZELTest::kTight));
     for (const ZELKinSolution& solution : solutions)

@@ -12,7 +12,14 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 namespace {
+
+// The cost of a way that does not exist.
+constexpr double kNoWay = std::numeric_limits<double>::quiet_NaN();
 
 // The share of the path from the last chained position to the next one
 // that lies before a waiting position. All origins may coincide: then the
@@ -105,23 +112,23 @@ void ZELKinPathSolving::TakePosition(ZELKinPosition* position)
         diagnostics.BeginScript(current.isLink, current.index);
     const ZELMathAxis frame = FrameOf(position);
     if (!current.solved) {
-        Wait(position, frame);
+        Wait(position, frame, false);
         return;
     }
     const QList<ZELKinSolution> candidates = solver.Solve(frame, false);
     diagnostics.WriteCandidates(pointNumber, candidates);
-    if (candidates.size() == 1 && candidates.first().IsInfinite())
-        Wait(position, frame);
+    if (ZELKinSolverPrivate::IsFree(candidates))
+        Wait(position, frame, true);
     else
         Chain(position, frame, candidates);
 }
 
-void ZELKinPathSolving::Wait(ZELKinPosition* position, const ZELMathAxis& frame)
+void ZELKinPathSolving::Wait(ZELKinPosition* position, const ZELMathAxis& frame, bool free)
 {
     const ZELMathPoint origin = frame.GetOrigin();
     pathLength += pathEnd.GetDistanceTo(origin);
     pathEnd = origin;
-    waiting.push_back({position, frame, pathLength});
+    waiting.push_back({position, frame, pathLength, free, current, pointNumber});
     waitingOnFirstRollLink = waitingOnFirstRollLink || current.firstRollOnly;
 }
 
@@ -138,7 +145,7 @@ void ZELKinPathSolving::Chain(ZELKinPosition* position, const ZELMathAxis& frame
     pathEnd = frame.GetOrigin();
     pathLength = 0.0;
     if (live.isEmpty()) {
-        ReportFailure(!candidates.isEmpty());
+        ReportFailure(current, pointNumber, !candidates.isEmpty());
         failed = true;
     }
 }
@@ -159,9 +166,13 @@ QList<ZELKinSolutionSeries> ZELKinPathSolving::StartSeries(ZELKinPosition* posit
     QList<ZELKinSolutionSeries> started;
     started.reserve(candidates.size());
     for (const ZELKinSolution& candidate : candidates) {
+        // A candidate from which a free position before it cannot be
+        // reached starts no series.
         ZELKinSolutionSeries series;
-        for (const WaitingPosition& entry : waiting)
-            series.Append(entry.position, solver.Solve(entry.frame, 0.0, infinite, candidate));
+        const WaitingPosition* unreached =
+            PlaceWaiting(series, infinite, candidate, 0.0, waiting.cbegin(), waiting.cend());
+        if (unreached)
+            continue;
         series.Append(position, candidate);
         started.append(series);
     }
@@ -181,66 +192,110 @@ QList<ZELKinSolutionSeries> ZELKinPathSolving::ExtendSeries(ZELKinPosition* posi
     QList<ZELKinSolutionSeries> extended;
     extended.reserve(candidates.size());
     for (const ZELKinSolution& candidate : candidates) {
-        int best = -1;
-        double bestCost = 0.0;
+        Costs costs;
         for (int i = 0; i < live.size(); ++i) {
-            if (!solver.IsContiguous(lastSolutions.at(i), candidate, continuity))
+            const bool contiguous = solver.IsContiguous(lastSolutions.at(i), candidate, continuity);
+            costs.append(contiguous ? live.at(i).GetCost() + solver.ComputeCost(lastSolutions.at(i), candidate)
+                                    : kNoWay);
+        }
+        // The cheapest predecessor, unless a free position on the way cannot
+        // be reached from it: then the next cheapest.
+        for (int best = Cheapest(costs); best >= 0; best = Cheapest(costs)) {
+            ZELKinSolutionSeries series = live.at(best);
+            series.SetCost(costs.at(best));
+            const WaitingPosition* unreached =
+                PlaceWaiting(series, lastSolutions.at(best), candidate, totalLength, waiting.cbegin(), waiting.cend());
+            if (unreached) {
+                costs[best] = kNoWay;
                 continue;
-            const double cost = live.at(i).GetCost() + solver.ComputeCost(lastSolutions.at(i), candidate);
-            if (best < 0 || cost < bestCost) {
-                best = i;
-                bestCost = cost;
             }
+            series.Append(position, candidate);
+            extended.append(series);
+            break;
         }
-        if (best < 0)
-            continue;
-        ZELKinSolutionSeries series = live.at(best);
-        series.SetCost(bestCost);
-        for (const WaitingPosition& entry : waiting) {
-            const double fraction = Fraction(entry.arcLength, totalLength);
-            series.Append(entry.position, solver.Solve(entry.frame, fraction, lastSolutions.at(best), candidate));
-        }
-        series.Append(position, candidate);
-        extended.append(series);
     }
     return extended;
 }
 
-void ZELKinPathSolving::ReportFailure(bool reachable) const
+const ZELKinPathSolving::WaitingPosition* ZELKinPathSolving::PlaceWaiting(ZELKinSolutionSeries& series,
+                                                                          const ZELKinSolution& from,
+                                                                          const ZELKinSolution& to, double totalLength,
+                                                                          Waiting::const_iterator first,
+                                                                          Waiting::const_iterator last) const
 {
-    ZELKinSolverPrivate::RecordFailure({current.isLink, current.index + 1, pointNumber, reachable});
+    for (auto entry = first; entry != last; ++entry) {
+        const ZELKinSolution blend = solver.Solve(entry->frame, Fraction(entry->arcLength, totalLength), from, to);
+        if (!entry->free) {
+            series.Append(entry->position, blend);
+            continue;
+        }
+        const ZELKinSolution solution = solver.SolveNearest(entry->frame, blend);
+        if (solution.IsInfinite())
+            return &*entry;
+        series.Append(entry->position, solution);
+    }
+    return nullptr;
+}
+
+void ZELKinPathSolving::ReportFailure(const Script& script, int point, bool reachable) const
+{
+    ZELKinSolverPrivate::RecordFailure({script.isLink, script.index + 1, point, reachable});
     const QString line =
-        current.isLink
+        script.isLink
             ? QCoreApplication::translate("ZELKinSolver", "    Kinematics solving failed for course link %1 at point %2")
             : QCoreApplication::translate("ZELKinSolver", "    Kinematics solving failed for course %1 at point %2");
-    ZELKinSolverPrivate::PrintLine(line.arg(current.index + 1).arg(pointNumber));
+    ZELKinSolverPrivate::PrintLine(line.arg(script.index + 1).arg(point));
+}
+
+ZELKinPathSolving::Waiting::const_iterator ZELKinPathSolving::StartWithoutSolvedPosition()
+{
+    // The first free position decides what the wrist leaves free for all of
+    // them; only a procedure without one starts from its first position.
+    const auto isFree = [](const WaitingPosition& entry) { return entry.free; };
+    auto first = std::find_if(waiting.cbegin(), waiting.cend(), isFree);
+    if (first == waiting.cend())
+        first = waiting.cbegin();
+    const ZELKinSolution solution = solver.SolveNearest(first->frame, ZELKinSolution());
+    if (solution.IsInfinite()) {
+        ReportFailure(first->script, first->pointNumber, false);
+        return waiting.cend();
+    }
+    // The positions before it are never solved, so each of them is placed.
+    ZELKinSolutionSeries series;
+    PlaceWaiting(series, ZELKinSolution(), solution, 0.0, waiting.cbegin(), first);
+    series.Append(first->position, solution);
+    live.append(series);
+    return first + 1;
 }
 
 ZELKinSolutionSeries ZELKinPathSolving::Finish()
 {
-    if (failed)
+    if (failed || (waiting.empty() && live.isEmpty()))
         return ZELKinSolutionSeries();
-    const ZELKinSolution infinite;
-    auto first = waiting.cbegin();
-    if (live.isEmpty()) {
-        // No position was ever solved: the wrist is free all along.
-        if (first == waiting.cend())
-            return ZELKinSolutionSeries();
-        live.append(ZELKinSolutionSeries(first->position, solver.Solve(first->frame, 0.0, infinite, infinite)));
-        ++first;
+    const auto rest = live.isEmpty() ? StartWithoutSolvedPosition() : waiting.cbegin();
+    Costs costs;
+    for (const ZELKinSolutionSeries& series : live)
+        costs.append(series.GetCost());
+    const WaitingPosition* unreached = nullptr;
+    for (int best = Cheapest(costs); best >= 0; best = Cheapest(costs)) {
+        ZELKinSolutionSeries result = live.at(best);
+        const WaitingPosition* missed =
+            PlaceWaiting(result, result.GetLastSolution(), ZELKinSolution(), 0.0, rest, waiting.cend());
+        if (!missed)
+            return result;
+        unreached = unreached ? unreached : missed;
+        costs[best] = kNoWay;
     }
-    ZELKinSolutionSeries result = live.at(Cheapest(live));
-    const ZELKinSolution last = result.GetLastSolution();
-    for (auto entry = first; entry != waiting.cend(); ++entry)
-        result.Append(entry->position, solver.Solve(entry->frame, 0.0, last, infinite));
-    return result;
+    if (unreached)
+        ReportFailure(unreached->script, unreached->pointNumber, false);
+    return ZELKinSolutionSeries();
 }
 
-int ZELKinPathSolving::Cheapest(const QList<ZELKinSolutionSeries>& series)
+int ZELKinPathSolving::Cheapest(const Costs& costs)
 {
-    int best = 0;
-    for (int i = 1; i < series.size(); ++i) {
-        if (series.at(i).GetCost() < series.at(best).GetCost())
+    int best = -1;
+    for (int i = 0; i < costs.size(); ++i) {
+        if (!std::isnan(costs.at(i)) && (best < 0 || costs.at(i) < costs.at(best)))
             best = i;
     }
     return best;

@@ -9,6 +9,7 @@
 #include <zelmathpoint.h>
 
 #include <QList>
+#include <QVarLengthArray>
 
 #include <vector>
 
@@ -32,10 +33,20 @@ class ZELKinSolverPrivate;
     a candidate that continues none of them is dropped.
 
     Positions whose wrist is free (the solver gives one infinite solution)
-    and the positions of links of lower detail wait, and get the wrist
+    and the positions of links of lower detail wait until the next position
+    is chained. The positions of links of lower detail then get the wrist
     values blended by arc length between the solutions before and after
-    them once the next position is chained; those at the very end keep the
-    last solved wrist values, those at the start the first ones.
+    them; those at the very end keep the last solved wrist values, those at
+    the start the first ones. A free position starts from that same blend
+    and asks the solver for the solution of its frame nearest it
+    (SolveNearest), which keeps what the wrist leaves free and meets the
+    rest of the frame. When no position of the procedure is solved, the
+    first free one (the first position, when none is free) is solved with
+    nothing to be near, and the others follow it as they would a solved
+    position. A series from which some free position cannot be reached is
+    not continued: the next cheapest predecessor is tried, and a candidate
+    that none leads to is dropped. So every position of a series that Run
+    returns has its values.
 
     How strictly a step keeps the wrist continuous:
     - with positions waiting: the first roll when one of them lies on a
@@ -53,15 +64,19 @@ class ZELKinSolverPrivate;
     link <n>") goes to standard output, n being the script's index + 1 and
     m the position's number within its script from 1, the beam starts
     afresh at the next solved position, and the procedure's result is an
-    empty series.
+    empty series. At the end of the walk, a free position that no series
+    reaches, and a first free position that has no solution at all, are
+    reported the same way and give the empty series too.
 
     Choices where the procedure's data leaves it open: a position without a
     toolpath point is solved at the world frame, and a link without a
     toolpath link counts as one of full points detail.
 
     Cost: each step costs the number of candidates times the number of live
-    series, plus one append per waiting position; series share their
-    history, so the whole walk is linear in the number of positions.
+    series, plus one append per waiting position and candidate, and for a
+    free position one SolveNearest (again for the next predecessor when one
+    cannot reach it); series share their history, so the whole walk is
+    linear in the number of positions.
     Diagnostics (ZELKinPathSolvingDiagnostics) are written only under a
     debug path and cost nothing without one.
 */
@@ -80,15 +95,6 @@ public:
     ZELKinSolutionSeries Run();
 
 private:
-    //! A position whose solution is still open, with the path length (mm)
-    //! from the last chained position to it.
-    struct WaitingPosition
-    {
-        ZELKinPosition* position;
-        ZELMathAxis frame;
-        double arcLength;
-    };
-
     //! The script being walked and what its points detail asks for.
     struct Script
     {
@@ -101,12 +107,29 @@ private:
         ZELKinSolver::Continuity continuity = ZELKinSolver::ContinuityNone;
     };
 
+    //! A position whose solution is still open, with the path length (mm)
+    //! from the last chained position to it.
+    struct WaitingPosition
+    {
+        ZELKinPosition* position;
+        ZELMathAxis frame;
+        double arcLength;
+        //! Solved with its wrist free, rather than never solved.
+        bool free;
+        //! Its script and number there, for the failure line.
+        Script script;
+        int pointNumber;
+    };
+    using Waiting = std::vector<WaitingPosition>;
+    //! Costs of the ways to one solution, NaN where there is none.
+    using Costs = QVarLengthArray<double, 16>;
+
     static Script Describe(ZELKinScript* script);
     static ZELMathAxis FrameOf(const ZELKinPosition* position);
 
     void EnterScript(ZELKinScript* script);
     void TakePosition(ZELKinPosition* position);
-    void Wait(ZELKinPosition* position, const ZELMathAxis& frame);
+    void Wait(ZELKinPosition* position, const ZELMathAxis& frame, bool free);
     void Chain(ZELKinPosition* position, const ZELMathAxis& frame, const QList<ZELKinSolution>& candidates);
     ZELKinSolver::Continuity ContinuityOfStep();
     QList<ZELKinSolutionSeries> StartSeries(ZELKinPosition* position,
@@ -114,18 +137,34 @@ private:
     QList<ZELKinSolutionSeries> ExtendSeries(ZELKinPosition* position, const ZELMathAxis& frame,
                                              const QList<ZELKinSolution>& candidates,
                                              ZELKinSolver::Continuity continuity) const;
-    //! Prints the failure line and keeps its place for the translator;
-    //! `reachable` says whether any candidate reached the position.
-    void ReportFailure(bool reachable) const;
+    //! Appends the waiting positions from `first` to `last` to `series`,
+    //! placed between the solved solutions `from` and `to` (either infinite
+    //! at an end of the procedure) by their arc length out of `totalLength`
+    //! (0: at `from`'s end). Returns the first free position that no
+    //! solution reaches, the series then being unusable; null when all are
+    //! placed.
+    const WaitingPosition* PlaceWaiting(ZELKinSolutionSeries& series, const ZELKinSolution& from,
+                                        const ZELKinSolution& to, double totalLength, Waiting::const_iterator first,
+                                        Waiting::const_iterator last) const;
+    //! Starts the one live series of a procedure in which no position was
+    //! solved. Returns where the positions after its first one begin; when
+    //! that first one has no solution, reports it and leaves `live` empty.
+    Waiting::const_iterator StartWithoutSolvedPosition();
+    //! Prints the failure line for `point` of `script` and keeps its place
+    //! for the translator; `reachable` says whether any wrist configuration
+    //! reached the position.
+    void ReportFailure(const Script& script, int point, bool reachable) const;
     ZELKinSolutionSeries Finish();
-    static int Cheapest(const QList<ZELKinSolutionSeries>& series);
+    //! The index of the least cost, the first of equal ones; -1 when every
+    //! cost is NaN.
+    static int Cheapest(const Costs& costs);
 
     const ZELKinSolver& solver;
     ZELKinRollLayupProcedure* const procedure;
     ZELKinPathSolvingDiagnostics diagnostics;
 
     QList<ZELKinSolutionSeries> live;
-    std::vector<WaitingPosition> waiting;
+    Waiting waiting;
     //! Some waiting position lies on a link of medium detail.
     bool waitingOnFirstRollLink = false;
     //! What the last link asks for, used by a fresh start.

@@ -13,16 +13,18 @@
 #include <QVarLengthArray>
 #include <QtDebug>
 
+#include <algorithm>
 #include <cmath>
 #include <tuple>
 
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
+constexpr double kTurn = 2.0 * kPi;
 constexpr double kRadiansPerDegree = 0.017453292519943295;
-// Real wrist axes travel a turn or two either way; capping every candidate
-// loop at a few turns covers them and keeps infinite or huge limits from
-// listing candidates without end.
+// Real wrist axes travel a turn or two either way; listing at most this many
+// turns either way of an angle covers them and keeps infinite or huge limits
+// from listing candidates without end.
 constexpr int kMaxStepsEachWay = 8;
 // A joint frame turns about its third direction w, which is the frame's axis
 // number 1 and the normal of its plane number 1.
@@ -103,25 +105,71 @@ WristAxis WristAxisOf(const ZELKinRotaryJoint* joint)
     return axis;
 }
 
-// An angle known modulo half a turn, moved by half turns into the range
-// where the range allows it.
+// Whether `value` lies at `limit` or beyond it, seen from below when `step`
+// goes up and from above when it goes down.
+bool IsAtOrPast(double value, double limit, double step)
+{
+    return step > 0.0 ? value >= limit : value <= limit;
+}
+
+// `angle` moved by the fewest whole `step`s (signed) that take it to `limit`
+// or past it. The steps are counted rather than walked, so that a limit far
+// away is reached at once; rounding may leave the count one off, which is
+// put right.
+double StepTo(double angle, double limit, double step)
+{
+    double moved = angle + std::ceil((limit - angle) / step) * step;
+    if (!IsAtOrPast(moved, limit, step))
+        moved += step;
+    else if (IsAtOrPast(moved - step, limit, step))
+        moved -= step;
+    return moved;
+}
+
+// An angle known modulo half a turn, moved by the fewest half turns that
+// bring it to the minimum or above, then, when that passes the maximum, by
+// the fewest that bring it back to the maximum or below. A range narrower
+// than half a turn may hold no half turn of the angle: the result then lies
+// below the minimum.
 double IntoRange(double angle, const WristAxis& axis)
 {
-    for (int step = 0; step < kMaxStepsEachWay && angle < axis.minimum; ++step)
-        angle += kPi;
-    for (int step = 0; step < kMaxStepsEachWay && angle > axis.maximum; ++step)
-        angle -= kPi;
+    if (angle < axis.minimum)
+        angle = StepTo(angle, axis.minimum, kPi);
+    if (angle > axis.maximum)
+        angle = StepTo(angle, axis.maximum, -kPi);
     return angle;
 }
 
-// Appends the angles `step` apart from `angle`: first those below it while
-// above the minimum, then those above it while below the maximum.
-void AppendTurnsFrom(Angles& angles, double angle, double step, const WristAxis& axis)
+// How many whole `step`s (signed, at least one) take `angle` strictly inside
+// the range going that way; NaN when none does. Counted rather than walked:
+// the estimate is the last count short of the near limit, which rounding may
+// make the first count inside or one count shorter, so three are tried.
+double StepsIntoRange(double angle, double step, const WristAxis& axis)
 {
-    for (int k = 1; k <= kMaxStepsEachWay && angle - k * step > axis.minimum; ++k)
-        angles.append(angle - k * step);
-    for (int k = 1; k <= kMaxStepsEachWay && angle + k * step < axis.maximum; ++k)
-        angles.append(angle + k * step);
+    const double nearLimit = step > 0.0 ? axis.minimum : axis.maximum;
+    const double estimate = std::max(1.0, std::floor((nearLimit - angle) / step));
+    for (int extra = 0; extra < 3; ++extra) {
+        if (axis.IsStrictlyInside(angle + (estimate + extra) * step))
+            return estimate + extra;
+    }
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
+// Appends the angles whole `step`s (signed) from `angle` that lie strictly
+// inside the range, nearest first, at most kMaxStepsEachWay of them. A range
+// far from the angle costs no more than one beside it.
+void AppendTurns(Angles& angles, double angle, double step, const WristAxis& axis)
+{
+    double previous = angle;
+    double steps = StepsIntoRange(angle, step, axis);
+    for (int listed = 0; listed < kMaxStepsEachWay && !std::isnan(steps); ++listed, steps += 1.0) {
+        const double turned = angle + steps * step;
+        // Past the far limit, or at a size where a step no longer moves it.
+        if (!axis.IsStrictlyInside(turned) || turned == previous)
+            break;
+        angles.append(turned);
+        previous = turned;
+    }
 }
 
 Angles FirstRollCandidates(double theta, const WristAxis& axis)
@@ -129,18 +177,40 @@ Angles FirstRollCandidates(double theta, const WristAxis& axis)
     // Half a turn of the first roll brings the bend plane back onto the
     // normal, which another bend may then reach.
     Angles angles;
-    angles.append(theta);
-    AppendTurnsFrom(angles, theta, kPi, axis);
+    if (!axis.IsOutside(theta))
+        angles.append(theta);
+    AppendTurns(angles, theta, -kPi, axis);
+    AppendTurns(angles, theta, kPi, axis);
     return angles;
 }
 
 Angles SecondRollCandidates(double angle, const WristAxis& axis)
 {
     Angles angles;
-    if (angle > axis.minimum && angle < axis.maximum)
+    if (axis.IsStrictlyInside(angle))
         angles.append(angle);
-    AppendTurnsFrom(angles, angle, 2.0 * kPi, axis);
+    AppendTurns(angles, angle, -kTurn, axis);
+    AppendTurns(angles, angle, kTurn, axis);
     return angles;
+}
+
+// Of the angles whole turns from `angle` strictly inside the range, the one
+// nearest `target`; NaN when none is.
+double NearestTurn(double angle, double target, const WristAxis& axis)
+{
+    const double nearest = angle + std::round((target - angle) / kTurn) * kTurn;
+    if (axis.IsStrictlyInside(nearest))
+        return nearest;
+    // Beyond a limit, the first turn back inside is the nearest to the target.
+    const double step = nearest <= axis.minimum ? kTurn : -kTurn;
+    return nearest + StepsIntoRange(nearest, step, axis) * step;
+}
+
+// The value of `variable` in `solution`, or `fallback` where it has none.
+double ValueOr(const ZELKinSolution& solution, ZELKinVariable* variable, double fallback)
+{
+    const double value = solution.GetVariableValue(variable);
+    return std::isnan(value) ? fallback : value;
 }
 
 // The only child of `joint`, which must be rotary; throws `countMessage` when
@@ -274,6 +344,43 @@ ZELKinRBRSolverPrivate::TurnedWrist ZELKinRBRSolverPrivate::Turned(const ZELKinS
     return turned;
 }
 
+double ZELKinRBRSolverPrivate::PoleDistance(const ZELMathVector& normal) const
+{
+    const double angle = normal.GetAngleTo(firstRollVector);
+    return std::min(angle, kPi - angle);
+}
+
+bool ZELKinRBRSolverPrivate::IsSingular(const ZELMathVector& normal) const
+{
+    return PoleDistance(normal) < normalTolerance;
+}
+
+std::optional<ZELKinRBRSolverPrivate::Reach> ZELKinRBRSolverPrivate::ReachWith(double firstRollValue,
+                                                                             const ZELMathVector& normal,
+                                                                             const ZELMathVector& travel) const
+{
+    const ZELMathVector2D wristZero(1.0, 0.0);
+    // Turning the first roll carries along the bend and second roll frames,
+    // which sit on it as they do at home.
+    ZELMathAxis turnedFirstRoll = firstRollFrame;
+    ZELMathAxis::Tilt(turnedFirstRoll, kRotationAxis, firstRollValue);
+    ZELMathAxis turnedBend = turnedFirstRoll * bendOnFirstRoll;
+
+    // A bend within the tolerance is none, and its range is checked as none.
+    double bendValue = AngleAbout(turnedBend, -normal, wristZero);
+    if (std::abs(bendValue) < normalTolerance)
+        bendValue = 0.0;
+    if (std::isnan(bendValue) || bendAxis.IsOutside(bendValue))
+        return std::nullopt;
+    ZELMathAxis turnedSecondRoll = turnedFirstRoll * secondRollOnFirstRoll;
+    Turn(turnedBend, bendValue, turnedSecondRoll);
+
+    const double secondRollValue = AngleAbout(turnedSecondRoll, travel, wristZero);
+    if (std::isnan(secondRollValue))
+        return std::nullopt;
+    return Reach{bendValue, secondRollValue};
+}
+
 ZELMathVector ZELKinRBRSolverPrivate::TipOffset(const ZELKinSolution& solution) const
 {
     return Turned(solution).tip - tipPoint;
@@ -338,9 +445,9 @@ ZELKinSolution ZELKinRBRSolver::Solve(const ZELMathAxis& frame, double fraction,
 {
     Q_D(const ZELKinRBRSolver);
     if (from.IsInfinite())
-        return to.IsInfinite() ? ZELKinSolution() : d->WithLinear(to, frame.GetOrigin());
+        return to.IsInfinite() ? ZELKinSolution() : d->WithLinear(to, d->RollerCentre(frame));
     if (to.IsInfinite())
-        return d->WithLinear(from, frame.GetOrigin());
+        return d->WithLinear(from, d->RollerCentre(frame));
     const auto blend = [&](ZELKinVariable* variable) {
         return to.GetVariableValue(variable) * fraction + from.GetVariableValue(variable) * (1.0 - fraction);
     };
@@ -351,18 +458,18 @@ ZELKinSolution ZELKinRBRSolver::Solve(const ZELMathAxis& frame, double fraction,
 QList<ZELKinSolution> ZELKinRBRSolver::Solve(const ZELMathAxis& frame, bool traori) const
 {
     Q_D(const ZELKinRBRSolver);
-    if (!d->firstRoll || !d->bend || !d->secondRoll || !IsFinite(frame))
+    if (!d->HasWrist() || !IsFinite(frame))
         return {};
     const ZELMathVector normal = frame.GetWDirection();
     const ZELMathVector travel = frame.GetUDirection();
     const ZELMathVector2D firstRollZero(0.0, 1.0);
-    const ZELMathVector2D wristZero(1.0, 0.0);
 
-    // The first roll turns the bend axis across the normal; along the first
-    // roll axis any turn does, and the direction of travel decides it.
+    // The first roll turns the bend axis across the normal; at either pole
+    // of the first roll axis any turn does, and the direction of travel
+    // decides it.
     double theta = 0.0;
     bool bringIntoRange = true;
-    if (normal.GetAngleTo(d->firstRollVector) < d->normalTolerance) {
+    if (d->IsSingular(normal)) {
         if (!traori)
             return {ZELKinSolution()};
         theta = AngleIn(d->firstRollPlane, travel, firstRollZero, &bringIntoRange);
@@ -378,25 +485,11 @@ QList<ZELKinSolution> ZELKinRBRSolver::Solve(const ZELMathAxis& frame, bool trao
     // is allocated once, at its size.
     Configurations found;
     for (const double firstRoll : FirstRollCandidates(theta, d->firstRollAxis)) {
-        // Turning the first roll carries along the bend and second roll
-        // frames, which sit on it as they do at home.
-        ZELMathAxis firstRollFrame = d->firstRollFrame;
-        ZELMathAxis::Tilt(firstRollFrame, kRotationAxis, firstRoll);
-        ZELMathAxis bendFrame = firstRollFrame * d->bendOnFirstRoll;
-
-        double bend = AngleAbout(bendFrame, -normal, wristZero);
-        if (std::isnan(bend) || d->bendAxis.IsOutside(bend))
+        const std::optional<ZELKinRBRSolverPrivate::Reach> reach = d->ReachWith(firstRoll, normal, travel);
+        if (!reach)
             continue;
-        if (std::abs(bend) < d->normalTolerance)
-            bend = 0.0;
-        ZELMathAxis secondRollFrame = firstRollFrame * d->secondRollOnFirstRoll;
-        Turn(bendFrame, bend, secondRollFrame);
-
-        const double secondRoll = AngleAbout(secondRollFrame, travel, wristZero);
-        if (std::isnan(secondRoll))
-            continue;
-        for (const double candidate : SecondRollCandidates(secondRoll, d->secondRollAxis))
-            found.append(WristAngles{firstRoll, bend, candidate});
+        for (const double candidate : SecondRollCandidates(reach->secondRoll, d->secondRollAxis))
+            found.append(WristAngles{firstRoll, reach->bend, candidate});
     }
 
     const ZELMathPoint rollerCentre = d->RollerCentre(frame);
@@ -405,6 +498,25 @@ QList<ZELKinSolution> ZELKinRBRSolver::Solve(const ZELMathAxis& frame, bool trao
     for (const WristAngles& angles : found)
         solutions.append(d->WristSolution(angles.firstRoll, angles.bend, angles.secondRoll, rollerCentre));
     return solutions;
+}
+
+ZELKinSolution ZELKinRBRSolver::SolveNearest(const ZELMathAxis& frame, const ZELKinSolution& guess) const
+{
+    Q_D(const ZELKinRBRSolver);
+    if (!d->HasWrist() || !IsFinite(frame) || !d->IsSingular(frame.GetWDirection()))
+        return ZELKinSolver::SolveNearest(frame, guess);
+    // The first roll is free: it stays where the neighbours have it, and the
+    // bend and second roll still have to meet the normal and the travel.
+    const double firstRoll = d->firstRollAxis.Nearest(ValueOr(guess, d->firstRollAxis.variable, 0.0));
+    const std::optional<ZELKinRBRSolverPrivate::Reach> reach =
+        d->ReachWith(firstRoll, frame.GetWDirection(), frame.GetUDirection());
+    if (!reach)
+        return ZELKinSolution();
+    const double secondRoll =
+        NearestTurn(reach->secondRoll, ValueOr(guess, d->secondRollAxis.variable, 0.0), d->secondRollAxis);
+    if (std::isnan(secondRoll))
+        return ZELKinSolution();
+    return d->WristSolution(firstRoll, reach->bend, secondRoll, d->RollerCentre(frame));
 }
 
 ZELKinSolution ZELKinRBRSolver::FromTraori(const ZELKinSolution& solution) const
@@ -444,8 +556,7 @@ double ZELKinRBRSolver::GetSingularityMargin(const ZELMathVector& normal) const
     const double length = normal.GetLength();
     if (!d->firstRoll || !std::isfinite(length) || length <= 0.0)
         return std::numeric_limits<double>::quiet_NaN();
-    const double angle = normal.GetAngleTo(d->firstRollVector);
-    return std::min(angle, kPi - angle);
+    return d->PoleDistance(normal);
 }
 
 bool ZELKinRBRSolver::IsContiguous(const ZELKinSolution& a, const ZELKinSolution& b, Continuity mode) const

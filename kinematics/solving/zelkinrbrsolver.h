@@ -32,10 +32,20 @@ class ZELKinRBRSolverPrivate;
     joints' reference frames are built by Configure, which must run before
     any solving.
 
-    Each candidate loop of Solve takes at most eight steps either way (eight
-    half turns of the first roll, eight full turns of the second), so
-    infinite or huge limits still give a short list. A NaN limit is no limit
-    on its side, the same as an infinite one.
+    No candidate lies outside its variable's limits. Solve lists at most
+    eight half turns of the first roll either way of its angle, and at most
+    eight whole turns of the second, in each case the turns within the
+    limits nearest the angle: all of them for a real wrist, whose axes
+    travel a turn or two, and a bounded list (at most 17 x 17 candidates)
+    for infinite or huge limits and any range wider than eight turns either
+    way. A range far from zero is reached as easily as one around it: the
+    turns short of it are counted, not walked. A NaN limit is no limit on
+    its side, the same as an infinite one.
+
+    The wrist is singular where the normal lies within the normal tolerance
+    of the first roll axis or of its opposite: the first roll is then free,
+    and SolveNearest finds the rest of the wrist for a first roll chosen by
+    continuity.
 */
 class ZELKINEMATICS_EXPORT ZELKinRBRSolver : public ZELKinSolver
 {
@@ -78,31 +88,57 @@ public:
     /*!
         The solution `fraction` (0 to 1) of the way from `from` to `to`: the
         wrist values blended linearly, X, Y and Z the roller centre of
-        `frame`, in TRAORI form. When one end is infinite (defines nothing),
-        a copy of the other with X, Y and Z at the frame's origin; when both
-        are, an infinite solution. Throws nothing.
+        `frame` (its origin moved by the roller radius along its normal), in
+        TRAORI form. When one end is infinite (defines nothing), a copy of
+        the other with X, Y and Z at the roller centre; when both are, an
+        infinite solution. Throws nothing.
     */
     ZELKinSolution Solve(const ZELMathAxis& frame, double fraction, const ZELKinSolution& from,
                          const ZELKinSolution& to) const override;
 
     /*!
         Every wrist configuration that puts the head on `frame`, in TRAORI
-        form: first roll candidates from the angle that turns the bend axis
-        across the normal, then half a turn less, a whole turn less, ...,
-        then half a turn more, ...; for each, the bend (dropped outside its
-        range, snapped to 0 below the normal tolerance) and the second roll
-        candidates, the angle in range, then whole turns less, then whole
-        turns more.
+        form, each value within its variable's limits: first roll candidates
+        from the angle that turns the bend axis across the normal, brought
+        to the range by half turns, then half a turn less, a whole turn
+        less, ..., then half a turn more, ...; for each, the bend and the
+        second roll candidates, the angle itself, then whole turns less,
+        then whole turns more. A first roll range narrower than half a turn
+        may hold none of them.
+
+        A bend within the normal tolerance of 0 counts as none: it is
+        snapped to exactly 0 before its range check. A bend range that
+        leaves out 0 but reaches into that band, such as [0.0002, 1] with
+        the default tolerance of 0.001, therefore drops the bends of the
+        band that it holds (0.0005 as well as 0.0001), and a range [0, 1]
+        keeps a bend of -0.0005, as 0.
 
         When the normal lies within the normal tolerance of the first roll
-        axis the wrist is free: without `traori` the list holds one infinite
-        solution; with it the first roll is taken from the direction of
-        travel instead. The list is empty when no candidate fits the ranges,
-        when the frame has a coordinate that is not finite, and for a solver
-        without wrist. Throws nothing.
+        axis or of its opposite the wrist is free: without `traori` the list
+        holds one infinite solution; with it the first roll is taken from
+        the direction of travel instead. The list is empty when no candidate
+        fits the ranges, when the frame has a coordinate that is not finite,
+        and for a solver without wrist. Throws nothing.
     */
     QList<ZELKinSolution> Solve(const ZELMathAxis& frame, bool traori) const override;
     using ZELKinSolver::Solve;
+
+    /*!
+        The solution of `frame` nearest `guess`, in TRAORI form. Where the
+        wrist is free (the normal within the normal tolerance of either pole
+        of the first roll axis) the first roll is the value within its
+        limits nearest that of `guess` (nearest 0 when `guess` has none),
+        and the bend and second roll are solved for the frame with it, the
+        second roll the whole turn of its angle nearest that of `guess`
+        (nearest 0 without one), both within their limits; X, Y and Z are
+        the roller centre. The head then has the frame's normal and travel,
+        to within the normal's angle from the pole. Elsewhere the candidate
+        of Solve(frame, false) with the least roll travel from `guess`, as
+        ZELKinSolver::SolveNearest. An infinite solution when no value
+        within the limits reaches the frame (with that first roll, where it
+        is free). Throws nothing.
+    */
+    ZELKinSolution SolveNearest(const ZELMathAxis& frame, const ZELKinSolution& guess) const override;
 
     /*!
         `solution` with the wrist's tip offset taken off X, Y and Z: the

@@ -9,7 +9,9 @@
 #include <zelmathpoint.h>
 #include <zelmathvector.h>
 
+#include <algorithm>
 #include <limits>
+#include <optional>
 
 class ZELKinRotaryJoint;
 class ZELKinVariable;
@@ -32,6 +34,17 @@ public:
         double maximum = std::numeric_limits<double>::infinity();
 
         bool IsOutside(double angle) const { return angle < minimum || angle > maximum; }
+        bool IsStrictlyInside(double angle) const { return angle > minimum && angle < maximum; }
+        //! The value within the limits nearest `angle`.
+        double Nearest(double angle) const { return std::min(std::max(angle, minimum), maximum); }
+    };
+
+    //! What the bend and the second roll make of one first roll value: the
+    //! bend (rad) and the second roll's angle before whole turns are added.
+    struct Reach
+    {
+        double bend;
+        double secondRoll;
     };
 
     ZELKinRBRSolverPrivate(ZELKinRBRSolver* q, ZELKinMachine* machine)
@@ -84,6 +97,20 @@ public:
     //! Walks the joint tree of the machine for the wrist and reads its
     //! variables; throws as the solver's constructor.
     void FindWrist();
+    bool HasWrist() const { return firstRoll && bend && secondRoll; }
+    //! The angle (rad, 0 to pi/2) between the line of `normal` and the
+    //! first roll axis; NaN for a non-finite normal.
+    double PoleDistance(const ZELMathVector& normal) const;
+    //! Whether `normal` lies within the normal tolerance of either pole of
+    //! the first roll axis, where the first roll is free.
+    bool IsSingular(const ZELMathVector& normal) const;
+    //! The bend that turns the head onto `normal` with the first roll at
+    //! `firstRollValue`, snapped to 0 within the normal tolerance before
+    //! its range check, and the second roll angle that then turns it onto
+    //! `travel`; none when the bend is outside its limits or an angle has
+    //! no value.
+    std::optional<Reach> ReachWith(double firstRollValue, const ZELMathVector& normal,
+                                   const ZELMathVector& travel) const;
     //! Stores the X, Y, Z variables and the roller radius of the machine.
     void FindCarrier();
     //! Reads one "key: value" item of the configuration text.

@@ -53,6 +53,11 @@ void ZELKinSolverPrivate::PrintLine(const QString& line)
     std::fflush(stdout);
 }
 
+bool ZELKinSolverPrivate::IsFree(const QList<ZELKinSolution>& candidates)
+{
+    return candidates.size() == 1 && candidates.first().IsInfinite();
+}
+
 ZELKinSolver::ZELKinSolver(ZELKinSolverPrivate* d)
     : d_ptr(d)
 {
@@ -64,6 +69,27 @@ ZELKinSolver::ZELKinSolver(ZELKinMachine* machine)
 }
 
 ZELKinSolver::~ZELKinSolver() = default;
+
+ZELKinSolution ZELKinSolver::SolveNearest(const ZELMathAxis& frame, const ZELKinSolution& guess) const
+{
+    const QList<ZELKinSolution> candidates = Solve(frame, false);
+    if (candidates.isEmpty())
+        return ZELKinSolution();
+    if (ZELKinSolverPrivate::IsFree(candidates))
+        return guess;
+    if (guess.IsInfinite())
+        return candidates.first();
+    int nearest = 0;
+    double nearestCost = ComputeCost(guess, candidates.first());
+    for (int i = 1; i < candidates.size(); ++i) {
+        const double cost = ComputeCost(guess, candidates.at(i));
+        if (cost < nearestCost) {
+            nearest = i;
+            nearestCost = cost;
+        }
+    }
+    return candidates.at(nearest);
+}
 
 ZELKinMachine* ZELKinSolver::GetMachine() const
 {

@@ -71,6 +71,22 @@ public:
     virtual bool IsContiguous(const ZELKinSolution& a, const ZELKinSolution& b, Continuity mode) const = 0;
     //! The cost of the move from `a` to `b`; lower is better.
     virtual double ComputeCost(const ZELKinSolution& a, const ZELKinSolution& b) const = 0;
+    /*!
+        The solution of `frame` nearest `guess`. Path solving asks it for
+        the positions whose wrist is free, with the blend of their solved
+        neighbours as `guess` (an infinite one when no position of the
+        procedure was solved), so that what the frame still fixes is met.
+
+        Here: of the candidates of Solve(frame, false), the one with the
+        least ComputeCost from `guess`, the first of equally cheap ones, and
+        the first of all when `guess` is infinite. When the frame leaves
+        every configuration open (Solve gives the infinite solution alone),
+        `guess` itself. An infinite solution when no candidate reaches the
+        frame. A solver whose free wrist still has to meet part of the frame
+        overrides it. Throws nothing of its own; what Solve and ComputeCost
+        throw passes through.
+    */
+    virtual ZELKinSolution SolveNearest(const ZELMathAxis& frame, const ZELKinSolution& guess) const;
 
     //! The machine solved for (not owned).
     ZELKinMachine* GetMachine() const;
@@ -106,18 +122,24 @@ public:
         position of a link of full points detail, so that every move is
         contiguous (IsContiguous) and the sum of ComputeCost along the
         series is least; on equal costs the series met first wins. The
-        other positions (a free wrist, links of lower detail) get wrist
-        values blended by arc length between their neighbours through
-        Solve(frame, fraction, from, to), or keep the last solved ones at
-        the end of the procedure. The solutions are not applied to the
+        positions of links of lower detail get wrist values blended by arc
+        length between their neighbours through Solve(frame, fraction, from,
+        to), or keep the last solved ones at the end of the procedure (the
+        first ones at its start). A position whose wrist is free gets
+        SolveNearest(frame, that blend); when no position of the procedure
+        is solved, the first free one gets SolveNearest(frame, infinite
+        solution) and the others follow it. Every position of a returned
+        series has its values. The solutions are not applied to the
         positions.
 
         When some position cannot be chained, the line "    Kinematics
         solving failed for course <n> at point <m>" ("course link <n>" for
         a link; n = index + 1, m = the position's number within it, from
         1) goes to standard output, the walk goes on, and the result is an
-        empty series. A procedure without positions also gives an empty
-        series.
+        empty series; so too, naming the free position, when SolveNearest
+        finds no solution for a free position after the last solved one or
+        for the first free one of a procedure without solved positions. A
+        procedure without positions also gives an empty series.
 
         A derived solver that overrides the other Solve overloads hides this
         one: call it through a ZELKinSolver reference or pointer, or bring

@@ -29,6 +29,9 @@ public:
     //! makes it print again. Procedures solved side by side hold their lines
     //! back, so that they can be printed in the procedures' order.
     static void HoldLines(QStringList* lines);
+    //! Whether the candidates of a frame leave the wrist free: the infinite
+    //! solution alone.
+    static bool IsFree(const QList<ZELKinSolution>& candidates);
 
     //! Where path solving of a procedure first found no way on: the script
     //! (a course or a course link, numbered from 1 as the failure line

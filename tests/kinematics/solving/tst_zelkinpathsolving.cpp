@@ -3,6 +3,8 @@
 
 #include <zelkinsolver.h>
 
+#include "zelkintestgantry.h"
+
 #include <zelkintestrolllayup.h>
 
 #include <zeltpcourselink.h>
@@ -17,6 +19,8 @@
 #include <QTemporaryDir>
 #include <QtMath>
 
+#include <algorithm>
+#include <limits>
 #include <map>
 #include <optional>
 #include <tuple>
@@ -40,11 +44,14 @@ bool SamePoint(const ZELMathPoint& expected, const ZELMathPoint& actual)
 }
 
 // What the fake solver answers at a frame origin: one candidate per roll
-// value, in order, or the lone infinite solution of a free wrist.
+// value, in order, or the lone infinite solution of a free wrist, which
+// reaches the rolls from `lowest` to `highest`.
 struct Answer
 {
     QList<double> rolls;
     bool free = false;
+    double lowest = -std::numeric_limits<double>::infinity();
+    double highest = std::numeric_limits<double>::infinity();
 };
 
 // One IsContiguous question the path solving asked.
@@ -64,6 +71,14 @@ struct Blend
     bool toInfinite;
 };
 
+// One SolveNearest(frame, guess) call.
+struct Nearest
+{
+    ZELMathPoint origin;
+    //! The roll of the guess; NaN for an infinite guess.
+    double guess;
+};
+
 /*
     A solver of one roll axis A over the linear axes X, Y and Z. Its
     candidates come from a table keyed by the frame origin (none for an origin
@@ -71,7 +86,9 @@ struct Blend
     contiguous when A changes by less than 1 (ContinuityFull), less than 2
     (ContinuityFirstRoll) or anyhow (ContinuityNone); its cost is the change
     of A. A blend mixes A linearly and keeps the side that is not infinite,
-    as the wrist solvers do.
+    as the wrist solvers do. At a free frame SolveNearest keeps the roll of
+    the guess when the frame reaches it and gives nothing when it does not;
+    without a guess it takes the reachable roll nearest 0.
 */
 class FakeSolver : public ZELKinSolver
 {
@@ -110,6 +127,19 @@ public:
         const double roll = from.IsInfinite() ? Roll(to)
                             : to.IsInfinite() ? Roll(from)
                                               : Roll(to) * fraction + Roll(from) * (1.0 - fraction);
+        return At(frame.GetOrigin(), roll);
+    }
+
+    ZELKinSolution SolveNearest(const ZELMathAxis& frame, const ZELKinSolution& guess) const override
+    {
+        nearests.append({frame.GetOrigin(), Roll(guess)});
+        const auto answer = answers.find(KeyOf(frame.GetOrigin()));
+        if (answer == answers.end() || !answer->second.free)
+            return ZELKinSolver::SolveNearest(frame, guess);
+        const Answer& free = answer->second;
+        const double roll = guess.IsInfinite() ? std::max(free.lowest, std::min(0.0, free.highest)) : Roll(guess);
+        if (roll < free.lowest || roll > free.highest)
+            return ZELKinSolution();
         return At(frame.GetOrigin(), roll);
     }
 
@@ -165,6 +195,7 @@ public:
     mutable QList<ZELMathPoint> asked;
     mutable QList<Move> moves;
     mutable QList<Blend> blends;
+    mutable QList<Nearest> nearests;
 
 private:
     ZELKinSolution At(const ZELMathPoint& origin, double roll) const
@@ -210,6 +241,12 @@ PointPlan Free(double x)
 PointPlan Free(const ZELMathPoint& origin)
 {
     return {origin, {{}, true}};
+}
+
+// A free frame that reaches only the rolls from `lowest` to `highest`.
+PointPlan FreeWithin(double x, double lowest, double highest)
+{
+    return {ZELMathPoint(x, 0.0, 0.0), {{}, true, lowest, highest}};
 }
 
 // A link point that is never solved: no answer needed.
@@ -451,17 +488,108 @@ TEST_F(ZELKinPathSolvingTest, GivesFreeWristPositionsAtTheEndTheLastSolvedWristV
     }
 }
 
-TEST_F(ZELKinPathSolvingTest, AProcedureOfFreeWristsOnlyGivesOneSeriesOfInfiniteSolutions)
+TEST_F(ZELKinPathSolvingTest, AProcedureOfFreeWristsOnlyStartsFromItsFirstFreePositionSolvedWithoutAGuess)
 {
-    AddLink(ZELTPCourseLink::PointsDetailFull, {Free(0)});
-    AddCourse({Free(10), Free(20)});
+    AddLink(ZELTPCourseLink::PointsDetailLow, {Off(ZELMathPoint(0, 0, 0))});
+    AddCourse({FreeWithin(10, 0.4, 1.0), Free(20)});
     AddLink(ZELTPCourseLink::PointsDetailFull, {Free(30)});
     const ZELKinSolutionSeries series = Solve();
     EXPECT_EQ(series.GetCommands(), Positions());
+    // The roll of the first free frame nearest 0 holds for every position.
+    EXPECT_TRUE(SameRolls({0.4, 0.4, 0.4, 0.4}, Rolls(series)));
     for (const ZELKinSolution& solution : series.GetSolutions())
-        EXPECT_TRUE(solution.IsInfinite());
+        EXPECT_FALSE(solution.IsInfinite());
+    ASSERT_EQ(solver.nearests.size(), 3);
+    EXPECT_TRUE(SamePoint(ZELMathPoint(10, 0, 0), solver.nearests.at(0).origin));
+    EXPECT_TRUE(std::isnan(solver.nearests.at(0).guess));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(20, 0, 0), solver.nearests.at(1).origin));
+    EXPECT_TRUE(ZELTest::SameDouble(0.4, solver.nearests.at(1).guess, ZELTest::kExact));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(30, 0, 0), solver.nearests.at(2).origin));
+    EXPECT_TRUE(ZELTest::SameDouble(0.4, solver.nearests.at(2).guess, ZELTest::kExact));
     EXPECT_TRUE(ZELTest::SameDouble(0.0, series.GetCost(), ZELTest::kExact));
     EXPECT_EQ(output, QStringLiteral("  Processing \n"));
+}
+
+TEST_F(ZELKinPathSolvingTest, AProcedureWithoutSolvedOrFreePositionsStartsFromItsFirstPositionSolvedWithoutAGuess)
+{
+    AddLink(ZELTPCourseLink::PointsDetailLow, {Pt(0, {0.3, 0.6}), Pt(10, {0.9})});
+    AddCourse({});
+    const ZELKinSolutionSeries series = Solve();
+    EXPECT_EQ(series.GetCommands(), Positions());
+    EXPECT_TRUE(SameRolls({0.3, 0.3}, Rolls(series)));
+    ASSERT_EQ(solver.nearests.size(), 1);
+    EXPECT_TRUE(std::isnan(solver.nearests.first().guess));
+}
+
+TEST_F(ZELKinPathSolvingTest, AFirstFreePositionWithoutASolutionIsReportedAndEmptiesTheResult)
+{
+    AddLink(ZELTPCourseLink::PointsDetailFull);
+    AddCourse({FreeWithin(0, 1.0, 0.0), Free(10)});
+    AddLink(ZELTPCourseLink::PointsDetailFull);
+    EXPECT_TRUE(Solve().IsEmpty());
+    EXPECT_EQ(output, QStringLiteral("  Processing \n"
+                                     "    Kinematics solving failed for course 1 at point 1\n"));
+}
+
+TEST_F(ZELKinPathSolvingTest, AFreePositionGetsTheSolutionNearestTheBlendOfItsNeighbours)
+{
+    AddCourse({Pt(0, {0.0}), Free(10), Pt(40, {1.0})});
+    const ZELKinSolutionSeries series = Solve();
+    EXPECT_TRUE(SameRolls({0.0, 0.25, 1.0}, Rolls(series)));
+    ASSERT_EQ(solver.nearests.size(), 1);
+    EXPECT_TRUE(SamePoint(ZELMathPoint(10, 0, 0), solver.nearests.first().origin));
+    EXPECT_TRUE(ZELTest::SameDouble(0.25, solver.nearests.first().guess, ZELTest::kTight));
+}
+
+TEST_F(ZELKinPathSolvingTest, ALinkPositionOfLowerDetailKeepsItsBlendAndIsNotSolvedNearIt)
+{
+    AddLink(ZELTPCourseLink::PointsDetailFull);
+    AddCourse({Pt(0, {0.0})});
+    AddLink(ZELTPCourseLink::PointsDetailMedium, {Off(ZELMathPoint(10, 0, 0))});
+    AddCourse({Pt(20, {1.0})});
+    EXPECT_TRUE(SameRolls({0.0, 0.5, 1.0}, Rolls(Solve())));
+    EXPECT_TRUE(solver.nearests.isEmpty());
+}
+
+TEST_F(ZELKinPathSolvingTest, AFreePositionThatTheCheapestPredecessorCannotReachIsReachedFromTheNext)
+{
+    // Both predecessors cost 1.0; from the first the free frame would need 0.5.
+    AddCourse({Pt(0, {0.0, 2.0}), FreeWithin(10, 1.2, 3.0), Pt(20, {1.0})});
+    const ZELKinSolutionSeries series = Solve();
+    EXPECT_TRUE(SameRolls({2.0, 1.5, 1.0}, Rolls(series)));
+    EXPECT_TRUE(ZELTest::SameDouble(1.0, series.GetCost(), ZELTest::kTight));
+    ASSERT_EQ(solver.nearests.size(), 2);
+    EXPECT_TRUE(ZELTest::SameDouble(0.5, solver.nearests.at(0).guess, ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(1.5, solver.nearests.at(1).guess, ZELTest::kTight));
+}
+
+TEST_F(ZELKinPathSolvingTest, AFreePositionThatNoPredecessorReachesFailsTheNextStep)
+{
+    AddCourse({Pt(0, {0.0, 2.0}), FreeWithin(10, 5.0, 6.0), Pt(20, {1.0})});
+    EXPECT_TRUE(Solve().IsEmpty());
+    EXPECT_EQ(output, QStringLiteral("  Processing \n"
+                                     "    Kinematics solving failed for course 1 at point 3\n"));
+}
+
+TEST_F(ZELKinPathSolvingTest, AFreePositionBeforeTheFirstSolvedOneDropsTheCandidatesThatCannotReachIt)
+{
+    AddCourse({FreeWithin(0, 0.5, 1.0), Pt(10, {0.2, 0.7})});
+    EXPECT_TRUE(SameRolls({0.7, 0.7}, Rolls(Solve())));
+}
+
+TEST_F(ZELKinPathSolvingTest, AFreePositionAfterTheLastSolvedOneUnreachableFromTheCheapestSeriesIsReachedFromTheNext)
+{
+    AddCourse({Pt(0, {0.0, 1.5}), FreeWithin(10, 1.0, 2.0)});
+    EXPECT_TRUE(SameRolls({1.5, 1.5}, Rolls(Solve())));
+}
+
+TEST_F(ZELKinPathSolvingTest, AFreePositionAfterTheLastSolvedOneThatNoSeriesReachesIsReportedAndEmptiesTheResult)
+{
+    AddCourse({Pt(0, {0.2}), Free(10), FreeWithin(20, 1.0, 2.0)});
+    AddLink(ZELTPCourseLink::PointsDetailFull, {Free(30)});
+    EXPECT_TRUE(Solve().IsEmpty());
+    EXPECT_EQ(output, QStringLiteral("  Processing \n"
+                                     "    Kinematics solving failed for course 1 at point 3\n"));
 }
 
 TEST_F(ZELKinPathSolvingTest, AProcedureWithoutPositionsGivesAnEmptySeries)
@@ -661,6 +789,196 @@ TEST_F(ZELKinPathSolvingTest, AnUnreachableLinkPositionIsReportedAsACourseLinkAn
                                      "    Kinematics solving failed for course link 1 at point 1\n"
                                      "    Kinematics solving failed for course link 2 at point 3\n"));
 }
+
+// --- With the roll-bend-roll solver ----------------------------------------------
+
+namespace {
+
+// Procedures of the example gantry, solved by its own wrist solver.
+class ZELKinPathSolvingWristTest : public ::testing::Test
+{
+protected:
+    explicit ZELKinPathSolvingWristTest(const ZELTest::WristRanges& ranges = ZELTest::WristRanges())
+        : configured(ranges)
+        , g(configured.gantry)
+        , procedure(ZELKinTestAccess::CreateRollLayupProcedure(ZELKinTestAccess::CreateProgram(g.machine), 2540.0,
+                                                               1270.0))
+    {
+    }
+
+    void AddCourse(const QList<ZELMathAxis>& points)
+    {
+        ZELKinTowCourse* course = ZELKinTestAccess::CreateTowCourse(procedure, g.machine->GetMaximumMask());
+        for (const ZELMathAxis& frame : points)
+            Place(ZELKinTestAccess::CreateRollLayupPosition(course), frame);
+    }
+
+    void AddLink(Detail detail, const QList<ZELMathAxis>& points = {})
+    {
+        ZELKinCourseLink* link = ZELKinTestAccess::CreateCourseLink(procedure);
+        auto* source = new ZELTPCourseLink(&g.container, QStringLiteral("link"));
+        source->SetPointsDetail(detail);
+        link->SetToolPathCourseLink(source);
+        for (const ZELMathAxis& frame : points)
+            Place(ZELKinTestAccess::CreatePosition(link), frame);
+    }
+
+    void Place(ZELKinPosition* position, const ZELMathAxis& frame)
+    {
+        position->SetToolPathPoint(new ZELTPPoint(&g.container, frame));
+        frames.append(frame);
+    }
+
+    ZELKinSolutionSeries Solve()
+    {
+        const ZELKinSolver& solver = configured.solver;
+        ::testing::internal::CaptureStdout();
+        const ZELKinSolutionSeries series = solver.Solve(procedure);
+        ::testing::internal::GetCapturedStdout();
+        return series;
+    }
+
+    //! Every axis defined, and the head on `frame`: its compaction point,
+    //! normal and travel.
+    ::testing::AssertionResult Reaches(const ZELKinSolution& solution, const ZELMathAxis& frame) const
+    {
+        for (ZELKinVariable* variable : {g.x, g.y, g.z, g.c, g.a, g.c1}) {
+            if (!solution.IsDefined(variable))
+                return ::testing::AssertionFailure() << variable->GetLabel().toStdString() << " undefined";
+        }
+        const ZELMathAxis reached = configured.solver.GetToolFrame(solution);
+        const bool same = reached.GetOrigin().GetDistanceTo(frame.GetOrigin()) < kReach
+            && reached.GetWDirection().GetAngleTo(frame.GetWDirection()) < kReach
+            && reached.GetUDirection().GetAngleTo(frame.GetUDirection()) < kReach;
+        if (same)
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure() << "the head misses the frame at (" << frame.GetOrigin().GetX() << ", "
+                                             << frame.GetOrigin().GetY() << ", " << frame.GetOrigin().GetZ() << ")";
+    }
+
+    // Frames solved exactly, through a few frame products and arc tangents.
+    static constexpr double kReach = 1e-9;
+
+    ZELTest::ConfiguredGantry configured;
+    ZELTest::Gantry& g;
+    ZELKinRollLayupProcedure* procedure;
+    QList<ZELMathAxis> frames;
+};
+
+// A frame on the wall x = 0, travelling along +Y, its normal tilted by
+// `tilt` (rad) from +X towards +Z; 0 is the pole of the first roll axis.
+ZELMathAxis WallFrame(double y, double tilt)
+{
+    return ZELTest::ToolFrame(ZELMathPoint(0.0, y, 0.0), ZELMathVector(0, 1, 0),
+                              ZELMathVector(std::cos(tilt), 0.0, std::sin(tilt)));
+}
+
+} // namespace
+
+TEST_F(ZELKinPathSolvingWristTest, SingularPositionsBetweenSolvedOnesKeepTheBlendedFirstRollAndMeetTheirFrames)
+{
+    // Arc lengths 10 and 30 of 40 from the first point to the last.
+    AddCourse({WallFrame(0, 0.3), WallFrame(10, 0.0), WallFrame(30, 0.0), WallFrame(40, -0.3)});
+    const ZELKinSolutionSeries series = Solve();
+    ASSERT_EQ(series.GetCount(), 4);
+    const double first = series.GetSolution(0).GetVariableValue(g.c);
+    const double last = series.GetSolution(3).GetVariableValue(g.c);
+    const double fractions[] = {0.0, 0.25, 0.75, 1.0};
+    for (int i = 0; i < 4; ++i) {
+        const ZELKinSolution& solution = series.GetSolution(i);
+        EXPECT_TRUE(Reaches(solution, frames.at(i))) << "position " << i;
+        EXPECT_TRUE(ZELTest::SameDouble(first + fractions[i] * (last - first), solution.GetVariableValue(g.c),
+                                        ZELTest::kTight))
+            << "position " << i;
+    }
+    // The second roll takes the turn nearest the neighbours' blend.
+    const double firstSecondRoll = series.GetSolution(0).GetVariableValue(g.c1);
+    const double lastSecondRoll = series.GetSolution(3).GetVariableValue(g.c1);
+    for (int i = 1; i < 3; ++i) {
+        const double blend = firstSecondRoll + fractions[i] * (lastSecondRoll - firstSecondRoll);
+        EXPECT_LE(std::abs(series.GetSolution(i).GetVariableValue(g.c1) - blend), M_PI) << "position " << i;
+    }
+}
+
+TEST_F(ZELKinPathSolvingWristTest, SingularPositionsBeforeTheFirstAndAfterTheLastSolvedOneKeepItsFirstRoll)
+{
+    AddCourse({WallFrame(0, 0.0), WallFrame(10, 0.3), WallFrame(20, 0.35), WallFrame(30, 0.0)});
+    const ZELKinSolutionSeries series = Solve();
+    ASSERT_EQ(series.GetCount(), 4);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_TRUE(Reaches(series.GetSolution(i), frames.at(i))) << "position " << i;
+    EXPECT_TRUE(ZELTest::SameDouble(series.GetSolution(1).GetVariableValue(g.c),
+                                    series.GetSolution(0).GetVariableValue(g.c), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(series.GetSolution(2).GetVariableValue(g.c),
+                                    series.GetSolution(3).GetVariableValue(g.c), ZELTest::kExact));
+}
+
+TEST_F(ZELKinPathSolvingWristTest, EveryLayupPositionStandsAtTheRollerCentreOfItsPoint)
+{
+    // Waiting before the first solved position, free, solved, blended on a
+    // link, and after the last solved position: every X, Y, Z is the point
+    // raised by the roller radius of 30 mm along its normal.
+    const ZELMathVector travel(1, 0, 0);
+    const ZELMathVector normal(0.0, 0.6, 0.8);
+    const auto at = [&](double x) { return ZELTest::ToolFrame(ZELMathPoint(x, 5.0 * x, -2.0 * x), travel, normal); };
+    const ZELMathAxis singular = ZELTest::ToolFrame(ZELMathPoint(35, 40, 45), ZELMathVector(0, 1, 0),
+                                                    ZELMathVector(-1, 0, 0));
+    AddLink(ZELTPCourseLink::PointsDetailLow, {at(-20), at(-10)});
+    AddCourse({singular, at(0), at(10)});
+    AddLink(ZELTPCourseLink::PointsDetailLow, {at(15), at(20)});
+    AddCourse({at(30), singular});
+    AddLink(ZELTPCourseLink::PointsDetailMedium, {at(50), at(60)});
+    const ZELKinSolutionSeries series = Solve();
+    ASSERT_EQ(series.GetCount(), frames.size());
+    for (int i = 0; i < frames.size(); ++i) {
+        const ZELMathPoint expected = frames.at(i).GetOrigin() + 30.0 * frames.at(i).GetWDirection();
+        EXPECT_LT(g.LinearOf(series.GetSolution(i)).GetDistanceTo(expected), ZELTest::kTight) << "position " << i;
+    }
+}
+
+namespace {
+
+struct SingularProcedureCase
+{
+    const char* name;
+    ZELTest::Range firstRoll;
+    double expected;
+};
+ZELTEST_PRINT_CASE_BY_NAME(SingularProcedureCase);
+
+class ZELKinPathSolvingSingularProcedure : public ZELKinPathSolvingWristTest,
+                                           public ::testing::WithParamInterface<SingularProcedureCase>
+{
+protected:
+    ZELKinPathSolvingSingularProcedure()
+        : ZELKinPathSolvingWristTest(ZELTest::WristRanges{GetParam().firstRoll, {-1.6581, 1.6581}, {-3.2376, 3.2376}})
+    {
+    }
+};
+
+} // namespace
+
+TEST_P(ZELKinPathSolvingSingularProcedure, HoldsTheFirstRollNearestZeroAndMeetsEveryFrame)
+{
+    // A flat course on the wall x = 0, whose normal is the first roll axis,
+    // with links of low detail on it before and after.
+    AddLink(ZELTPCourseLink::PointsDetailLow, {WallFrame(-20, 0.0)});
+    AddCourse({WallFrame(0, 0.0), WallFrame(10, 0.0), WallFrame(20, 0.0), WallFrame(30, 0.0)});
+    AddLink(ZELTPCourseLink::PointsDetailLow, {WallFrame(50, 0.0)});
+    const ZELKinSolutionSeries series = Solve();
+    ASSERT_EQ(series.GetCount(), frames.size());
+    for (int i = 0; i < frames.size(); ++i) {
+        const ZELKinSolution& solution = series.GetSolution(i);
+        EXPECT_TRUE(Reaches(solution, frames.at(i))) << "position " << i;
+        EXPECT_TRUE(ZELTest::SameDouble(GetParam().expected, solution.GetVariableValue(g.c), ZELTest::kExact))
+            << "position " << i;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(FirstRollRanges, ZELKinPathSolvingSingularProcedure,
+                         ::testing::Values(SingularProcedureCase{"AroundZero", {-3.4994, 3.4994}, 0.0},
+                                           SingularProcedureCase{"AboveZero", {0.5, 3.0}, 0.5},
+                                           SingularProcedureCase{"BelowZero", {-3.0, -0.5}, -0.5}));
 
 // --- Diagnostics -------------------------------------------------------------
 

@@ -1,6 +1,8 @@
 #include <zelkinrbrsolver.h>
 #include <zelkinrbrsolver_p.h>
 
+#include "zelkintestgantry.h"
+
 #include <zelkintestaccess.h>
 
 #include <zeltestsupport.h>
@@ -8,100 +10,28 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
+using ZELTest::ConfiguredGantry;
+using ZELTest::Gantry;
 using ZELTest::kNaN;
+using ZELTest::Range;
+using ZELTest::ToolFrame;
+using ZELTest::WristRanges;
 
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kDefaultTolerance = 0.001;
-const QString kExampleConfig = QStringLiteral(
-    "first-roll-reference: 0,1,0; bend-reference: 0,0,-1; second-roll-reference: 1,0,0; tip-point: 0,0,-330");
 
 template <typename Case>
 std::string CaseName(const ::testing::TestParamInfo<Case>& info)
 {
     return info.param.name;
 }
-
-struct Range
-{
-    double minimum;
-    double maximum;
-};
-
-// The wrist ranges of the example gantry.
-struct WristRanges
-{
-    Range firstRoll{-3.4994, 3.4994};
-    Range bend{-1.6581, 1.6581};
-    Range secondRoll{-3.2376, 3.2376};
-};
-
-// The example gantry: X, Y, Z carry the first roll C about X through the
-// origin, the bend A about Y through (0, 0, -150) and the second roll C1
-// about Z through (0, 0, -300). With every axis at zero the head's normal is
-// +Z and it travels along +X.
-struct Gantry
-{
-    explicit Gantry(const WristRanges& ranges = WristRanges(), double rollerRadius = 30.0)
-    {
-        ZELKinTestAccess::Head head;
-        head.rollerRadius = rollerRadius;
-        machine = ZELKinTestAccess::CreateMachine(&container, head);
-        x = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"), ZELKinVariable::Linear, -1e5, 1e5);
-        y = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Y"), ZELKinVariable::Linear, -1e5, 1e5);
-        z = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Z"), ZELKinVariable::Linear, -1e5, 1e5);
-        c = Rotary(QStringLiteral("C"), ranges.firstRoll);
-        a = Rotary(QStringLiteral("A"), ranges.bend);
-        c1 = Rotary(QStringLiteral("C1"), ranges.secondRoll);
-        ZELKinJoint* xJoint = ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("X"), machine, x);
-        ZELKinJoint* yJoint =
-            ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("Y"), machine, y, xJoint, ZELMathVector(0, 1, 0));
-        carrier =
-            ZELKinTestAccess::CreateTranslationJoint(QStringLiteral("Z"), machine, z, yJoint, ZELMathVector(0, 0, 1));
-        firstRoll = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("C"), machine, c, carrier,
-                                                        ZELMathVector(1, 0, 0), ZELMathPoint(0, 0, 0));
-        bend = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("A"), machine, a, firstRoll, ZELMathVector(0, 1, 0),
-                                                   ZELMathPoint(0, 0, -150));
-        secondRoll = ZELKinTestAccess::CreateRotaryJoint(QStringLiteral("C1"), machine, c1, bend,
-                                                         ZELMathVector(0, 0, 1), ZELMathPoint(0, 0, -300));
-    }
-
-    ZELKinVariable* Rotary(const QString& name, const Range& range)
-    {
-        return ZELKinTestAccess::CreateVariable(machine, name, ZELKinVariable::Rotary, range.minimum, range.maximum);
-    }
-
-    //! A solution with every axis of the gantry set.
-    ZELKinSolution Solution(const ZELMathPoint& linear, double first, double middle, double second) const
-    {
-        ZELKinSolution solution;
-        solution.SetVariableValue(x, linear.GetX());
-        solution.SetVariableValue(y, linear.GetY());
-        solution.SetVariableValue(z, linear.GetZ());
-        solution.SetVariableValue(c, first);
-        solution.SetVariableValue(a, middle);
-        solution.SetVariableValue(c1, second);
-        return solution;
-    }
-
-    ZELGeoContainer container;
-    ZELKinAFPMachine* machine = nullptr;
-    ZELKinVariable* x = nullptr;
-    ZELKinVariable* y = nullptr;
-    ZELKinVariable* z = nullptr;
-    ZELKinVariable* c = nullptr;
-    ZELKinVariable* a = nullptr;
-    ZELKinVariable* c1 = nullptr;
-    ZELKinJoint* carrier = nullptr;
-    ZELKinRotaryJoint* firstRoll = nullptr;
-    ZELKinRotaryJoint* bend = nullptr;
-    ZELKinRotaryJoint* secondRoll = nullptr;
-};
 
 // Lets the tests read what the solver keeps.
 class InspectedSolver : public ZELKinRBRSolver
@@ -145,12 +75,6 @@ private:
 ZELMathVector Unit(double x, double y, double z)
 {
     return ZELMathVector(x, y, z).GetNormalized();
-}
-
-// A tool frame: origin, travel direction u and normal w (v completes them).
-ZELMathAxis Frame(const ZELMathPoint& origin, const ZELMathVector& travel, const ZELMathVector& normal)
-{
-    return ZELMathAxis(origin, travel, normal.Cross(travel), normal);
 }
 
 // The values of `variable` in solution order, a run of equal values counted once.
@@ -281,7 +205,7 @@ TEST(ZELKinRBRSolver, ATreeLessThanThreeLevelsDeepLeavesTheWristMissingAndConfig
     EXPECT_EQ(solver.Private()->firstRoll, nullptr);
     EXPECT_EQ(solver.Private()->bend, nullptr);
     EXPECT_EQ(solver.Private()->secondRoll, nullptr);
-    EXPECT_THROW_MESSAGE(solver.Configure(kExampleConfig), ZELSysException, "not a rotary joint");
+    EXPECT_THROW_MESSAGE(solver.Configure(ZELTest::kGantrySolverConfig), ZELSysException, "not a rotary joint");
     EXPECT_TRUE(solver.Solve(ZELMathAxis(), true).isEmpty());
 }
 
@@ -372,7 +296,7 @@ TEST(ZELKinRBRSolver, ConfigureBuildsEachJointFrameFromPivotAxisAndReference)
 {
     Gantry gantry;
     InspectedSolver solver(gantry.machine);
-    solver.Configure(kExampleConfig);
+    solver.Configure(ZELTest::kGantrySolverConfig);
     const ZELKinRBRSolverPrivate* d = solver.Private();
     EXPECT_TRUE(SameFrame(ZELMathAxis(ZELMathPoint(0, 0, 0), ZELMathVector(0, 1, 0), ZELMathVector(0, 0, 1),
                                       ZELMathVector(1, 0, 0)),
@@ -479,10 +403,10 @@ TEST(ZELKinRBRSolver, AnUnknownKeyLogsAWarningAndChangesNothing)
 {
     Gantry gantry;
     InspectedSolver configured(gantry.machine);
-    configured.Configure(kExampleConfig);
+    configured.Configure(ZELTest::kGantrySolverConfig);
     InspectedSolver solver(gantry.machine);
     MessageLog log;
-    solver.Configure(kExampleConfig + QStringLiteral("; foo: 1,2,3"));
+    solver.Configure(ZELTest::kGantrySolverConfig + QStringLiteral("; foo: 1,2,3"));
     EXPECT_EQ(log.warnings, QStringList{QStringLiteral("Unknown solver variable: foo")});
     const ZELKinRBRSolverPrivate* expected = configured.Private();
     const ZELKinRBRSolverPrivate* actual = solver.Private();
@@ -552,26 +476,13 @@ INSTANTIATE_TEST_SUITE_P(Vectors, ZELKinRBRSolverConfigDeathTest,
 
 namespace {
 
-// A configured example gantry.
-struct Configured
-{
-    explicit Configured(const WristRanges& ranges = WristRanges(), double rollerRadius = 30.0)
-        : gantry(ranges, rollerRadius)
-        , solver(gantry.machine)
-    {
-        solver.Configure(kExampleConfig);
-    }
-
-    Gantry gantry;
-    ZELKinRBRSolver solver;
-};
 
 } // namespace
 
 TEST(ZELKinRBRSolver, TheHomeFrameGivesTheHomeWristWithTheRollerCentreInTraoriForm)
 {
-    Configured configured;
-    const ZELMathAxis frame = Frame(ZELMathPoint(100, 200, -900), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1));
+    ConfiguredGantry configured;
+    const ZELMathAxis frame = ToolFrame(ZELMathPoint(100, 200, -900), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1));
     const QList<ZELKinSolution> solutions = configured.solver.Solve(frame, false);
     // Half a turn of C would need a bend of half a turn: only C = 0 is left.
     ASSERT_EQ(solutions.size(), 1);
@@ -587,10 +498,10 @@ TEST(ZELKinRBRSolver, TheHomeFrameGivesTheHomeWristWithTheRollerCentreInTraoriFo
 
 TEST(ZELKinRBRSolver, EverySolutionPlacesTheRollerCentreAlongTheNormal)
 {
-    Configured configured(WristRanges(), 12.5);
+    ConfiguredGantry configured(WristRanges(), 12.5);
     const ZELMathVector normal = Unit(0.3, -0.4, 0.8);
     const ZELMathVector travel = Unit(0.0, 0.8, 0.4);
-    const QList<ZELKinSolution> solutions = configured.solver.Solve(Frame(ZELMathPoint(1, 2, 3), travel, normal), false);
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(ToolFrame(ZELMathPoint(1, 2, 3), travel, normal), false);
     ASSERT_FALSE(solutions.isEmpty());
     for (const ZELKinSolution& solution : solutions) {
         EXPECT_TRUE(solution.IsTraori());
@@ -604,7 +515,9 @@ namespace {
 struct SingularCase
 {
     const char* name;
-    //! Angle of the normal from the first roll axis, in normal tolerances.
+    //! The pole: +1 along the first roll axis, -1 against it.
+    double pole;
+    //! Angle of the normal from that pole, in normal tolerances.
     double tolerances;
     bool infinite;
 };
@@ -616,13 +529,14 @@ class ZELKinRBRSolverSingular : public ::testing::TestWithParam<SingularCase>
 
 } // namespace
 
-TEST_P(ZELKinRBRSolverSingular, WithoutTraoriANormalAlongTheFirstRollAxisGivesOneInfiniteSolution)
+TEST_P(ZELKinRBRSolverSingular, WithoutTraoriANormalAtEitherPoleOfTheFirstRollAxisGivesOneInfiniteSolution)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const double angle = GetParam().tolerances * kDefaultTolerance;
-    const ZELMathVector normal(std::cos(angle), 0.0, std::sin(angle));
-    const ZELMathVector travel(-std::sin(angle), 0.0, std::cos(angle));
-    const QList<ZELKinSolution> solutions = configured.solver.Solve(Frame(ZELMathPoint(), travel, normal), false);
+    const double pole = GetParam().pole;
+    const ZELMathVector normal(pole * std::cos(angle), 0.0, std::sin(angle));
+    const ZELMathVector travel(-pole * std::sin(angle), 0.0, std::cos(angle));
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(ToolFrame(ZELMathPoint(), travel, normal), false);
     ASSERT_FALSE(solutions.isEmpty());
     if (GetParam().infinite) {
         ASSERT_EQ(solutions.size(), 1);
@@ -634,19 +548,31 @@ TEST_P(ZELKinRBRSolverSingular, WithoutTraoriANormalAlongTheFirstRollAxisGivesOn
 }
 
 INSTANTIATE_TEST_SUITE_P(Normals, ZELKinRBRSolverSingular,
-                         ::testing::Values(SingularCase{"AlongTheAxis", 0.0, true},
-                                           SingularCase{"WithinTheTolerance", 0.99, true},
-                                           SingularCase{"JustOutsideTheTolerance", 1.01, false}),
+                         ::testing::Values(SingularCase{"AlongTheAxis", 1.0, 0.0, true},
+                                           SingularCase{"WithinTheTolerance", 1.0, 0.99, true},
+                                           SingularCase{"JustOutsideTheTolerance", 1.0, 1.01, false},
+                                           SingularCase{"AgainstTheAxis", -1.0, 0.0, true},
+                                           SingularCase{"WithinTheToleranceOfTheOppositePole", -1.0, 0.99, true},
+                                           SingularCase{"JustOutsideTheToleranceOfTheOppositePole", -1.0, 1.01,
+                                                        false}),
                          CaseName<SingularCase>);
 
-TEST(ZELKinRBRSolver, WithTraoriANormalAlongTheFirstRollAxisTakesTheFirstRollFromTheTravel)
+namespace {
+
+class ZELKinRBRSolverPole : public ::testing::TestWithParam<double>
 {
-    Configured configured;
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverPole, WithTraoriANormalAtThePoleTakesTheFirstRollFromTheTravel)
+{
+    ConfiguredGantry configured;
     // Seen along X the travel lies 0.4 rad counter-clockwise of the first roll's
     // zero direction +Z.
     const ZELMathVector travel(0.0, -std::sin(0.4), std::cos(0.4));
     const QList<ZELKinSolution> solutions =
-        configured.solver.Solve(Frame(ZELMathPoint(), travel, ZELMathVector(1, 0, 0)), true);
+        configured.solver.Solve(ToolFrame(ZELMathPoint(), travel, ZELMathVector(GetParam(), 0, 0)), true);
     // 0.4 + pi lies beyond the maximum of 3.4994.
     EXPECT_TRUE(SameValues({0.4, 0.4 - kPi}, DistinctRuns(solutions, configured.gantry.c), ZELTest::kTight));
     for (const ZELKinSolution& solution : solutions)
@@ -654,24 +580,19 @@ TEST(ZELKinRBRSolver, WithTraoriANormalAlongTheFirstRollAxisTakesTheFirstRollFro
                                         ZELTest::kTight));
 }
 
-TEST(ZELKinRBRSolver, ATravelWithoutDirectionAcrossASingularFirstRollStartsAtZeroOutsideTheRange)
+INSTANTIATE_TEST_SUITE_P(Poles, ZELKinRBRSolverPole, ::testing::Values(1.0, -1.0),
+                         [](const ::testing::TestParamInfo<double>& info) {
+                             return std::string(info.param > 0.0 ? "AlongTheAxis" : "AgainstTheAxis");
+                         });
+
+TEST(ZELKinRBRSolver, ATravelWithoutDirectionAcrossASingularFirstRollStartsAtZeroAndKeepsItsHalfTurnsInRange)
 {
     WristRanges ranges;
     ranges.firstRoll = {0.5, 4.0};
-    Configured configured(ranges);
+    ConfiguredGantry configured(ranges);
     // A frame whose travel is its normal: nothing of it shows across the first roll.
     const ZELMathAxis frame(ZELMathPoint(), ZELMathVector(1, 0, 0), ZELMathVector(0, 1, 0), ZELMathVector(1, 0, 0));
     const QList<ZELKinSolution> solutions = configured.solver.Solve(frame, true);
-    EXPECT_TRUE(SameValues({0.0, kPi}, DistinctRuns(solutions, configured.gantry.c), ZELTest::kTight));
-}
-
-TEST(ZELKinRBRSolver, ANormalAtTheOppositePoleStartsAtZeroBroughtIntoTheRange)
-{
-    WristRanges ranges;
-    ranges.firstRoll = {0.5, 4.0};
-    Configured configured(ranges);
-    const QList<ZELKinSolution> solutions =
-        configured.solver.Solve(Frame(ZELMathPoint(), ZELMathVector(0, 0, 1), ZELMathVector(-1, 0, 0)), false);
     EXPECT_TRUE(SameValues({kPi}, DistinctRuns(solutions, configured.gantry.c), ZELTest::kTight));
 }
 
@@ -717,12 +638,12 @@ TEST_P(ZELKinRBRSolverFirstRoll, CandidatesComeInHalfTurnsDownThenUp)
     // 0.2 rad at the even turns and about pi - 0.2 at the odd ones: a bend
     // range of a whole turn keeps them all.
     ranges.bend = {-3.2, 3.2};
-    Configured configured(ranges);
+    ConfiguredGantry configured(ranges);
     // Seen along X the normal lies 0.3 rad counter-clockwise of +Z.
     const ZELMathVector normal = Unit(0.2, -std::sin(0.3), std::cos(0.3));
     const ZELMathVector travel = Unit(0.0, std::cos(0.3), std::sin(0.3));
     const QList<ZELKinSolution> solutions =
-        configured.solver.Solve(Frame(ZELMathPoint(), travel, normal), false);
+        configured.solver.Solve(ToolFrame(ZELMathPoint(), travel, normal), false);
     EXPECT_TRUE(SameValues(GetParam().expected, DistinctRuns(solutions, configured.gantry.c), 1e-12));
 }
 
@@ -732,14 +653,32 @@ INSTANTIATE_TEST_SUITE_P(
         FirstRollCase{"TwoTurnsWide", {-2.0 * kPi, 2.0 * kPi}, {0.3, 0.3 - kPi, 0.3 - 2.0 * kPi, 0.3 + kPi}},
         FirstRollCase{"AboveTheAngle", {2.0, 9.0}, {0.3 + kPi, 0.3 + 2.0 * kPi}},
         FirstRollCase{"BelowTheAngle", {-9.0, -2.0}, {0.3 - kPi, 0.3 - 2.0 * kPi}},
-        FirstRollCase{"NarrowerThanHalfATurnKeepsTheLastAngleTried", {-0.5, 0.2}, {0.3 - kPi}},
+        FirstRollCase{"NarrowerThanHalfATurnHoldingNoHalfTurnGivesNone", {-0.5, 0.2}, {}},
+        FirstRollCase{"NarrowerThanHalfATurnHoldingOne", {-3.0, -2.5}, {0.3 - kPi}},
+        FirstRollCase{"FarAboveZero", {100.0 * kPi, 102.0 * kPi}, {0.3 + 100.0 * kPi, 0.3 + 101.0 * kPi}},
+        FirstRollCase{"FarBelowZero", {-102.0 * kPi, -100.0 * kPi}, {0.3 - 101.0 * kPi, 0.3 - 102.0 * kPi}},
+        FirstRollCase{"WiderThanEightHalfTurnsEachWayListsTheNearestEight", {-20.0 * kPi, 20.0 * kPi},
+                      EightHalfTurnsEachWay()},
         FirstRollCase{"InfiniteLimitsStopAfterEightHalfTurnsEachWay", {-kInfinity, kInfinity},
                       EightHalfTurnsEachWay()},
         FirstRollCase{"HugeLimitsStopAfterEightHalfTurnsEachWay", {-1e300, 1e300}, EightHalfTurnsEachWay()},
-        FirstRollCase{"NaNLimitsAreNoLimits", {kNaN, kNaN}, EightHalfTurnsEachWay()},
-        FirstRollCase{"HugeMinimumStopsBringingTheAngleUpAfterEightHalfTurns", {1e300, kInfinity},
-                      Turns(0.3 + 7.0 * kPi, kPi, 9)}),
+        FirstRollCase{"NaNLimitsAreNoLimits", {kNaN, kNaN}, EightHalfTurnsEachWay()}),
     CaseName<FirstRollCase>);
+
+TEST(ZELKinRBRSolver, AMinimumTooLargeForHalfTurnsToShowGivesAtMostOneCandidateWithinTheLimits)
+{
+    WristRanges ranges;
+    ranges.firstRoll = {1e300, kInfinity};
+    ranges.bend = {-3.2, 3.2};
+    ConfiguredGantry configured(ranges);
+    const ZELMathVector normal = Unit(0.2, -std::sin(0.3), std::cos(0.3));
+    const ZELMathVector travel = Unit(0.0, std::cos(0.3), std::sin(0.3));
+    const std::vector<double> firstRolls =
+        DistinctRuns(configured.solver.Solve(ToolFrame(ZELMathPoint(), travel, normal), false), configured.gantry.c);
+    EXPECT_LE(firstRolls.size(), 1u);
+    for (const double firstRoll : firstRolls)
+        EXPECT_GE(firstRoll, 1e300);
+}
 
 namespace {
 
@@ -772,10 +711,10 @@ TEST_P(ZELKinRBRSolverSecondRoll, CandidatesComeInWholeTurnsDownThenUp)
 {
     WristRanges ranges;
     ranges.secondRoll = GetParam().range;
-    Configured configured(ranges);
+    ConfiguredGantry configured(ranges);
     const double angle = GetParam().angle;
     const QList<ZELKinSolution> solutions = configured.solver.Solve(
-        Frame(ZELMathPoint(), ZELMathVector(std::cos(angle), std::sin(angle), 0.0), ZELMathVector(0, 0, 1)), false);
+        ToolFrame(ZELMathPoint(), ZELMathVector(std::cos(angle), std::sin(angle), 0.0), ZELMathVector(0, 0, 1)), false);
     std::vector<double> values;
     for (const ZELKinSolution& solution : solutions) {
         EXPECT_TRUE(ZELTest::SameDouble(0.0, solution.GetVariableValue(configured.gantry.c), ZELTest::kTight));
@@ -791,6 +730,12 @@ INSTANTIATE_TEST_SUITE_P(
         SecondRollCase{"FourTurnsWide", {-4.0 * kPi, 4.0 * kPi}, 1.0, {1.0, 1.0 - 2.0 * kPi, 1.0 - 4.0 * kPi, 1.0 + 2.0 * kPi}},
         SecondRollCase{"AngleBelowTheRange", {4.0, 10.0}, 1.0, {1.0 + 2.0 * kPi}},
         SecondRollCase{"NoTurnFits", {1.5, 2.0}, 1.0, {}},
+        SecondRollCase{"TurnsBelowTheAngleAreCheckedAgainstTheMaximumToo", {-20.0, -10.0}, 3.1,
+                       {3.1 - 6.0 * kPi}},
+        SecondRollCase{"TurnsAboveTheAngleAreCheckedAgainstTheMinimumToo", {10.0, 20.0}, 1.0,
+                       {1.0 + 4.0 * kPi, 1.0 + 6.0 * kPi}},
+        SecondRollCase{"FarAboveZero", {100.0 * kPi, 102.0 * kPi}, 1.0, {1.0 + 100.0 * kPi}},
+        SecondRollCase{"FarBelowZero", {-102.0 * kPi, -100.0 * kPi}, 1.0, {1.0 - 102.0 * kPi}},
         SecondRollCase{"InfiniteLimitsStopAfterEightTurnsEachWay", {-kInfinity, kInfinity}, 1.0,
                        EightTurnsEachWayFromOne()},
         SecondRollCase{"NaNLimitsAreNoLimits", {kNaN, kNaN}, 1.0, EightTurnsEachWayFromOne()},
@@ -820,13 +765,13 @@ TEST_P(ZELKinRBRSolverBend, ABendBelowTheNormalToleranceIsSnappedToZero)
 {
     WristRanges ranges;
     ranges.firstRoll = {-1.0, 1.0};
-    Configured configured(ranges);
+    ConfiguredGantry configured(ranges);
     if (!std::isnan(GetParam().tolerance))
         configured.solver.SetAngleTolerance(GetParam().tolerance);
     // Bending A by b about Y turns the home normal +Z to (sin b, 0, cos b).
     const double bend = GetParam().bend;
     const QList<ZELKinSolution> solutions = configured.solver.Solve(
-        Frame(ZELMathPoint(), ZELMathVector(std::cos(bend), 0, -std::sin(bend)), ZELMathVector(std::sin(bend), 0, std::cos(bend))),
+        ToolFrame(ZELMathPoint(), ZELMathVector(std::cos(bend), 0, -std::sin(bend)), ZELMathVector(std::sin(bend), 0, std::cos(bend))),
         false);
     ASSERT_EQ(solutions.size(), 1);
     const double tolerance = GetParam().expected == 0.0 ? ZELTest::kExact : ZELTest::kTight;
@@ -842,14 +787,59 @@ INSTANTIATE_TEST_SUITE_P(Bends, ZELKinRBRSolverBend,
                                            BendCase{"ZeroTolerance", 0.0005, 0.0, 0.0005}),
                          CaseName<BendCase>);
 
+namespace {
+
+// A bend near zero against a bend range, with the default tolerance.
+struct BendRangeCase
+{
+    const char* name;
+    double bend;
+    Range range;
+    std::vector<double> expected;
+};
+ZELTEST_PRINT_CASE_BY_NAME(BendRangeCase);
+
+class ZELKinRBRSolverBendRange : public ::testing::TestWithParam<BendRangeCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverBendRange, IsCheckedAfterTheSnapToZero)
+{
+    WristRanges ranges;
+    ranges.firstRoll = {-1.0, 1.0};
+    ranges.bend = GetParam().range;
+    ConfiguredGantry configured(ranges);
+    // Bending A by b about Y turns the home normal +Z to (sin b, 0, cos b).
+    const double bend = GetParam().bend;
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(
+        ToolFrame(ZELMathPoint(), ZELMathVector(std::cos(bend), 0, -std::sin(bend)),
+                  ZELMathVector(std::sin(bend), 0, std::cos(bend))),
+        false);
+    std::vector<double> bends;
+    for (const ZELKinSolution& solution : solutions)
+        bends.push_back(solution.GetVariableValue(configured.gantry.a));
+    EXPECT_TRUE(SameValues(GetParam().expected, bends, ZELTest::kExact));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Bends, ZELKinRBRSolverBendRange,
+    ::testing::Values(BendRangeCase{"NegativeSnappedIntoARangeFromZero", -0.0005, {0.0, 1.0}, {0.0}},
+                      BendRangeCase{"SnappedOutOfARangeFromInsideTheTolerance", 0.0001, {0.0002, 1.0}, {}},
+                      BendRangeCase{"SnappedOutOfARangeThatHeldIt", 0.0005, {0.0002, 1.0}, {}},
+                      BendRangeCase{"SnappedOutOfARangeUpToInsideTheTolerance", -0.0005, {-1.0, -0.0002}, {}},
+                      BendRangeCase{"SnappedIntoARangeAroundZero", 0.0005, {-0.0002, 0.0002}, {0.0}}),
+    CaseName<BendRangeCase>);
+
 TEST(ZELKinRBRSolver, ABendOutsideItsRangeDropsTheFirstRollCandidate)
 {
     WristRanges ranges;
     ranges.bend = {0.0, 1.6};
-    Configured configured(ranges);
+    ConfiguredGantry configured(ranges);
     const ZELMathVector normal(std::sin(0.5), 0.0, std::cos(0.5));
-    const QList<ZELKinSolution> solutions =
-        configured.solver.Solve(Frame(ZELMathPoint(), ZELMathVector(std::cos(0.5), 0, -std::sin(0.5)), normal), false);
+    const ZELMathVector travel(std::cos(0.5), 0, -std::sin(0.5));
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(ToolFrame(ZELMathPoint(), travel, normal), false);
     // C = 0 bends by +0.5; C = +-pi would bend by -0.5.
     EXPECT_TRUE(SameValues({0.0}, DistinctRuns(solutions, configured.gantry.c), ZELTest::kTight));
     for (const ZELKinSolution& solution : solutions)
@@ -860,10 +850,10 @@ TEST(ZELKinRBRSolver, AFrameNoBendReachesGivesNoSolution)
 {
     WristRanges ranges;
     ranges.bend = {0.6, 0.7};
-    Configured configured(ranges);
+    ConfiguredGantry configured(ranges);
     const ZELMathVector normal(std::sin(0.5), 0.0, std::cos(0.5));
     EXPECT_TRUE(configured.solver
-                    .Solve(Frame(ZELMathPoint(), ZELMathVector(std::cos(0.5), 0, -std::sin(0.5)), normal), true)
+                    .Solve(ToolFrame(ZELMathPoint(), ZELMathVector(std::cos(0.5), 0, -std::sin(0.5)), normal), true)
                     .isEmpty());
 }
 
@@ -893,7 +883,7 @@ TEST_P(ZELKinRBRSolverNonFinite, FrameGivesNoSolutionAndEndsEveryLoop)
     ranges.firstRoll = {-kInfinity, kInfinity};
     ranges.bend = {kNaN, kNaN};
     ranges.secondRoll = {-kInfinity, kInfinity};
-    Configured configured(ranges);
+    ConfiguredGantry configured(ranges);
     EXPECT_TRUE(configured.solver.Solve(GetParam().frame, true).isEmpty());
 }
 
@@ -911,10 +901,10 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ZELKinRBRSolver, ANaNNormalToleranceNeitherSnapsNorFindsTheAxisAndStillEnds)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     configured.solver.SetAngleTolerance(kNaN);
     const QList<ZELKinSolution> solutions =
-        configured.solver.Solve(Frame(ZELMathPoint(), ZELMathVector(0, 0, 1), ZELMathVector(1, 0, 0)), false);
+        configured.solver.Solve(ToolFrame(ZELMathPoint(), ZELMathVector(0, 0, 1), ZELMathVector(1, 0, 0)), false);
     ASSERT_FALSE(solutions.isEmpty());
     EXPECT_FALSE(solutions.first().IsInfinite());
 }
@@ -937,9 +927,9 @@ class ZELKinRBRSolverBetween : public ::testing::TestWithParam<BetweenCase>
 
 } // namespace
 
-TEST_P(ZELKinRBRSolverBetween, AnInfiniteEndGivesTheOtherEndAtTheFrameOrigin)
+TEST_P(ZELKinRBRSolverBetween, AnInfiniteEndGivesTheOtherEndAtTheRollerCentre)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const Gantry& g = configured.gantry;
     ZELKinSolution from = g.Solution(ZELMathPoint(1, 2, 3), 0.1, 0.2, 0.3);
     ZELKinSolution to = g.Solution(ZELMathPoint(4, 5, 6), 0.4, 0.5, 0.6);
@@ -948,7 +938,8 @@ TEST_P(ZELKinRBRSolverBetween, AnInfiniteEndGivesTheOtherEndAtTheFrameOrigin)
         from = ZELKinSolution();
     if (GetParam().toInfinite)
         to = ZELKinSolution();
-    const ZELMathAxis frame = Frame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1));
+    // The roller centre lies 30 mm along the normal (0, 0.6, 0.8) from the origin.
+    const ZELMathAxis frame = ToolFrame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), ZELMathVector(0, 0.6, 0.8));
     const ZELKinSolution result = configured.solver.Solve(frame, 0.25, from, to);
     if (GetParam().fromInfinite && GetParam().toInfinite) {
         EXPECT_TRUE(result.IsInfinite());
@@ -956,10 +947,7 @@ TEST_P(ZELKinRBRSolverBetween, AnInfiniteEndGivesTheOtherEndAtTheFrameOrigin)
     }
     const ZELKinSolution& kept = GetParam().fromInfinite ? to : from;
     EXPECT_EQ(result.IsTraori(), kept.IsTraori());
-    EXPECT_TRUE(SamePoint(ZELMathPoint(7, 8, 9),
-                          ZELMathPoint(result.GetVariableValue(g.x), result.GetVariableValue(g.y),
-                                       result.GetVariableValue(g.z)),
-                          ZELTest::kExact));
+    EXPECT_TRUE(SamePoint(ZELMathPoint(7, 26, 33), g.LinearOf(result), ZELTest::kTight));
     for (ZELKinVariable* wrist : {g.c, g.a, g.c1})
         EXPECT_TRUE(ZELTest::SameDouble(kept.GetVariableValue(wrist), result.GetVariableValue(wrist), ZELTest::kExact));
 }
@@ -972,14 +960,14 @@ INSTANTIATE_TEST_SUITE_P(Ends, ZELKinRBRSolverBetween,
 
 TEST(ZELKinRBRSolver, BetweenTwoSolvedPointsTheWristIsBlendedAndTheRollerCentreTaken)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const Gantry& g = configured.gantry;
     ZELKinSolution from = g.Solution(ZELMathPoint(1, 2, 3), 0.0, 0.2, 1.0);
     from.SetVariableValue(ZELKinTestAccess::CreateVariable(g.machine, QStringLiteral("U")), 1.0);
     const ZELKinSolution to = g.Solution(ZELMathPoint(4, 5, 6), 1.0, 0.4, -1.0);
     const ZELMathVector normal = Unit(0, 0.6, 0.8);
     const ZELKinSolution result =
-        configured.solver.Solve(Frame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), normal), 0.25, from, to);
+        configured.solver.Solve(ToolFrame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), normal), 0.25, from, to);
     EXPECT_TRUE(result.IsTraori());
     EXPECT_EQ(result.GetDefinedVariables().size(), 6);
     EXPECT_TRUE(ZELTest::SameDouble(0.25, result.GetVariableValue(g.c), ZELTest::kTight));
@@ -987,6 +975,232 @@ TEST(ZELKinRBRSolver, BetweenTwoSolvedPointsTheWristIsBlendedAndTheRollerCentreT
     EXPECT_TRUE(ZELTest::SameDouble(0.5, result.GetVariableValue(g.c1), ZELTest::kTight));
     EXPECT_TRUE(SamePoint(ZELMathPoint(7, 8, 9) + 30.0 * normal, configured.solver.GetTipPoint(result), ZELTest::kTight));
 }
+
+// Solving a frame nearest a guess.
+
+namespace {
+
+struct NearestCase
+{
+    const char* name;
+    Range firstRollRange;
+    //! The normal lies along (+1) or against (-1) the first roll axis.
+    double pole;
+    //! The first roll of the guess; NaN for a guess without one.
+    double guessedFirstRoll;
+    double firstRoll;
+};
+ZELTEST_PRINT_CASE_BY_NAME(NearestCase);
+
+class ZELKinRBRSolverNearest : public ::testing::TestWithParam<NearestCase>
+{
+};
+
+// A frame at a pole of the first roll axis X, travelling across it.
+ZELMathAxis PoleFrame(double pole)
+{
+    return ToolFrame(ZELMathPoint(100, 200, -300), Unit(0.0, 0.6, 0.8), ZELMathVector(pole, 0, 0));
+}
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverNearest, WhereTheWristIsFreeKeepsTheFirstRollAndMeetsTheFrame)
+{
+    WristRanges ranges;
+    ranges.firstRoll = GetParam().firstRollRange;
+    ConfiguredGantry configured(ranges);
+    const Gantry& g = configured.gantry;
+    ZELKinSolution guess = g.Solution(ZELMathPoint(1, 2, 3), GetParam().guessedFirstRoll, 0.3, 0.2);
+    const ZELMathAxis frame = PoleFrame(GetParam().pole);
+    const ZELKinSolution solution = configured.solver.SolveNearest(frame, guess);
+    ASSERT_EQ(solution.GetDefinedVariables().size(), 6);
+    EXPECT_TRUE(solution.IsTraori());
+    EXPECT_TRUE(ZELTest::SameDouble(GetParam().firstRoll, solution.GetVariableValue(g.c), ZELTest::kExact));
+    EXPECT_TRUE(SamePoint(frame.GetOrigin() + 30.0 * frame.GetWDirection(), g.LinearOf(solution), ZELTest::kTight));
+    const ZELMathAxis reached = configured.solver.GetToolFrame(solution);
+    EXPECT_TRUE(SamePoint(frame.GetOrigin(), reached.GetOrigin(), 1e-9));
+    EXPECT_TRUE(SameVector(frame.GetWDirection(), reached.GetWDirection(), 1e-9));
+    EXPECT_TRUE(SameVector(frame.GetUDirection(), reached.GetUDirection(), 1e-9));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Guesses, ZELKinRBRSolverNearest,
+    ::testing::Values(NearestCase{"KeepsTheGuessAlongTheAxis", {-3.4994, 3.4994}, 1.0, 0.7, 0.7},
+                      NearestCase{"KeepsTheGuessAgainstTheAxis", {-3.4994, 3.4994}, -1.0, -2.0, -2.0},
+                      NearestCase{"WithoutAGuessTakesZero", {-3.4994, 3.4994}, 1.0, kNaN, 0.0},
+                      NearestCase{"WithoutAGuessTakesTheMinimumAboveZero", {0.5, 3.0}, 1.0, kNaN, 0.5},
+                      NearestCase{"WithoutAGuessTakesTheMaximumBelowZero", {-3.0, -0.5}, -1.0, kNaN, -0.5},
+                      NearestCase{"AGuessBeyondTheLimitsTakesTheNearestLimit", {-1.0, 1.0}, 1.0, 1.5, 1.0}),
+    CaseName<NearestCase>);
+
+TEST(ZELKinRBRSolver, WhereTheWristIsFreeTheSecondRollIsItsTurnNearestTheGuess)
+{
+    WristRanges ranges;
+    ranges.secondRoll = {-kInfinity, kInfinity};
+    ConfiguredGantry configured(ranges);
+    const Gantry& g = configured.gantry;
+    const ZELMathAxis frame = PoleFrame(1.0);
+    const double angle =
+        configured.solver.SolveNearest(frame, g.Solution(ZELMathPoint(), 0.7, 0.0, 0.0)).GetVariableValue(g.c1);
+    ASSERT_FALSE(std::isnan(angle));
+    EXPECT_LE(std::abs(angle), kPi);
+    const ZELKinSolution solution =
+        configured.solver.SolveNearest(frame, g.Solution(ZELMathPoint(), 0.7, 0.0, angle + 4.0 * kPi + 3.0));
+    EXPECT_TRUE(ZELTest::SameDouble(angle + 4.0 * kPi, solution.GetVariableValue(g.c1), ZELTest::kTight));
+}
+
+TEST(ZELKinRBRSolver, WhereTheWristIsFreeTheSecondRollIsTheTurnWithinItsLimitsNearestTheGuess)
+{
+    ConfiguredGantry endless(WristRanges{{-3.4994, 3.4994}, {-1.6581, 1.6581}, {-kInfinity, kInfinity}});
+    const ZELMathAxis frame = PoleFrame(1.0);
+    const double angle = endless.solver.SolveNearest(frame, endless.gantry.Solution(ZELMathPoint(), 0.7, 0.0, 0.0))
+                             .GetVariableValue(endless.gantry.c1);
+    // The range lies wholly above the guess of 0: its lowest turn is the nearest.
+    ConfiguredGantry configured(WristRanges{{-3.4994, 3.4994}, {-1.6581, 1.6581}, {10.0, 20.0}});
+    const ZELKinSolution solution =
+        configured.solver.SolveNearest(frame, configured.gantry.Solution(ZELMathPoint(), 0.7, 0.0, 0.0));
+    const double lowest = angle + 2.0 * kPi * std::ceil((10.0 - angle) / (2.0 * kPi));
+    EXPECT_TRUE(ZELTest::SameDouble(lowest, solution.GetVariableValue(configured.gantry.c1), ZELTest::kTight));
+}
+
+TEST(ZELKinRBRSolver, WhereTheWristIsFreeABendRangeShortOfAQuarterTurnGivesAnInfiniteSolution)
+{
+    // At either pole the head needs a bend of a quarter turn, whatever the first roll.
+    ConfiguredGantry configured(WristRanges{{-3.4994, 3.4994}, {-1.5, 1.5}, {-3.2376, 3.2376}});
+    const ZELKinSolution guess = configured.gantry.Solution(ZELMathPoint(), 0.7, 0.0, 0.0);
+    EXPECT_TRUE(configured.solver.SolveNearest(PoleFrame(1.0), guess).IsInfinite());
+    EXPECT_TRUE(configured.solver.SolveNearest(PoleFrame(-1.0), guess).IsInfinite());
+}
+
+TEST(ZELKinRBRSolver, WhereTheWristIsFreeASecondRollRangeMissingEveryTurnGivesAnInfiniteSolution)
+{
+    ConfiguredGantry endless(WristRanges{{-3.4994, 3.4994}, {-1.6581, 1.6581}, {-kInfinity, kInfinity}});
+    const ZELMathAxis frame = PoleFrame(1.0);
+    const ZELKinSolution guess = endless.gantry.Solution(ZELMathPoint(), 0.7, 0.0, 0.0);
+    const double angle = endless.solver.SolveNearest(frame, guess).GetVariableValue(endless.gantry.c1);
+    ConfiguredGantry configured(WristRanges{{-3.4994, 3.4994}, {-1.6581, 1.6581}, {angle + 0.1, angle + 0.2}});
+    EXPECT_TRUE(configured.solver.SolveNearest(frame, guess).IsInfinite());
+}
+
+TEST(ZELKinRBRSolver, AwayFromThePolesSolveNearestTakesTheCandidateWithTheLeastRollTravel)
+{
+    ConfiguredGantry configured;
+    const Gantry& g = configured.gantry;
+    // Travelling 3.1 rad round from +X, the second roll reaches the frame at
+    // 3.1 and at 3.1 - 2 pi.
+    const ZELMathAxis frame =
+        ToolFrame(ZELMathPoint(1, 2, 3), ZELMathVector(std::cos(3.1), std::sin(3.1), 0.0), ZELMathVector(0, 0, 1));
+    const QList<ZELKinSolution> candidates = configured.solver.Solve(frame, false);
+    ASSERT_EQ(candidates.size(), 2);
+    for (const ZELKinSolution& candidate : {candidates.first(), candidates.last()}) {
+        // A guess a little off the candidate, elsewhere: only its rolls count.
+        const ZELKinSolution guess = g.Solution(ZELMathPoint(500, 500, 500), candidate.GetVariableValue(g.c) + 0.01,
+                                                -candidate.GetVariableValue(g.a), candidate.GetVariableValue(g.c1));
+        const ZELKinSolution solution = configured.solver.SolveNearest(frame, guess);
+        for (ZELKinVariable* variable : {g.x, g.y, g.z, g.c, g.a, g.c1})
+            EXPECT_TRUE(ZELTest::SameDouble(candidate.GetVariableValue(variable), solution.GetVariableValue(variable),
+                                            ZELTest::kExact));
+    }
+    EXPECT_TRUE(configured.solver.SolveNearest(frame, ZELKinSolution()) == candidates.first());
+}
+
+TEST(ZELKinRBRSolver, SolveNearestOfAFrameThatIsNotFiniteOrWithoutAWristIsInfinite)
+{
+    ConfiguredGantry configured;
+    const ZELKinSolution guess = configured.gantry.Solution(ZELMathPoint(), 0.7, 0.0, 0.0);
+    const ZELMathAxis notFinite(ZELMathPoint(kNaN, 0, 0), ZELMathVector(0, 1, 0), ZELMathVector(0, 0, 1),
+                                ZELMathVector(1, 0, 0));
+    EXPECT_TRUE(configured.solver.SolveNearest(notFinite, guess).IsInfinite());
+    const ZELKinRBRSolver withoutWrist(static_cast<ZELKinMachine*>(nullptr));
+    EXPECT_TRUE(withoutWrist.SolveNearest(PoleFrame(1.0), guess).IsInfinite());
+}
+
+// Every candidate within the limits, whatever the limits.
+
+namespace {
+
+struct LimitsCase
+{
+    const char* name;
+    WristRanges ranges;
+};
+ZELTEST_PRINT_CASE_BY_NAME(LimitsCase);
+
+class ZELKinRBRSolverLimits : public ::testing::TestWithParam<LimitsCase>
+{
+};
+
+bool Within(const ZELKinSolution& solution, ZELKinVariable* variable)
+{
+    const double value = solution.GetVariableValue(variable);
+    return value >= variable->GetMinimum() && value <= variable->GetMaximum();
+}
+
+} // namespace
+
+TEST_P(ZELKinRBRSolverLimits, EveryCandidateOfManyFramesLiesWithinTheLimitsAndReachesItsFrame)
+{
+    ConfiguredGantry configured(GetParam().ranges);
+    const Gantry& g = configured.gantry;
+    std::mt19937_64 random(20261124);
+    std::normal_distribution<double> gauss;
+    std::uniform_real_distribution<double> angle(-20.0, 20.0);
+    const auto unitVector = [&] { return Unit(gauss(random), gauss(random), gauss(random)); };
+    std::uniform_real_distribution<double> offPole(0.0, 0.999 * kDefaultTolerance);
+    const auto across = [&](const ZELMathVector& direction) {
+        const ZELMathVector other = unitVector();
+        return (other - other.Dot(direction) * direction).GetNormalized();
+    };
+    int candidates = 0;
+    for (int i = 0; i < 2000; ++i) {
+        // Every tenth normal lies within the normal tolerance of a pole of the
+        // first roll axis X, where the first roll is free.
+        const ZELMathVector pole(i % 20 == 0 ? 1.0 : -1.0, 0.0, 0.0);
+        const double fromPole = offPole(random);
+        const ZELMathVector normal =
+            i % 10 == 0 ? std::cos(fromPole) * pole + std::sin(fromPole) * across(pole) : unitVector();
+        const ZELMathVector travel = across(normal);
+        const ZELMathAxis frame = ToolFrame(ZELMathPoint(10.0 * i, -5.0 * i, 2.0 * i), travel, normal);
+        QList<ZELKinSolution> solutions = configured.solver.Solve(frame, true);
+        const bool free = configured.solver.GetSingularityMargin(normal) < kDefaultTolerance;
+        if (!free)
+            solutions.append(configured.solver.Solve(frame, false));
+        const double guessedFirstRoll = angle(random);
+        const double guessedSecondRoll = angle(random);
+        const ZELKinSolution nearest =
+            configured.solver.SolveNearest(frame, g.Solution(ZELMathPoint(), guessedFirstRoll, 0.0, guessedSecondRoll));
+        if (!nearest.IsInfinite())
+            solutions.append(nearest);
+        EXPECT_LE(solutions.size(), 2 * 17 * 17 + 1);
+        for (const ZELKinSolution& solution : solutions) {
+            ++candidates;
+            for (ZELKinVariable* wrist : {g.c, g.a, g.c1})
+                EXPECT_TRUE(Within(solution, wrist)) << wrist->GetLabel().toStdString() << " "
+                                                     << solution.GetVariableValue(wrist) << " at frame " << i;
+            // A snapped bend or a free first roll misses the frame by up to the tolerance.
+            const bool snapped = std::abs(solution.GetVariableValue(g.a)) < kDefaultTolerance;
+            const double allowed = free || snapped ? 2.0 * kDefaultTolerance : 1e-9;
+            const ZELMathAxis reached = configured.solver.GetToolFrame(solution);
+            EXPECT_TRUE(SameVector(normal, reached.GetWDirection(), allowed)) << "frame " << i;
+            EXPECT_TRUE(SameVector(travel, reached.GetUDirection(), allowed)) << "frame " << i;
+        }
+    }
+    EXPECT_GT(candidates, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Limits, ZELKinRBRSolverLimits,
+    ::testing::Values(
+        LimitsCase{"Example", WristRanges()},
+        LimitsCase{"FirstRollNarrowerThanHalfATurn", WristRanges{{0.2, 2.0}, {-1.6581, 1.6581}, {-3.2376, 3.2376}}},
+        LimitsCase{"FarFromZero",
+                   WristRanges{{100.0 * kPi, 102.0 * kPi}, {-1.6581, 1.6581}, {-102.0 * kPi, -100.0 * kPi}}},
+        LimitsCase{"SecondRollWhollyBelowZero", WristRanges{{-3.4994, 3.4994}, {-1.6581, 1.6581}, {-20.0, -10.0}}},
+        LimitsCase{"SecondRollWhollyAboveZero", WristRanges{{-3.4994, 3.4994}, {-1.6581, 1.6581}, {10.0, 20.0}}},
+        LimitsCase{"BendLeavingOutZero", WristRanges{{-3.4994, 3.4994}, {0.0002, 1.6581}, {-3.2376, 3.2376}}},
+        LimitsCase{"Endless", WristRanges{{-kInfinity, kInfinity}, {-3.2, 3.2}, {-kInfinity, kInfinity}}},
+        LimitsCase{"NarrowEverywhere", WristRanges{{-0.5, 0.2}, {-0.5, 0.5}, {1.5, 2.0}}}),
+    CaseName<LimitsCase>);
 
 // TRAORI conversions.
 
@@ -1011,7 +1225,7 @@ class ZELKinRBRSolverOffset : public ::testing::TestWithParam<OffsetCase>
 
 TEST_P(ZELKinRBRSolverOffset, ToTraoriAddsAndFromTraoriTakesOffTheTipOffset)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     configured.solver.Configure(QStringLiteral("tip-point: ") + QString::fromUtf8(GetParam().tipPoint));
     const Gantry& g = configured.gantry;
     const OffsetCase& offsetCase = GetParam();
@@ -1053,7 +1267,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ZELKinRBRSolver, FromTraoriUndoesToTraori)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const Gantry& g = configured.gantry;
     const ZELKinSolution machine = g.Solution(ZELMathPoint(100, -250, 75), 2.1, -1.2, 0.7);
     const ZELKinSolution back = configured.solver.FromTraori(configured.solver.ToTraori(machine));
@@ -1063,11 +1277,11 @@ TEST(ZELKinRBRSolver, FromTraoriUndoesToTraori)
 
 TEST(ZELKinRBRSolver, SolvedFramesRoundTripThroughMachineAxesBackToTheRollerCentre)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const ZELMathVector normal = Unit(0.3, -0.4, 0.8);
     const ZELMathVector travel = Unit(0.0, 0.8, 0.4);
     const ZELMathPoint origin(500, 2000, -1500);
-    for (const ZELKinSolution& solution : configured.solver.Solve(Frame(origin, travel, normal), true)) {
+    for (const ZELKinSolution& solution : configured.solver.Solve(ToolFrame(origin, travel, normal), true)) {
         ZELKinSolution machine = configured.solver.FromTraori(solution);
         machine.SetTraori(false);
         EXPECT_TRUE(SamePoint(origin + 30.0 * normal, configured.solver.GetTipPoint(machine), 1e-9));
@@ -1076,7 +1290,7 @@ TEST(ZELKinRBRSolver, SolvedFramesRoundTripThroughMachineAxesBackToTheRollerCent
 
 TEST(ZELKinRBRSolver, TheTipPointOfATraoriSolutionIsItsLinearValues)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     ZELKinSolution solution = configured.gantry.Solution(ZELMathPoint(1, 2, 3), kPi, 0.0, 0.0);
     solution.SetTraori(true);
     EXPECT_TRUE(SamePoint(ZELMathPoint(1, 2, 3), configured.solver.GetTipPoint(solution), ZELTest::kExact));
@@ -1101,7 +1315,7 @@ class ZELKinRBRSolverIncompleteDeathTest : public ::testing::TestWithParam<Incom
 TEST_P(ZELKinRBRSolverIncompleteDeathTest, ConvertingEndsTheProcess)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    Configured configured;
+    ConfiguredGantry configured;
     const Gantry& g = configured.gantry;
     ZELKinSolution solution = g.Solution(ZELMathPoint(1, 2, 3), 0.1, 0.2, 0.3);
     ZELKinVariable* const variables[] = {g.x, g.y, g.z, g.c, g.a, g.c1};
@@ -1147,7 +1361,7 @@ class ZELKinRBRSolverContiguous : public ::testing::TestWithParam<MoveCase>
 
 TEST_P(ZELKinRBRSolverContiguous, JudgesTheMove)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const Gantry& g = configured.gantry;
     const MoveCase& move = GetParam();
     const ZELKinSolution a = g.Solution(ZELMathPoint(1, 2, 3), move.firstRollA, move.bendA, move.secondRollA);
@@ -1193,7 +1407,7 @@ class ZELKinRBRSolverCost : public ::testing::TestWithParam<CostCase>
 
 TEST_P(ZELKinRBRSolverCost, IsTheTravelOfBothRolls)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const Gantry& g = configured.gantry;
     const CostCase& move = GetParam();
     const ZELKinSolution a = g.Solution(ZELMathPoint(1, 2, 3), move.firstRollA, move.bendA, move.secondRollA);
@@ -1214,11 +1428,11 @@ TEST(ZELKinRBRSolver, EndlessRollsListEveryHalfTurnOfTheFirstWithEveryWholeTurnO
     // A bend range of a whole turn keeps the bends of every half turn of C.
     ranges.bend = {-3.2, 3.2};
     ranges.secondRoll = {-kInfinity, kInfinity};
-    Configured configured(ranges);
+    ConfiguredGantry configured(ranges);
     // Seen along X the normal lies 0.3 rad counter-clockwise of +Z.
     const ZELMathVector normal = Unit(0.2, -std::sin(0.3), std::cos(0.3));
     const ZELMathVector travel = Unit(0.0, std::cos(0.3), std::sin(0.3));
-    const QList<ZELKinSolution> solutions = configured.solver.Solve(Frame(ZELMathPoint(), travel, normal), false);
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(ToolFrame(ZELMathPoint(), travel, normal), false);
 
     // Seventeen first rolls, each with seventeen second rolls: far more
     // candidates than a real wrist gives, and every one of them in order.
@@ -1247,10 +1461,10 @@ TEST(ZELKinRBRSolver, EndlessRollsListEveryHalfTurnOfTheFirstWithEveryWholeTurnO
 
 TEST(ZELKinRBRSolver, SolutionsDefineTheWristThenTheRollerCentreInThatOrder)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const Gantry& g = configured.gantry;
     const QList<ZELKinSolution> solutions = configured.solver.Solve(
-        Frame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1)), false);
+        ToolFrame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1)), false);
     ASSERT_FALSE(solutions.isEmpty());
     const QList<ZELKinVariable*> expected{g.c, g.a, g.c1, g.x, g.y, g.z};
     for (const ZELKinSolution& solution : solutions)
@@ -1259,13 +1473,13 @@ TEST(ZELKinRBRSolver, SolutionsDefineTheWristThenTheRollerCentreInThatOrder)
 
 TEST(ZELKinRBRSolver, ABlendWithAnEndWithoutTheBendLeavesTheBendUndefined)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const Gantry& g = configured.gantry;
     const ZELKinSolution from = g.Solution(ZELMathPoint(1, 2, 3), 0.0, 0.2, 1.0);
     ZELKinSolution to = g.Solution(ZELMathPoint(4, 5, 6), 1.0, 0.4, -1.0);
     to.SetVariableValue(g.a, kNaN);
     const ZELKinSolution result = configured.solver.Solve(
-        Frame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1)), 0.25, from, to);
+        ToolFrame(ZELMathPoint(7, 8, 9), ZELMathVector(1, 0, 0), ZELMathVector(0, 0, 1)), 0.25, from, to);
     EXPECT_FALSE(result.IsDefined(g.a));
     const QList<ZELKinVariable*> expected{g.c, g.c1, g.x, g.y, g.z};
     EXPECT_EQ(result.GetDefinedVariables(), expected);
@@ -1295,11 +1509,11 @@ class ZELKinRBRSolverToolFrame : public ::testing::TestWithParam<ToolFrameCase>
 
 TEST_P(ZELKinRBRSolverToolFrame, EverySolutionOfAFrameGivesThatFrameBack)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const ToolFrameCase& c = GetParam();
     const ZELMathVector normal = Unit(c.normal.GetX(), c.normal.GetY(), c.normal.GetZ());
     const ZELMathVector travel = Unit(c.travel.GetX(), c.travel.GetY(), c.travel.GetZ());
-    const QList<ZELKinSolution> solutions = configured.solver.Solve(Frame(c.origin, travel, normal), true);
+    const QList<ZELKinSolution> solutions = configured.solver.Solve(ToolFrame(c.origin, travel, normal), true);
     ASSERT_FALSE(solutions.isEmpty());
     for (const ZELKinSolution& solution : solutions) {
         const ZELMathAxis frame = configured.solver.GetToolFrame(solution);
@@ -1327,7 +1541,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ZELKinRBRSolver, TheHomeWristPointsTheHeadDownOntoANormalAlongZTravellingAlongX)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     ZELKinSolution solution = configured.gantry.Solution(ZELMathPoint(10, 20, 30), 0.0, 0.0, 0.0);
     solution.SetTraori(true);
     const ZELMathAxis frame = configured.solver.GetToolFrame(solution);
@@ -1338,7 +1552,7 @@ TEST(ZELKinRBRSolver, TheHomeWristPointsTheHeadDownOntoANormalAlongZTravellingAl
 
 TEST(ZELKinRBRSolver, ABendOfAQuarterTurnTipsTheNormalOntoTheFirstRollAxis)
 {
-    Configured configured(WristRanges{Range{-4, 4}, Range{-2, 2}, Range{-4, 4}});
+    ConfiguredGantry configured(WristRanges{Range{-4, 4}, Range{-2, 2}, Range{-4, 4}});
     ZELKinSolution solution = configured.gantry.Solution(ZELMathPoint(0, 0, 0), 0.0, kPi / 2, 0.0);
     solution.SetTraori(true);
     const ZELMathVector normal = configured.solver.GetToolFrame(solution).GetWDirection();
@@ -1364,7 +1578,7 @@ class ZELKinRBRSolverMargin : public ::testing::TestWithParam<MarginCase>
 
 TEST_P(ZELKinRBRSolverMargin, IsTheAngleBetweenTheNormalsLineAndTheFirstRollAxis)
 {
-    Configured configured;
+    ConfiguredGantry configured;
     const double margin = configured.solver.GetSingularityMargin(GetParam().normal);
     if (std::isnan(GetParam().margin))
         EXPECT_TRUE(std::isnan(margin));

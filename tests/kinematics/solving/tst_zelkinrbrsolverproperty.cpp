@@ -368,6 +368,8 @@ protected:
     }
 
     Vector FirstRollAxis() const { return model.axis[0].normalized(); }
+    //! The poles of the first roll axis in turn: along it, then against it.
+    Vector Pole(int i) const { return i % 2 == 0 ? FirstRollAxis() : Vector(-FirstRollAxis()); }
 
     ZELGeoContainer container;
     ZELKinMachine* machine = nullptr;
@@ -393,10 +395,12 @@ TEST_P(ZELKinRBRSolverProperty, EveryCandidateOfARandomReachableFrameReproducesI
         const Vector rollerCentre = linear + pose.tip - model.tipPoint;
         const ZELMathAxis frame = Frame(rollerCentre - model.rollerRadius * pose.normal, pose.travel, pose.normal);
         const QList<ZELKinSolution> candidates = solver->Solve(frame, true);
-        // Within the normal tolerance of the first roll axis the travel picks
-        // the first roll, and the head may miss the normal by that much.
+        // Within the normal tolerance of either pole of the first roll axis
+        // the travel picks the first roll, and the head may miss the normal
+        // by that much.
         const double fromAxis = AngleBetween(pose.normal, FirstRollAxis());
-        CheckCandidates(frame, candidates, fromAxis < model.normalTolerance ? model.normalTolerance : kDirection,
+        const double fromPole = std::min(fromAxis, kPi - fromAxis);
+        CheckCandidates(frame, candidates, fromPole < model.normalTolerance ? model.normalTolerance : kDirection,
                         worst);
 
         // Away from both poles of the first roll and from a snapped bend, the
@@ -415,55 +419,58 @@ TEST_P(ZELKinRBRSolverProperty, EveryCandidateOfARandomReachableFrameReproducesI
     worst.Print(GetParam().name, "random reachable frames");
 }
 
-TEST_P(ZELKinRBRSolverProperty, FramesWithinTheNormalToleranceOfTheFirstRollAxisLeaveTheWristFree)
+TEST_P(ZELKinRBRSolverProperty, FramesWithinTheNormalToleranceOfEitherPoleOfTheFirstRollAxisLeaveTheWristFree)
 {
     constexpr int kFrames = 500;
     Worst worst;
     for (int i = 0; i < kFrames && !HasFatalFailure(); ++i) {
-        const ZELMathAxis frame = FrameNear(FirstRollAxis(), Uniform(0.0, 0.999) * model.normalTolerance);
+        const ZELMathAxis frame = FrameNear(Pole(i), Uniform(0.0, 0.999) * model.normalTolerance);
         const QList<ZELKinSolution> free = solver->Solve(frame, false);
         ASSERT_EQ(free.size(), 1);
         EXPECT_TRUE(free.first().IsInfinite());
         // In TRAORI form the travel picks the first roll, and the head then
-        // misses the frame by at most the normal's angle from the axis.
+        // misses the frame by at most the normal's angle from the pole.
         CheckCandidates(frame, solver->Solve(frame, true), model.normalTolerance, worst);
     }
-    worst.Print(GetParam().name, "within the normal tolerance of the first roll axis");
+    worst.Print(GetParam().name, "within the normal tolerance of either pole of the first roll axis");
 }
 
-TEST_P(ZELKinRBRSolverProperty, FramesJustOutsideTheNormalToleranceAreSolvedExactly)
+TEST_P(ZELKinRBRSolverProperty, FramesJustOutsideTheNormalToleranceOfEitherPoleAreSolvedExactly)
 {
     constexpr int kFrames = 500;
     Worst worst;
     for (int i = 0; i < kFrames && !HasFatalFailure(); ++i) {
-        const ZELMathAxis frame = FrameNear(FirstRollAxis(), Uniform(1.0001, 1.05) * model.normalTolerance);
+        const ZELMathAxis frame = FrameNear(Pole(i), Uniform(1.0001, 1.05) * model.normalTolerance);
         const QList<ZELKinSolution> candidates = solver->Solve(frame, false);
         for (const ZELKinSolution& candidate : candidates)
             EXPECT_FALSE(candidate.IsInfinite());
         CheckCandidates(frame, candidates, kDirection, worst);
     }
-    worst.Print(GetParam().name, "just outside the normal tolerance");
+    worst.Print(GetParam().name, "just outside the normal tolerance of either pole");
 }
 
-TEST_P(ZELKinRBRSolverProperty, FramesNearTheOppositePoleOfTheFirstRollAxisAreSolved)
+TEST_P(ZELKinRBRSolverProperty, WhereTheWristIsFreeSolveNearestKeepsTheGuessedFirstRollAndMeetsTheFrame)
 {
-    // Near the opposite pole the normal has almost nothing across the first
-    // roll axis, so the first roll angle comes from a vector of the size of
-    // the distance to the pole and is known only to rounding error divided by
-    // that distance (at the pole itself the projection fails and the angle is
-    // 0). That error only turns the bend plane about an axis the normal
-    // nearly lies on, and the bend and second roll are measured in the frames
-    // as actually turned, so the head lands on the frame as closely as
-    // anywhere else: the bound is the same as for any frame, on purpose.
+    // Right at a pole the bend and second roll meet the frame exactly; off
+    // it, the bend cannot take up the normal's angle from the pole, so the
+    // head misses the frame by up to that angle.
     constexpr int kFrames = 500;
     Worst worst;
     for (int i = 0; i < kFrames && !HasFatalFailure(); ++i) {
-        // Distances to the pole from exactly none to a thousandth, spread evenly in magnitude.
-        const double distance = i == 0 ? 0.0 : std::pow(10.0, Uniform(-15.0, -3.0));
-        const ZELMathAxis frame = FrameNear(-FirstRollAxis(), distance);
-        CheckCandidates(frame, solver->Solve(frame, false), kDirection, worst);
+        // Distances to the pole from exactly none to just inside the
+        // tolerance, spread evenly in magnitude.
+        const double distance = i < 2 ? 0.0 : std::pow(10.0, Uniform(-15.0, 0.0)) * 0.999 * model.normalTolerance;
+        const ZELMathAxis frame = FrameNear(Pole(i), distance);
+        const std::array<double, 3> guessed = RandomWrist();
+        ZELKinSolution guess;
+        for (int k = 0; k < 3; ++k)
+            guess.SetVariableValue(model.wrist[k], guessed[k]);
+        const ZELKinSolution nearest = solver->SolveNearest(frame, guess);
+        ASSERT_FALSE(nearest.IsInfinite());
+        EXPECT_TRUE(ZELTest::SameDouble(guessed[0], model.WristOf(nearest)[0], ZELTest::kExact));
+        CheckCandidates(frame, {nearest}, std::max(distance, kDirection), worst);
     }
-    worst.Print(GetParam().name, "near the opposite pole of the first roll axis");
+    worst.Print(GetParam().name, "solved nearest a guess where the wrist is free");
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -10,7 +10,10 @@
 #include <zeltestsupport.h>
 
 #include <cmath>
+#include <limits>
 #include <memory>
+#include <optional>
+#include <string>
 #include <type_traits>
 
 namespace {
@@ -42,6 +45,8 @@ public:
 
     QList<ZELKinSolution> Solve(const ZELMathAxis& frame, bool traori) const override
     {
+        if (candidates)
+            return *candidates;
         ZELKinSolution solution;
         solution.SetVariableValue(X(), frame.GetOrigin().GetX());
         solution.SetTraori(traori);
@@ -69,6 +74,8 @@ public:
     const ZELKinSolverPrivate* Private() const { return d_ptr.get(); }
 
     QString configuration;
+    //! What Solve(frame, traori) gives instead of X at the frame's origin.
+    std::optional<QList<ZELKinSolution>> candidates;
 
 private:
     ZELKinVariable* X() const { return GetMachine()->GetVariable(QStringLiteral("X")); }
@@ -211,6 +218,55 @@ TEST_F(ZELKinSolverTest, OperationsCalledThroughTheBaseReachTheDerivedSolver)
     EXPECT_FALSE(solver.IsContiguous(At(0.0), At(5.0), ZELKinSolver::ContinuityFull));
     EXPECT_TRUE(ZELTest::SameDouble(5.0, solver.ComputeCost(At(0.0), At(5.0)), ZELTest::kExact));
 }
+
+namespace {
+
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+
+// The candidates and the guess are values of X; NaN stands for an infinite
+// guess or result.
+struct NearestCase
+{
+    const char* name;
+    QList<double> candidates;
+    //! Solve gives the infinite solution alone instead.
+    bool free;
+    double guess;
+    double expected;
+};
+ZELTEST_PRINT_CASE_BY_NAME(NearestCase);
+
+class ZELKinSolverNearest : public ZELKinSolverTest, public ::testing::WithParamInterface<NearestCase>
+{
+protected:
+    ZELKinSolution AtOrInfinite(double value) const { return std::isnan(value) ? ZELKinSolution() : At(value); }
+};
+
+} // namespace
+
+TEST_P(ZELKinSolverNearest, SolveNearestTakesTheCandidateCheapestToReachFromTheGuess)
+{
+    TestSolver derived(machine);
+    QList<ZELKinSolution> candidates;
+    for (const double value : GetParam().candidates)
+        candidates.append(At(value));
+    derived.candidates = GetParam().free ? QList<ZELKinSolution>{ZELKinSolution()} : candidates;
+    const ZELKinSolver& solver = derived;
+    const ZELMathAxis frame;
+    const ZELKinSolution nearest = solver.SolveNearest(frame, AtOrInfinite(GetParam().guess));
+    EXPECT_EQ(nearest.IsInfinite(), std::isnan(GetParam().expected));
+    EXPECT_TRUE(ZELTest::SameDouble(GetParam().expected, nearest.GetVariableValue(x), ZELTest::kExact));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Candidates, ZELKinSolverNearest,
+    ::testing::Values(NearestCase{"TheLeastCost", {0.0, 5.0, 3.0}, false, 3.2, 3.0},
+                      NearestCase{"TheFirstOfEqualCosts", {5.0, 3.0}, false, 4.0, 5.0},
+                      NearestCase{"TheFirstForAnInfiniteGuess", {5.0, 3.0}, false, kNone, 5.0},
+                      NearestCase{"NoneForNoCandidate", {}, false, 4.0, kNone},
+                      NearestCase{"TheGuessWhereEveryConfigurationFits", {}, true, 4.0, 4.0},
+                      NearestCase{"NoneWhereEveryConfigurationFitsWithoutAGuess", {}, true, kNone, kNone}),
+    [](const ::testing::TestParamInfo<NearestCase>& info) { return std::string(info.param.name); });
 
 TEST_F(ZELKinSolverTest, SolvingAProbeProcedureGivesAnEmptySeriesAndPrintsNothing)
 {

@@ -79,12 +79,12 @@ TEST(ZELKinSolveCommand, WritesOneRowPerPositionInTheOrderTheMachineRunsThem)
     const SolvedToolpath solved;
     ASSERT_EQ(solved.Solve({QStringLiteral("--csv"), solved.csv}).exitCode, 0);
 
-    // Link positions are not solved: they keep the bare point; solved course
-    // positions carry the roller centre, 30 mm above the point. Index 4 of
-    // the course is the tow add command and index 14 the cut.
+    // Every layup position carries the roller centre, 30 mm above its point:
+    // the link positions, which are not solved, too. Index 4 of the course
+    // is the tow add command and index 14 the cut.
     const QStringList expected{
         kHeader,
-        QStringLiteral("ply one,link 1,0,2800.000000,3500.000000,-1200.000000"),
+        QStringLiteral("ply one,link 1,0,2800.000000,3500.000000,-1170.000000"),
         QStringLiteral("ply one,course 1,0,2900.000000,3500.000000,-1370.000000"),
         QStringLiteral("ply one,course 1,1,2950.000000,3500.000000,-1470.000000"),
         QStringLiteral("ply one,course 1,2,3000.000000,3500.000000,-1470.000000"),
@@ -101,7 +101,7 @@ TEST(ZELKinSolveCommand, WritesOneRowPerPositionInTheOrderTheMachineRunsThem)
         QStringLiteral("ply one,course 1,15,3110.000000,3500.000000,-1470.000000"),
         QStringLiteral("ply one,course 1,16,3120.000000,3500.000000,-1470.000000"),
         QStringLiteral("ply one,course 1,17,3170.000000,3500.000000,-1370.000000"),
-        QStringLiteral("ply one,link 2,0,3300.000000,3500.000000,-1200.000000"),
+        QStringLiteral("ply one,link 2,0,3300.000000,3500.000000,-1170.000000"),
         QStringLiteral("probe,probing,0,2500.000000,3500.000000,-1300.000000"),
         QStringLiteral("probe,probing,1,2500.000000,3500.000000,-1490.000000"),
         QStringLiteral("probe,probing,3,2500.000000,3500.000000,-1300.000000"),

@@ -103,7 +103,7 @@ void ZELKinAFPGCodeCourse::Write(ZELKinNCStream& out, ZELKinTowCourse* course, i
     Written written{WriteApproach(out, course), 0};
     WriteCourseStart(out, course, written.held);
     WriteCourseLines(out, course, written);
-    WriteOffPartLine(out, course, written);
+    WriteOffPartLine(out, course, written.held);
     out << "CHECK_M01; Check Whether Optional Stopping\n";
     WriteRetract(out, course, written);
     out << "; End of Course #" << listIndex + 1 << " Circuit\n";
@@ -253,7 +253,8 @@ void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTow
         << "OFF_COURSE_MODE\n";
 }
 
-void ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const
+void ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,
+                                            ZELKinAFPGCodeAxisWords::Held& held) const
 {
     const int count = course->GetNumCommands();
     const auto* last = count > 0 ? qobject_cast<const ZELKinRollLayupPosition*>(course->GetCommand(count - 1))
@@ -262,7 +263,7 @@ void ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTow
         return;
     out.TracePosition(last);
     out << 'N' << last->GetNIndex() << "G1G641 ADIS=OFF_PART M5M18";
-    words.WriteModal(out, last, written.held);
+    words.WriteModal(out, last, held);
     out << ";First off part point\n";
 }
 

@@ -72,7 +72,8 @@ private:
     void WriteCourseStart(ZELKinNCStream& out, const ZELKinTowCourse* course,
                           ZELKinAFPGCodeAxisWords::Held& held) const;
     void WriteCourseLines(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const;
-    void WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const;
+    void WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,
+                          ZELKinAFPGCodeAxisWords::Held& held) const;
     void WriteRetract(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const;
 
     const ZELKinAFPMachine* const machine;

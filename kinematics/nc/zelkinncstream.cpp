@@ -138,13 +138,7 @@ void ZELKinNCStream::Flush()
 {
     GetLineNumber();
     if (used > 0) {
-        const char* const end = data + used;
-        const char* const lineStart = LineStart(data, end);
-        if (lineStart != data)
-            handedLineTail.clear();
-        handedLineTail.append(lineStart, end - lineStart);
-        if (handedLineTail.size() > kKeptLineTail)
-            handedLineTail.remove(0, handedLineTail.size() - kKeptLineTail);
+        KeepHandedLineTail();
         device->write(buffer.constData(), used);
     }
     used = 0;
@@ -187,6 +181,17 @@ void ZELKinNCStream::ThrowNonFinite(double value)
             QStringLiteral("the %1 of line %2 is %3, not a finite number").arg(word, lineNumber, number));
     throw ZELSysException(QStringLiteral("the number after \"%1\" on line %2 is %3, not a finite number")
                               .arg(QString::fromUtf8(line), lineNumber, number));
+}
+
+void ZELKinNCStream::KeepHandedLineTail()
+{
+    const char* const end = data + used;
+    const char* const lineStart = LineStart(data, end);
+    if (lineStart != data)
+        handedLineTail.clear();
+    handedLineTail.append(lineStart, end - lineStart);
+    if (handedLineTail.size() > kKeptLineTail)
+        handedLineTail.remove(0, handedLineTail.size() - kKeptLineTail);
 }
 
 QByteArray ZELKinNCStream::LineSoFar() const

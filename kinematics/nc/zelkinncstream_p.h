@@ -102,13 +102,15 @@ private:
     void MakeRoom(qsizetype size);
     template <typename Integer>
     ZELKinNCStream& WriteInteger(Integer value);
-    //! Throws unless `value` is finite.
+    //! Every number passes here before a byte of it is written.
     void CheckFinite(double value)
     {
         if (!std::isfinite(value))
             ThrowNonFinite(value);
     }
     [[noreturn]] void ThrowNonFinite(double value);
+    //! Keeps the end of the buffer's last line, about to be handed on.
+    void KeepHandedLineTail();
     //! The text of the line being written, as far as it is kept.
     QByteArray LineSoFar() const;
 

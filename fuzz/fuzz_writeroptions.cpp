@@ -1,7 +1,10 @@
 // The writer's options text, used to post the shipped minimal toolpath
 // (a course and a probing procedure) for the example machine into a
 // temporary folder. Every text must post; options that are not numbers read
-// as 0. No input reaches a fatal message: the folder is always writable.
+// as 0. A tooling retract that reads as a NaN or an infinity ("nan", "inf",
+// "1e400") is the one input the writer refuses, with the ZELSysException of
+// a number that is not finite; any other exception is a finding. No input
+// reaches a fatal message: the folder is always writable.
 
 #include "zelkinfuzz.h"
 
@@ -12,6 +15,7 @@
 #include <zelkinsolver.h>
 #include <zelkintranslator.h>
 #include <zelkinwriter.h>
+#include <zelsysexception.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramreader.h>
 
@@ -50,7 +54,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static Posting posting;
     ZELKinWriter writer(posting.program);
     writer.SetCurrentDateTime(QDateTime(QDate(2026, 1, 1), QTime(0, 0), Qt::UTC));
-    writer.Write(posting.output.path(), QStringLiteral("AFPGCode"),
-                 QString::fromUtf8(ZELKinFuzz::Bytes(data, size)));
+    try {
+        writer.Write(posting.output.path(), QStringLiteral("AFPGCode"),
+                     QString::fromUtf8(ZELKinFuzz::Bytes(data, size)));
+    } catch (const ZELSysException& error) {
+        if (!error.GetMessage().endsWith(QLatin1String(", not a finite number")))
+            throw;
+    }
     return 0;
 }

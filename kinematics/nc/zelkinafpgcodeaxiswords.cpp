@@ -15,16 +15,15 @@
 namespace {
 
 constexpr double kModalTolerance = 0.001;
+constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
 const char* const kActualFeedrateProperty = "actualFeedrate";
 
-bool IsWithinTolerance(double a, double b)
+// Whether a word of `value` is left out for the controller holding
+// `held`. Nothing is held as NaN, and a value that is not finite is never
+// within the tolerance: it is written, and so refused.
+bool IsHeld(double held, double value)
 {
-    return std::abs(a - b) <= kModalTolerance;
-}
-
-bool DiffersBeyondTolerance(double a, double b)
-{
-    return std::abs(a - b) > kModalTolerance;
+    return std::abs(value - held) <= kModalTolerance;
 }
 
 void WriteAngle(ZELKinNCStream& out, char letter, double radians)
@@ -54,18 +53,53 @@ ZELKinAFPGCodeAxisWords::ZELKinAFPGCodeAxisWords(const ZELKinAFPMachine* machine
     }
 }
 
-void ZELKinAFPGCodeAxisWords::Write(ZELKinNCStream& out, const ZELKinPosition* position,
-                                    const ZELKinPosition* previous, const QStringList& excluded,
-                                    const QString& towCodes) const
+ZELKinAFPGCodeAxisWords::Held ZELKinAFPGCodeAxisWords::NothingHeld() const
+{
+    return Held{AxisValues(axes.size(), kNothing), kNothing};
+}
+
+void ZELKinAFPGCodeAxisWords::Preset(Held& held, const QString& label, double value) const
+{
+    for (qsizetype i = 0; i < axes.size(); ++i) {
+        if (axes[i].label == label)
+            held.axes[i] = value;
+    }
+}
+
+void ZELKinAFPGCodeAxisWords::WriteAll(ZELKinNCStream& out, const ZELKinPosition* position,
+                                       const QStringList& excluded) const
 {
     if (!position)
         return;
-    const AxisValues previousValues = ValuesOf(previous);
-    WriteAxes(out, ValuesOf(position), previous ? &previousValues : nullptr, excluded);
-    const bool afterAdd = towCodes.startsWith(QLatin1Char('T'));
-    const bool afterCut = !towCodes.isEmpty() && !afterAdd;
-    WriteFeed(out, LimitFeed(EffectiveFeed(position), afterAdd, afterCut),
-              previous ? std::optional<double>(EffectiveFeed(previous)) : std::nullopt);
+    const AxisValues values = ValuesOf(position);
+    for (qsizetype i = 0; i < axes.size(); ++i) {
+        // Most lines exclude nothing: they are spared the search.
+        if (!std::isnan(values[i]) && (excluded.isEmpty() || !excluded.contains(axes[i].label)))
+            WriteAxis(out, axes[i], values[i]);
+    }
+    out << 'F' << ZELKinNCFormat::ToInches(EffectiveFeed(position));
+    WriteHeadRecord(out, position, QString());
+}
+
+void ZELKinAFPGCodeAxisWords::WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, Held& held) const
+{
+    if (position)
+        WriteModal(out, position, ValuesOf(position), EffectiveFeed(position), held, QString());
+}
+
+void ZELKinAFPGCodeAxisWords::WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, const AxisValues& values,
+                                         double feed, Held& held, const QString& towCodes) const
+{
+    for (qsizetype i = 0; i < axes.size(); ++i) {
+        if (std::isnan(values[i]) || IsHeld(held.axes[i], values[i]))
+            continue;
+        WriteAxis(out, axes[i], values[i]);
+        held.axes[i] = values[i];
+    }
+    if (!IsHeld(held.feed, feed)) {
+        out << 'F' << ZELKinNCFormat::ToInches(feed);
+        held.feed = feed;
+    }
     WriteHeadRecord(out, position, towCodes);
 }
 
@@ -73,37 +107,23 @@ ZELKinAFPGCodeAxisWords::AxisValues ZELKinAFPGCodeAxisWords::ValuesOf(const ZELK
 {
     AxisValues values;
     for (const Axis& axis : axes)
-        values.append(position ? position->GetVariableValue(axis.variable) : std::numeric_limits<double>::quiet_NaN());
+        values.append(position ? position->GetVariableValue(axis.variable) : kNothing);
     return values;
 }
 
-void ZELKinAFPGCodeAxisWords::WriteModal(ZELKinNCStream& out, const ZELKinPosition* position,
-                                         const AxisValues& values, const AxisValues& previousValues, double feed,
-                                         double previousFeed, const QString& towCodes) const
+bool ZELKinAFPGCodeAxisWords::HoldsAxes(const Held& held, const AxisValues& values)
 {
-    WriteAxes(out, values, &previousValues, QStringList());
-    WriteFeed(out, feed, previousFeed);
-    WriteHeadRecord(out, position, towCodes);
-}
-
-bool ZELKinAFPGCodeAxisWords::IsSamePosition(const ZELKinPosition* a, const ZELKinPosition* b) const
-{
-    return a && b && IsSamePosition(ValuesOf(a), ValuesOf(b));
-}
-
-bool ZELKinAFPGCodeAxisWords::IsSamePosition(const AxisValues& a, const AxisValues& b)
-{
-    // An undefined value reads as NaN, so one NaN test tells both whether
-    // the axis is defined and its value.
-    for (qsizetype i = 0; i < a.size(); ++i) {
-        if (std::isnan(a[i]) || std::isnan(b[i])) {
-            if (std::isnan(a[i]) != std::isnan(b[i]))
-                return false;
-        } else if (!IsWithinTolerance(a[i], b[i])) {
+    // An undefined value reads as NaN and gives no word.
+    for (qsizetype i = 0; i < values.size(); ++i) {
+        if (!std::isnan(values[i]) && !IsHeld(held.axes[i], values[i]))
             return false;
-        }
     }
     return true;
+}
+
+bool ZELKinAFPGCodeAxisWords::HoldsAll(const Held& held, const AxisValues& values, double feed)
+{
+    return IsHeld(held.feed, feed) && HoldsAxes(held, values);
 }
 
 double ZELKinAFPGCodeAxisWords::LimitFeed(double feed, bool afterAdd, bool afterCut) const
@@ -127,38 +147,19 @@ void ZELKinAFPGCodeAxisWords::SetActualFeed(ZELKinPosition* position, double fee
     position->setProperty(kActualFeedrateProperty, feed);
 }
 
-void ZELKinAFPGCodeAxisWords::WriteAxes(ZELKinNCStream& out, const AxisValues& values,
-                                        const AxisValues* previous, const QStringList& excluded) const
+void ZELKinAFPGCodeAxisWords::WriteAxis(ZELKinNCStream& out, const Axis& axis, double value) const
 {
-    for (qsizetype i = 0; i < axes.size(); ++i) {
-        const double value = values[i];
-        if (std::isnan(value))
-            continue;
-        if (previous && IsWithinTolerance(value, (*previous)[i]))
-            continue;
-        const Axis& axis = axes[i];
-        // Most lines exclude nothing: they are spared the search.
-        if (!excluded.isEmpty() && excluded.contains(axis.label))
-            continue;
-        switch (axis.scale) {
-        case Scale::Inches:
-            out << axis.prefix << ZELKinNCStream::Fixed{ZELKinNCFormat::ToInches(value), 4};
-            break;
-        case Scale::Degrees:
-            out << axis.prefix << ZELKinNCStream::Fixed{ZELKinNCFormat::ToDegrees(value), 4};
-            break;
-        case Scale::Unscaled:
-            out << axis.prefix << ZELKinNCStream::Fixed{value, 4};
-            break;
-        }
+    switch (axis.scale) {
+    case Scale::Inches:
+        out << axis.prefix << ZELKinNCStream::Fixed{ZELKinNCFormat::ToInches(value), 4};
+        break;
+    case Scale::Degrees:
+        out << axis.prefix << ZELKinNCStream::Fixed{ZELKinNCFormat::ToDegrees(value), 4};
+        break;
+    case Scale::Unscaled:
+        out << axis.prefix << ZELKinNCStream::Fixed{value, 4};
+        break;
     }
-}
-
-void ZELKinAFPGCodeAxisWords::WriteFeed(ZELKinNCStream& out, double feed, std::optional<double> previousFeed)
-{
-    if (previousFeed && !DiffersBeyondTolerance(feed, *previousFeed))
-        return;
-    out << 'F' << ZELKinNCFormat::ToInches(feed);
 }
 
 void ZELKinAFPGCodeAxisWords::WriteHeadRecord(ZELKinNCStream& out, const ZELKinPosition* position,

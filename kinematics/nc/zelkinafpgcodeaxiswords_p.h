@@ -6,8 +6,6 @@
 #include <QStringList>
 #include <QVarLengthArray>
 
-#include <optional>
-
 class ZELKinAFPMachine;
 class ZELKinNCStream;
 class ZELKinPosition;
@@ -17,14 +15,20 @@ class ZELKinVariable;
 /*!
     The words of one motion line of a ply file: the axis values of a
     position, its feed and, for a roll layup position, the head record in
-    braces; and the test of whether a position repeats another.
+    braces; and what the controller holds once they are written.
 
     An axis word is the variable's label, "=" when the label is longer than
     one character, and the value with four decimals: linear axes in inches,
     rotary axes in degrees, and the material (U) axis unscaled, in mm of
-    material. Words are modal: given the previously written position, a
-    value within 0.001 (model units) of the previous one is left out, and so
-    is a feed within 0.001 of the previous position's.
+    material. The feed word is "F" and the feed in inches per minute.
+
+    Words are modal as the controller is: it keeps the last value written
+    for each word until another is written. A word is left out of a line
+    only when its value lies within 0.001 (mm, rad, mm/min) of the value
+    the controller holds for it; measured against the last value written,
+    not against the position before, a value that creeps by less than that
+    from line to line is still written as soon as it has gone 0.001 from
+    what the controller holds.
 */
 class ZELKinAFPGCodeAxisWords
 {
@@ -33,47 +37,60 @@ public:
     //! procedure the add and cut feedrates.
     ZELKinAFPGCodeAxisWords(const ZELKinAFPMachine* machine, const ZELKinRollLayupProcedure* procedure);
 
-    /*!
-        Writes the axis words of `position` (none for a null position),
-        modal against `previous` when that is given, leaving out the axes
-        labelled in `excluded`, then "F" and the feed in inches per minute
-        (in the stream's default number format), then for a roll layup
-        position the record ";{P..Q..M..<tow codes>}". The feed is the
-        position's "actualFeedrate" when set, else its feedrate, limited by
-        the add feedrate when `towCodes` begins with "T" and by the cut
-        feedrate when it holds other codes; the previous feed is the
-        previous position's "actualFeedrate" or feedrate. The record is left
-        out when the position has no Q angle and there are no tow codes; an
-        angle that is NaN is left out of it.
-    */
-    void Write(ZELKinNCStream& out, const ZELKinPosition* position, const ZELKinPosition* previous = nullptr,
-               const QStringList& excluded = QStringList(), const QString& towCodes = QString()) const;
-
     //! The values of the machine's axes at a position, in the machine's
     //! order; NaN where the position defines none.
     using AxisValues = QVarLengthArray<double, 8>;
+
+    //! The value the controller holds for each axis word, in the machine's
+    //! order, and for the feed word, in model units (mm, rad, mm/min); NaN
+    //! where no value is known to be held.
+    struct Held
+    {
+        AxisValues axes;
+        double feed;
+    };
+
+    //! A controller of which nothing is known.
+    Held NothingHeld() const;
+    //! The controller holds `value` for the axis labelled `label` (a preset
+    //! such as "G92(U,0.0000)"); nothing changes when there is no such axis.
+    void Preset(Held& held, const QString& label, double value) const;
+
+    /*!
+        Writes every axis word of `position` but those labelled in
+        `excluded`, then "F" and its feed, then its head record, whatever
+        the controller holds: for a line that runs only on some ways into a
+        course and so tells nothing of what the controller holds after it.
+        The feed is the position's "actualFeedrate" when set, else its
+        feedrate. The head record is ";{P..Q..M..}" for a roll layup
+        position with a Q angle; an angle that is NaN is left out of it.
+    */
+    void WriteAll(ZELKinNCStream& out, const ZELKinPosition* position,
+                  const QStringList& excluded = QStringList()) const;
+
+    //! Writes the words of `position` that `held` does not hold, its feed
+    //! as for WriteAll, then its head record; `held` then holds what was
+    //! written.
+    void WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, Held& held) const;
+    /*!
+        The same for a line along a course, for a writer that already knows
+        the position's `values` and its `feed` (limited as its tow codes
+        ask, see LimitFeed). The head record carries `towCodes`, and is
+        written for them also when the position has no Q angle.
+    */
+    void WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, const AxisValues& values, double feed,
+                    Held& held, const QString& towCodes) const;
 
     //! The values of `position`'s axes, for a writer that compares and
     //! writes a position more than once; all NaN for a null position.
     AxisValues ValuesOf(const ZELKinPosition* position) const;
 
-    /*!
-        The same words, modal against the previously written position, for
-        a writer that already knows the values and the feeds: `values` are
-        those of `position` and `previousValues` those of the previous
-        position; `feed` is the one of `position`, limited as its tow codes
-        ask, and `previousFeed` the one of the previous position.
-    */
-    void WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, const AxisValues& values,
-                    const AxisValues& previousValues, double feed, double previousFeed,
-                    const QString& towCodes) const;
-
-    //! Whether `a` and `b` define the same axes, each within 0.001; false
-    //! when either is null.
-    bool IsSamePosition(const ZELKinPosition* a, const ZELKinPosition* b) const;
-    //! Whether two positions of these values define the same axes, each
-    //! within 0.001.
-    static bool IsSamePosition(const AxisValues& a, const AxisValues& b);
+    //! Whether every axis word of `values` would be left out: each defined
+    //! axis lies within 0.001 of the value held.
+    static bool HoldsAxes(const Held& held, const AxisValues& values);
+    //! Whether every word of a line of `values` and `feed` would be left
+    //! out, which makes the line a repeat.
+    static bool HoldsAll(const Held& held, const AxisValues& values, double feed);
 
     //! `feed` limited to the add feedrate when `afterAdd` and to the cut
     //! feedrate when `afterCut`. A NaN feedrate sets no limit, so a
@@ -99,12 +116,7 @@ private:
         Scale scale;
     };
 
-    //! The axis words of `values`, modal against `previous` when given.
-    void WriteAxes(ZELKinNCStream& out, const AxisValues& values, const AxisValues* previous,
-                   const QStringList& excluded) const;
-    //! "F" and `feed` in inches per minute, unless there is a previous
-    //! feed and `feed` lies within the tolerance of it.
-    static void WriteFeed(ZELKinNCStream& out, double feed, std::optional<double> previousFeed);
+    void WriteAxis(ZELKinNCStream& out, const Axis& axis, double value) const;
     static void WriteHeadRecord(ZELKinNCStream& out, const ZELKinPosition* position, const QString& towCodes);
 
     QList<Axis> axes;

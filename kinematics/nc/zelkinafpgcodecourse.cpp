@@ -65,16 +65,17 @@ const ZELKinRollLayupPosition* FirstRollLayupPosition(const ZELKinTowCourse* cou
     return nullptr;
 }
 
-QString TowLengths(const ZELKinTowCourse* course)
+// "T" n "=" length for each tow n the course uses, separated by ",".
+void WriteTowLengths(ZELKinNCStream& out, const ZELKinTowCourse* course)
 {
     const ZELCompTowMask mask = course->GetTowMask();
-    QStringList lengths;
+    const char* separator = "";
     for (int tow = 1; tow <= mask.GetNumTows(); ++tow) {
-        if (mask.IsTowEnabled(tow))
-            lengths.append(
-                QStringLiteral("T%1=%2").arg(tow).arg(ZELKinNCFormat::Fixed(course->GetTowLength(tow - 1), 2)));
+        if (!mask.IsTowEnabled(tow))
+            continue;
+        out << separator << 'T' << tow << '=' << ZELKinNCStream::Fixed{course->GetTowLength(tow - 1), 2};
+        separator = ",";
     }
-    return lengths.join(QLatin1Char(','));
 }
 
 } // namespace
@@ -99,10 +100,10 @@ void ZELKinAFPGCodeCourse::Write(ZELKinNCStream& out, ZELKinTowCourse* course, i
     WriteRecordAndEvents(out, course, listIndex, offset);
     WriteTowsRequired(out, course);
     WriteStartChecks(out, course, listIndex);
-    WriteApproach(out, course);
-    WriteCourseStart(out, course);
-    Written written = WriteCourseLines(out, course);
-    written = WriteOffPartLine(out, course, written);
+    Written written{WriteApproach(out, course), 0};
+    WriteCourseStart(out, course, written.held);
+    WriteCourseLines(out, course, written);
+    WriteOffPartLine(out, course, written.held);
     out << "CHECK_M01; Check Whether Optional Stopping\n";
     WriteRetract(out, course, written);
     out << "; End of Course #" << listIndex + 1 << " Circuit\n";
@@ -116,7 +117,7 @@ void ZELKinAFPGCodeCourse::WriteRecordAndEvents(ZELKinNCStream& out, const ZELKi
         << ";PMAC1: G400U0\n";
     ZELKinAFPGCodeTowEvents events(machine->GetPinchDistance(), machine->GetMaterialVariable(), splitting);
     for (const ZELKinAFPGCodeTowEvents::Event& event : events.Collect(course, offset))
-        out << ZELKinAFPGCodeTowEvents::Line(event) << '\n';
+        ZELKinAFPGCodeTowEvents::WriteLine(out, event);
 }
 
 void ZELKinAFPGCodeCourse::WriteTowsRequired(ZELKinNCStream& out, const ZELKinTowCourse* course)
@@ -124,7 +125,9 @@ void ZELKinAFPGCodeCourse::WriteTowsRequired(ZELKinNCStream& out, const ZELKinTo
     const ZELCompTowMask mask = course->GetTowMask();
     out << "; Tows Required for Course [" << mask.GetHexadecimalString() << "]\n"
         << "REQ_TOW1=" << mask.GetRawValue() << '\n'
-        << ";[TOW LENGTH]" << TowLengths(course) << '\n';
+        << ";[TOW LENGTH]";
+    WriteTowLengths(out, course);
+    out << '\n';
 }
 
 void ZELKinAFPGCodeCourse::WriteStartChecks(ZELKinNCStream& out, const ZELKinTowCourse* course, int listIndex)
@@ -147,7 +150,8 @@ void ZELKinAFPGCodeCourse::WriteStartChecks(ZELKinNCStream& out, const ZELKinTow
         out << prefix << "M84; 16-Tow Roller Loaded\n";
 }
 
-void ZELKinAFPGCodeCourse::WriteApproach(ZELKinNCStream& out, const ZELKinTowCourse* course) const
+ZELKinAFPGCodeAxisWords::Held ZELKinAFPGCodeCourse::WriteApproach(ZELKinNCStream& out,
+                                                                  const ZELKinTowCourse* course) const
 {
     const ZELKinCourseLink* approach = LinkAt(procedure, course->GetIndex());
     const ZELKinPosition* last = approach ? approach->GetLastPosition() : nullptr;
@@ -158,108 +162,112 @@ void ZELKinAFPGCodeCourse::WriteApproach(ZELKinNCStream& out, const ZELKinTowCou
         << kFromPark << "M27; Verify Material Loaded\n"
         << kFromPark << "RETZ; Retract head\n"
         << kFromPark << "G0";
-    words.Write(out, last, nullptr, {QStringLiteral("Z")});
+    words.WriteAll(out, last, {QStringLiteral("Z")});
     out << ";Last off part point\n"
         << kFromPark << "G1F" << ZELKinNCFormat::ToInches(feed) << ";Last off part point\n"
         << ";[FROM COURSE]G0";
-    words.Write(out, last);
+    words.WriteAll(out, last);
     out << ";Last off part point\n"
         << kFromPark << "MSG(\"Verify compaction roller is above expected starting point on tool\")\n"
         << kFromPark << "M0; Program Stop\n"
         << kFromPark << "MSG(\"\")\n";
     // The lines marked ";[FROM PARK]" and ";[FROM COURSE]" run only on one
-    // way into the course; this one always does.
+    // way into the course; this one always does, and as nothing is known
+    // to be held before it, it writes every word.
     out.TracePosition(last);
     out << "N1G641 ADIS=OFF_PART ";
-    words.Write(out, last);
+    ZELKinAFPGCodeAxisWords::Held held = words.NothingHeld();
+    words.WriteModal(out, last, held);
     out << "; Last off part point\n"
         << ";[FROM COURSE]M7; Check if prior course completed\n"
         << ";[END OF CONDITIONAL BLOCKS]\n";
+    return held;
 }
 
-void ZELKinAFPGCodeCourse::WriteCourseStart(ZELKinNCStream& out, const ZELKinTowCourse* course) const
+void ZELKinAFPGCodeCourse::WriteCourseStart(ZELKinNCStream& out, const ZELKinTowCourse* course,
+                                            ZELKinAFPGCodeAxisWords::Held& held) const
 {
     out << "GUD_PHASE=\"AFP\"\n"
         << "GUD_PLY_ID=\"" << plyName << "\"\n"
         << "GUD_CRS_BND_NUM=" << course->GetIndex() + 1 << '\n'
         << "GUD_RECOVERY_NUM=0\n"
         << "HSL; Establish High Speed Functions\n"
-        << "G92(U,0.0000); Preset U-Axis\n"
-        << "$A_DBD[580]=REQ_TOW1\n"
+        << "G92(U,0.0000); Preset U-Axis\n";
+    words.Preset(held, QStringLiteral("U"), 0.0);
+    out << "$A_DBD[580]=REQ_TOW1\n"
         << "M64; Handshake Between PMAC and CNC\n"
         << "M26; Check tows are loaded\n"
         << "M4; Start Course\n"
         << "M19; Turn On Compaction Heater\n";
 }
 
-ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out,
-                                                                     const ZELKinTowCourse* course) const
+void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const
 {
     const int count = course->GetNumCommands();
     const ZELKinRollLayupPosition* first = FirstRollLayupPosition(course);
-    Written written{first, first ? first->GetNIndex() : 0};
+    written.lastCourseLineN = first ? first->GetNIndex() : 0;
+    // The feed of the line before, against which a feed change (M69) is
+    // marked: the approach point's, also when it gives no line.
     double previousFeed = first ? ZELKinAFPGCodeAxisWords::EffectiveFeed(first)
                                 : std::numeric_limits<double>::quiet_NaN();
-    // The values of the position last written, read once.
-    ZELKinAFPGCodeAxisWords::AxisValues writtenValues = words.ValuesOf(first);
     TowCodes codes;
     bool firstLine = true;
     // Each line begins with its line end, so that the last one can be
-    // marked after the loop. The course's first command, when a position,
-    // is the first position and gives no line, so no line is the course's
-    // command 0 and none gets the exact stop G9.
+    // marked after the loop.
     out << "COURSE_MODE";
     for (int i = 0; i < count - 1; ++i) {
         auto* position = qobject_cast<ZELKinRollLayupPosition*>(course->GetCommand(i));
-        if (!position || position == first)
+        if (!position)
             continue;
         CollectTowCodes(course, i + 1, codes);
-        // Any position here comes after `first`, so there is always one to
-        // compare with.
         const ZELKinAFPGCodeAxisWords::AxisValues values = words.ValuesOf(position);
-        if (ZELKinAFPGCodeAxisWords::IsSamePosition(values, writtenValues))
-            continue;
         const double feed = words.LimitFeed(position->GetFeedrate(), codes.afterAdd, codes.afterCut);
+        if (position == first ? ZELKinAFPGCodeAxisWords::HoldsAxes(written.held, values)
+                              : ZELKinAFPGCodeAxisWords::HoldsAll(written.held, values, feed)) {
+            // The approach link ended on the approach point: it gives no
+            // line, and the tow codes after it none either.
+            if (position == first)
+                codes = TowCodes();
+            continue;
+        }
         out << '\n';
         out.TracePosition(position);
         out << 'N' << position->GetNIndex();
-        if (std::abs(feed - previousFeed) > kFeedChangeTolerance && i < count - 3)
+        if (i > 0 && i < count - 3 && std::abs(feed - previousFeed) > kFeedChangeTolerance)
             out << "M69";
         ZELKinAFPGCodeAxisWords::SetActualFeed(position, feed);
         out << "G1";
+        if (i == 0)
+            out << "G9";
         if (i == count - 2)
             out << "G642 ADIS=COURSEND ";
-        words.WriteModal(out, position, values, writtenValues, feed, previousFeed, codes.text);
+        words.WriteModal(out, position, values, feed, written.held, codes.text);
         if (firstLine)
             out << ";First point in course";
         firstLine = false;
         codes = TowCodes();
         previousFeed = feed;
-        written = Written{position, position->GetNIndex()};
-        writtenValues = values;
+        written.lastCourseLineN = position->GetNIndex();
     }
     out << ";Last point in course\n"
         << "OFF_COURSE_MODE\n";
-    return written;
 }
 
-ZELKinAFPGCodeCourse::Written ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,
-                                                                     Written written) const
+void ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,
+                                            ZELKinAFPGCodeAxisWords::Held& held) const
 {
     const int count = course->GetNumCommands();
     const auto* last = count > 0 ? qobject_cast<const ZELKinRollLayupPosition*>(course->GetCommand(count - 1))
                                  : nullptr;
     if (!last)
-        return written;
+        return;
     out.TracePosition(last);
     out << 'N' << last->GetNIndex() << "G1G641 ADIS=OFF_PART M5M18";
-    words.Write(out, last, written.position);
+    words.WriteModal(out, last, held);
     out << ";First off part point\n";
-    written.position = last;
-    return written;
 }
 
-void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCourse* course, Written written) const
+void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const
 {
     const ZELKinCourseLink* retract = LinkAt(procedure, course->GetIndex() + 1);
     if (!retract)
@@ -270,7 +278,11 @@ void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCour
     bool started = false;
     for (int j = 0; j < retract->GetNumCommands(); ++j) {
         const auto* position = qobject_cast<const ZELKinPosition*>(retract->GetCommand(j));
-        if (!position || words.IsSamePosition(position, written.position))
+        if (!position)
+            continue;
+        const ZELKinAFPGCodeAxisWords::AxisValues values = words.ValuesOf(position);
+        const double feed = ZELKinAFPGCodeAxisWords::EffectiveFeed(position);
+        if (ZELKinAFPGCodeAxisWords::HoldsAll(written.held, values, feed))
             continue;
         if (!started) {
             started = true;
@@ -278,8 +290,7 @@ void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCour
         }
         out.TracePosition(position);
         out << 'N' << written.lastCourseLineN + 1 + j << "G1G642 ADIS=OFF_PART ";
-        words.Write(out, position, written.position);
+        words.WriteModal(out, position, values, feed, written.held, QString());
         out << '\n';
-        written.position = position;
     }
 }

@@ -25,11 +25,19 @@ class ZELKinTowCourse;
     (ZELKinAFPGCodeMaterialAxis), and each position line keeps its feed as
     the position's "actualFeedrate".
 
-    The course's first position stands for the approach point written just
-    before the course mode: it is not written again, and the positions along
-    the course are modal against it. A position that repeats the last one
-    written (every axis within 0.001) gives no line; the tow codes of the
-    commands after it move on to the next line written.
+    The motion lines are modal against what the controller holds (see
+    ZELKinAFPGCodeAxisWords). The lines before "N1G641 ADIS=OFF_PART" run
+    only on one way into the course or the other, so the controller is
+    known to hold only what that line writes: every word of the approach
+    link's last position. "G92(U,0.0000)" then presets U to 0.
+
+    The course's first position is its approach point. When the approach
+    link ends on it (none of its axis words would be written), it gives no
+    line, and the tow codes of the commands after it none either.
+    Otherwise it gets a line of its own, the first along the course. Any
+    later position gives no line when every one of its words would be left
+    out; the tow codes of the commands after it move on to the next line
+    written.
 */
 class ZELKinAFPGCodeCourse
 {
@@ -42,11 +50,12 @@ public:
     void Write(ZELKinNCStream& out, ZELKinTowCourse* course, int listIndex) const;
 
 private:
-    //! The position last written, and the N index of the last line along
-    //! the course, which numbers the retract lines.
+    //! What the controller holds after the lines written so far, and the N
+    //! index of the last line along the course, which numbers the retract
+    //! lines.
     struct Written
     {
-        const ZELKinPosition* position;
+        ZELKinAFPGCodeAxisWords::Held held;
         int lastCourseLineN;
     };
 
@@ -58,11 +67,14 @@ private:
     //! The roller checks, which the first course of a procedure always
     //! runs and the later ones only when coming from park.
     static void WriteStartChecks(ZELKinNCStream& out, const ZELKinTowCourse* course, int listIndex);
-    void WriteApproach(ZELKinNCStream& out, const ZELKinTowCourse* course) const;
-    void WriteCourseStart(ZELKinNCStream& out, const ZELKinTowCourse* course) const;
-    Written WriteCourseLines(ZELKinNCStream& out, const ZELKinTowCourse* course) const;
-    Written WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course, Written written) const;
-    void WriteRetract(ZELKinNCStream& out, const ZELKinTowCourse* course, Written written) const;
+    //! Returns what the controller holds after "N1G641 ADIS=OFF_PART".
+    ZELKinAFPGCodeAxisWords::Held WriteApproach(ZELKinNCStream& out, const ZELKinTowCourse* course) const;
+    void WriteCourseStart(ZELKinNCStream& out, const ZELKinTowCourse* course,
+                          ZELKinAFPGCodeAxisWords::Held& held) const;
+    void WriteCourseLines(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const;
+    void WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,
+                          ZELKinAFPGCodeAxisWords::Held& held) const;
+    void WriteRetract(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const;
 
     const ZELKinAFPMachine* const machine;
     const ZELKinRollLayupProcedure* const procedure;

@@ -54,7 +54,7 @@ QString ZELKinAFPGCodePlies::MethodLabel(ZELCompStrategy::PropagationMode mode)
     }
 }
 
-QString ZELKinAFPGCodePlies::AngleField(double radians)
+ZELKinNCStream::Fixed ZELKinAFPGCodePlies::AngleField(double radians)
 {
-    return ZELKinNCFormat::Fixed(ZELKinNCFormat::ToDegrees(radians), 3).rightJustified(9, QLatin1Char(' '));
+    return {ZELKinNCFormat::ToDegrees(radians), 3, 9};
 }

@@ -1,6 +1,8 @@
 #ifndef ZELKINAFPGCODEPLIES_P_H
 #define ZELKINAFPGCODEPLIES_P_H
 
+#include "zelkinncstream_p.h"
+
 #include <zelcompstrategy.h>
 
 #include <QList>
@@ -36,7 +38,7 @@ public:
     static QString MethodLabel(ZELCompStrategy::PropagationMode mode);
     //! A ply angle (rad) in degrees with three decimals, padded on the left
     //! to nine characters: "  -45.000".
-    static QString AngleField(double radians);
+    static ZELKinNCStream::Fixed AngleField(double radians);
 };
 
 #endif // ZELKINAFPGCODEPLIES_P_H

@@ -1,7 +1,7 @@
 #include "zelkinafpgcodetowevents_p.h"
 
 #include "zelkinafpgcodematerialaxis_p.h"
-#include "zelkinncformat_p.h"
+#include "zelkinncstream_p.h"
 #include "zelkinposition.h"
 #include "zelkintowcommand.h"
 #include "zelkintowcourse.h"
@@ -14,21 +14,21 @@ namespace {
 
 constexpr double kMergeDistance = 0.001;
 
-QString CodeOf(ZELKinAFPGCodeTowEvents::Kind kind)
+const char* CodeOf(ZELKinAFPGCodeTowEvents::Kind kind)
 {
     switch (kind) {
     case ZELKinAFPGCodeTowEvents::AddBegin:
-        return QStringLiteral("A/B");
+        return "A/B";
     case ZELKinAFPGCodeTowEvents::AddEnd:
-        return QStringLiteral("A/E");
+        return "A/E";
     case ZELKinAFPGCodeTowEvents::CutBegin:
-        return QStringLiteral("C/B");
+        return "C/B";
     case ZELKinAFPGCodeTowEvents::PinchBegin:
-        return QStringLiteral("P/B");
+        return "P/B";
     case ZELKinAFPGCodeTowEvents::PinchEnd:
-        return QStringLiteral("P/E");
+        return "P/E";
     }
-    return QString();
+    return "";
 }
 
 bool IsPositiveAndFinite(double value)
@@ -87,10 +87,10 @@ QList<ZELKinAFPGCodeTowEvents::Event> ZELKinAFPGCodeTowEvents::Collect(const ZEL
     return SortedAndMerged(events);
 }
 
-QString ZELKinAFPGCodeTowEvents::Line(const Event& event)
+void ZELKinAFPGCodeTowEvents::WriteLine(ZELKinNCStream& out, const Event& event)
 {
-    return QStringLiteral(";PMAC1: G500U%1%2[%3]")
-        .arg(ZELKinNCFormat::Fixed(event.u, 3), CodeOf(event.kind), event.mask.GetHexadecimalString());
+    out << ";PMAC1: G500U" << ZELKinNCStream::Fixed{event.u, 3} << CodeOf(event.kind) << '['
+        << event.mask.GetHexadecimalString() << "]\n";
 }
 
 void ZELKinAFPGCodeTowEvents::Reset(const ZELKinTowCourse* course)

@@ -9,6 +9,7 @@
 #include <limits>
 #include <optional>
 
+class ZELKinNCStream;
 class ZELKinTowCommand;
 class ZELKinTowCourse;
 class ZELKinTowFeedCommand;
@@ -77,8 +78,8 @@ public:
     //! the "uAxisOffset" that every position of the course has.
     QList<Event> Collect(const ZELKinTowCourse* course, std::optional<double> offset = std::nullopt);
 
-    //! ";PMAC1: G500U<u>A/B[<hexadecimal mask>]".
-    static QString Line(const Event& event);
+    //! The line ";PMAC1: G500U<u>A/B[<hexadecimal mask>]".
+    static void WriteLine(ZELKinNCStream& out, const Event& event);
 
 private:
     void Reset(const ZELKinTowCourse* course);

@@ -9,6 +9,7 @@
 #include "zelkinprogram.h"
 #include "zelkinrolllayupprocedure.h"
 
+#include <zelsysexception.h>
 #include <zeltpprocedure.h>
 
 #include <QDir>
@@ -267,13 +268,19 @@ void ZELKinAFPGCodeWriter::WriteFile(const QString& fileName, const QString& fai
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
         Fatal(failure.arg(InLatin1(fileName)));
-    ZELKinNCStream out(&file);
-    if (lineTrace)
-        out.SetPositionTrace([this, &fileName](qint64 line, const ZELKinPosition* position) {
-            lineTrace(fileName, line, position);
-        });
-    write(out);
-    out.Flush();
+    try {
+        ZELKinNCStream out(&file);
+        if (lineTrace)
+            out.SetPositionTrace([this, &fileName](qint64 line, const ZELKinPosition* position) {
+                lineTrace(fileName, line, position);
+            });
+        write(out);
+        out.Flush();
+    } catch (const ZELSysException& error) {
+        // What stood at the path stays as it was.
+        file.cancelWriting();
+        throw ZELSysException(QStringLiteral("cannot write the NC file '%1': %2").arg(fileName, error.GetMessage()));
+    }
     if (!file.commit())
         Fatal(failure.arg(InLatin1(fileName)));
 }

@@ -33,7 +33,10 @@ class ZELKinRollLayupProcedure;
     so an interrupted write leaves the old file whole. A folder that cannot
     be made or a file that cannot be opened or written ends the process
     through Qt's fatal message handler; the path in the message is given in
-    Latin-1.
+    Latin-1. A ZELSysException while a file is written, such as the
+    stream's refusal of a number that is not finite, leaves the file
+    unwritten and is thrown on as "cannot write the NC file '<file>':
+    <message>".
 
     Writing numbers the roll layup procedures ("PlyNum"), prepares the
     courses' material axis and keeps the feeds written as the positions'

@@ -20,9 +20,15 @@ static_assert(ZELKinNCFormat::MaximumDecimals <= kLargestExactPowerOfTen);
 // The integer digits of the largest double.
 constexpr int kLargestIntegerDigits = 309;
 
+// The power of ten of the first digit of the smallest subnormal double,
+// 4.94066e-324.
+constexpr int kSmallestExponent = -324;
+
 // A sign, a carry, the integer digits, a point and the decimals with the
 // digit of a tie.
 static_assert(ZELKinNCFormat::BufferSize >= 1 + 1 + kLargestIntegerDigits + 1 + ZELKinNCFormat::MaximumDecimals + 1);
+// A sign, "0.", the zeros after the point and six digits.
+static_assert(ZELKinNCFormat::BufferSize >= 1 + 2 + (-kSmallestExponent - 1) + kSignificantDigits);
 
 // The six significant digits of a value and the power of ten of the first.
 struct Significand
@@ -185,28 +191,16 @@ Significand SixSignificantDigits(double magnitude)
     return significand;
 }
 
-// The digits as printf's %g writes them: exponent notation below 1e-4 and
-// from 1e6 up, plain otherwise, without trailing zeros.
-char* WriteShortest(char* out, const Significand& significand)
+// The six digits in plain notation, without trailing zeros, and without
+// the point when no decimal is left: a controller would read the "e" of an
+// exponent as a word of its own.
+char* WritePlain(char* out, const Significand& significand)
 {
     const char* digits = significand.digits;
     const int exponent = significand.exponent;
     int count = kSignificantDigits;
     while (count > 1 && digits[count - 1] == '0')
         --count;
-    if (exponent < -4 || exponent >= kSignificantDigits) {
-        *out++ = digits[0];
-        if (count > 1) {
-            *out++ = '.';
-            out = std::copy(digits + 1, digits + count, out);
-        }
-        *out++ = 'e';
-        *out++ = exponent < 0 ? '-' : '+';
-        const int power = std::abs(exponent);
-        if (power < 10)
-            *out++ = '0';
-        return std::to_chars(out, out + 3, power).ptr;
-    }
     if (exponent < 0) {
         *out++ = '0';
         *out++ = '.';
@@ -224,18 +218,6 @@ char* WriteShortest(char* out, const Significand& significand)
 }
 
 } // namespace
-
-QString ZELKinNCFormat::Fixed(double value, int decimals)
-{
-    char text[BufferSize];
-    return QString::fromLatin1(text, WriteFixed(text, value, decimals));
-}
-
-QString ZELKinNCFormat::General(double value)
-{
-    char text[BufferSize];
-    return QString::fromLatin1(text, WriteGeneral(text, value));
-}
 
 int ZELKinNCFormat::WriteFixed(char* buffer, double value, int decimals)
 {
@@ -275,5 +257,5 @@ int ZELKinNCFormat::WriteGeneral(char* buffer, double value)
     char* out = buffer;
     if (value < 0)
         *out++ = '-';
-    return int(WriteShortest(out, SixSignificantDigits(std::abs(value))) - buffer);
+    return int(WritePlain(out, SixSignificantDigits(std::abs(value))) - buffer);
 }

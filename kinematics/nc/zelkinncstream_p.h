@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringEncoder>
 
+#include <cmath>
 #include <functional>
 
 class QIODevice;
@@ -17,16 +18,25 @@ class ZELKinPosition;
     file of millions of lines is written in large blocks, is never held in
     memory whole, and no string is made for a number.
 
-    The bytes are those that a QTextStream at its defaults writes for the
-    same values: strings in UTF-8, integers in decimal, and doubles in the
-    formats of ZELKinNCFormat: `out << value` as QTextStream writes a
-    double, `out << Fixed{value, decimals}` in plain decimal notation.
+    Strings are written in UTF-8 and integers in decimal, as a QTextStream
+    at its defaults writes them; doubles in the formats of ZELKinNCFormat:
+    `out << value` with six significant digits, `out << Fixed{value,
+    decimals}` with the decimals asked, both in plain decimal notation.
     Texts given as `const char*` and chars must be ASCII, as every literal
     of the NC dialect is.
 
+    Every number of an NC file passes through here, and none that is not
+    finite gets through: writing a NaN or an infinity throws
+    ZELSysException "the <word> of line <n> is <nan|inf|-inf>, not a finite
+    number", the number and the rest of its line unwritten. The word is the
+    address the number follows: the name before its "=" ("C1=",
+    "RetractFeedrate="), else the letters just before it (the "F" of
+    "G1F"); a number without one is named by the text before it on its
+    line: "the number after "<text>" on line <n> is ...".
+
     Whatever is left in the buffer goes to the device on Flush and when the
     stream is destroyed. Write errors are the device's to report (a
-    QSaveFile then refuses to commit); the stream throws nothing.
+    QSaveFile then refuses to commit).
 */
 class ZELKINEMATICS_EXPORT ZELKinNCStream
 {
@@ -35,11 +45,13 @@ public:
     static constexpr qsizetype DefaultBlockSize = 256 * 1024;
 
     //! A double in plain decimal notation with `decimals` digits after the
-    //! point, 0 to ZELKinNCFormat::MaximumDecimals.
+    //! point, 0 to ZELKinNCFormat::MaximumDecimals, padded on the left with
+    //! spaces to `width` characters when shorter.
     struct Fixed
     {
         double value;
         int decimals;
+        int width = 0;
     };
 
     //! `device`, open for writing, must outlive the stream.
@@ -90,6 +102,17 @@ private:
     void MakeRoom(qsizetype size);
     template <typename Integer>
     ZELKinNCStream& WriteInteger(Integer value);
+    //! Every number passes here before a byte of it is written.
+    void CheckFinite(double value)
+    {
+        if (!std::isfinite(value))
+            ThrowNonFinite(value);
+    }
+    [[noreturn]] void ThrowNonFinite(double value);
+    //! Keeps the end of the buffer's last line, about to be handed on.
+    void KeepHandedLineTail();
+    //! The text of the line being written, as far as it is kept.
+    QByteArray LineSoFar() const;
 
     QIODevice* const device;
     //! A block; only a text longer than that makes it grow.
@@ -105,6 +128,9 @@ private:
     //! first `counted` bytes.
     qint64 lineEnds = 0;
     qsizetype counted = 0;
+    //! The end of the line being written that the last blocks handed on,
+    //! so that a failure can name what the line holds before it.
+    QByteArray handedLineTail;
     PositionTrace positionTrace;
 
     Q_DISABLE_COPY_MOVE(ZELKinNCStream)

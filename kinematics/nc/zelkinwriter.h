@@ -28,7 +28,8 @@ class ZELKinWriterPrivate;
     Progress ("  Writing " and the name of each procedure's toolpath
     procedure) goes to standard output. A folder that cannot be made or a
     file that cannot be opened or written ends the process through Qt's
-    fatal message handler.
+    fatal message handler. No number that is not finite is ever written
+    (see Write).
 */
 class ZELKINEMATICS_EXPORT ZELKinWriter
 {
@@ -52,7 +53,8 @@ public:
     /*!
         Told, for every motion line of the ply files that the controller
         always runs (the approach line "N1G641 ADIS=OFF_PART", each line
-        along a course, the first off-part point and the retract lines), the
+        along a course, the course's approach point among them when it has
+        a line, the first off-part point and the retract lines), the
         file it is written to (a path below Write's `path`, or the bundle),
         its line number there from 1, and the position it moves to. In a
         bundle the line numbers count the bundle's lines. Called while the
@@ -77,9 +79,18 @@ public:
         Throws ZELSysException "cannot write the NC files of the program
         '<name>': its name contains '..'" (or another of the problems that
         ZELTPFileName names) before anything is written, when the program's
-        original file name could not stay a single file name in `path`;
-        otherwise nothing of its own, and the process ends as described
-        above.
+        original file name could not stay a single file name in `path`.
+
+        Throws ZELSysException "cannot write the NC file '<file>': the
+        <word> of line <n> is <nan|inf|-inf>, not a finite number" when a
+        number to be written is a NaN or an infinity (the F of line 57, the
+        RetractFeedrate of a ply without courses; in a bundle the line is
+        the bundle's). That file is not written: what stood at its path
+        stays as it was. The files written before it stay written, and
+        nothing after it is written.
+
+        Otherwise nothing of its own is thrown, and the process ends as
+        described above.
     */
     void Write(const QString& path, const QString& format, const QString& options);
 

@@ -1,8 +1,13 @@
 // The course blocks of a ply file: roller checks, the approach, one line per
-// position along the course with its modal words, feeds and tow codes, the
-// off-part and retract moves, and the material axis they count in.
+// position along the course with its words modal against what the
+// controller holds, feeds and tow codes, the off-part and retract moves, and
+// the material axis they count in.
 
 #include "zelkinnctestprograms.h"
+
+#include <QRegularExpression>
+
+#include <optional>
 
 using ZELTest::Axes;
 using ZELTest::HeadAngles;
@@ -20,17 +25,19 @@ protected:
 
     //! Ply 0101 (add feedrate 1270, cut feedrate 1905 unless given) with
     //! `courses` courses of tows 1 and 2 on a 16-tow roller, each between
-    //! two links; the links hold one position each, 10 inches up.
+    //! two links. The links hold one position each, at the origin and the
+    //! feed of At: a link into a course that starts there ends on its
+    //! approach point.
     void MakePly(int courses = 1, double addFeedrate = 1270.0, double cutFeedrate = 1905.0)
     {
         procedure = f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply"), addFeedrate, cutFeedrate);
         procedure->AddPlyDefinition(
             NCFixture::Ply(QStringLiteral("P1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, 1.0));
         for (int i = 0; i < courses; ++i) {
-            f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 254.0}, 5080.0);
+            f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 0.0}, 2540.0);
             f.AddCourse(procedure, 0x3, 16);
         }
-        f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 254.0}, 5080.0);
+        f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 0.0}, 2540.0);
     }
 
     ZELKinTowCourse* Course(int index = 0) const { return qobject_cast<ZELKinTowCourse*>(procedure->GetCourse(index)); }
@@ -88,15 +95,19 @@ TEST_F(ZELKinAFPGCodeCourseTest, APositionDefiningAnotherAxisIsNotARepeat)
                            QStringLiteral("OFF_COURSE_MODE")}));
 }
 
-TEST_F(ZELKinAFPGCodeCourseTest, AnAxisThatMovedNoMoreThan0001IsLeftOutOfTheLine)
+TEST_F(ZELKinAFPGCodeCourseTest, AWordIsLeftOutWhileWithin0001OfTheValueTheControllerHolds)
 {
     MakePly();
     At(0);
+    // Y stays within 0.001 of the 0 that the approach line wrote, Z does
+    // not; A and C1 were never written.
     ZELKinRollLayupPosition* moved = At(1);
     moved->SetVariableValue(f.y, 0.001);
     moved->SetVariableValue(f.z, 0.0011);
     moved->SetVariableValue(f.a, 0.0);
     moved->SetVariableValue(f.c1, 0.0);
+    // Y has gone 0.0015 from the 0 held, if only 0.0005 from the position
+    // before; Z and A stay within 0.001 of what the line before wrote.
     ZELKinRollLayupPosition* next = At(2);
     next->SetVariableValue(f.y, 0.0015);
     next->SetVariableValue(f.z, 0.0011);
@@ -106,8 +117,187 @@ TEST_F(ZELKinAFPGCodeCourseTest, AnAxisThatMovedNoMoreThan0001IsLeftOutOfTheLine
     EXPECT_EQ(CourseLines(),
               QStringList({QStringLiteral("COURSE_MODE"),
                            QStringLiteral("N2G1X1.0000Z0.0000A0.0000C1=0.0000;First point in course"),
-                           QStringLiteral("N3G1G642 ADIS=COURSEND X2.0000C1=-30.0000;Last point in course"),
+                           QStringLiteral("N3G1G642 ADIS=COURSEND X2.0000Y0.0001C1=-30.0000;Last point in course"),
                            QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+namespace {
+
+//! The value of `label`'s word in `line` (the number after the label),
+//! when the line has the word.
+std::optional<double> WordValue(const QString& line, const QString& label)
+{
+    const QRegularExpression word(QStringLiteral("(?<![A-Z])%1(-?[0-9.]+)").arg(label));
+    const QRegularExpressionMatch match = word.match(line);
+    if (!match.hasMatch())
+        return std::nullopt;
+    return match.captured(1).toDouble();
+}
+
+} // namespace
+
+TEST_F(ZELKinAFPGCodeCourseTest, AnAxisCreepingBelow0001APointIsRewrittenAtLeastEverySecondLine)
+{
+    // A rises 0.0008 rad a point over 100 points: from the 0 last written,
+    // 0.0008 is left out, 0.0016 written, so A is written every second
+    // line and the controller never holds it more than 0.001 rad behind.
+    constexpr int kPoints = 101;
+    constexpr double kRise = 0.0008;
+    MakePly();
+    for (int i = 0; i < kPoints; ++i)
+        At(i)->SetVariableValue(f.a, kRise * i);
+    const QString text = Ply();
+    const QStringList lines = ZELTest::LinesBetween(text, QStringLiteral("COURSE_MODE"), QStringLiteral("N101"));
+    ASSERT_EQ(lines.size(), 1 + (kPoints - 1) + 1 + 1);
+    // The link does not define A: the approach point gets a line for it.
+    EXPECT_EQ(lines.mid(0, 6),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N1G1G9A0.0000;First point in course"),
+                           QStringLiteral("N2G1X1.0000"), QStringLiteral("N3G1X2.0000A0.0917"),
+                           QStringLiteral("N4G1X3.0000"), QStringLiteral("N5G1X4.0000A0.1833")}));
+    EXPECT_EQ(lines.last(), QStringLiteral("N101G1G641 ADIS=OFF_PART M5M18X100.0000A4.5837;First off part point"));
+
+    // Every motion line, from the approach point to the off-part point,
+    // for point i.
+    QStringList motion = lines.mid(1);
+    motion.removeAll(QStringLiteral("OFF_COURSE_MODE"));
+    ASSERT_EQ(motion.size(), kPoints);
+    double held = ZELTest::kNaN;
+    int sinceWritten = 0;
+    for (int i = 0; i < kPoints; ++i) {
+        const std::optional<double> degrees = WordValue(motion.at(i), QStringLiteral("A"));
+        sinceWritten = degrees ? 0 : sinceWritten + 1;
+        if (degrees)
+            held = ZELTest::Radians(*degrees);
+        EXPECT_LE(sinceWritten, 1) << motion.at(i).toStdString();
+        // The word has four decimals of a degree.
+        EXPECT_LE(std::abs(kRise * i - held), 0.001 + ZELTest::Radians(0.00005)) << motion.at(i).toStdString();
+    }
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, AFeedCreepingBelow0001APointIsRewrittenEverySecondLine)
+{
+    // The feed rises 0.0008 mm/min a point from the 2540 held: F is written
+    // again once it has gone 0.0016 from the value last written. Six
+    // significant digits of it read F100 each time.
+    MakePly();
+    for (int i = 0; i < 8; ++i)
+        At(i, 2540.0 + 0.0008 * i);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X1.0000;First point in course"),
+                           QStringLiteral("N3G1X2.0000F100"), QStringLiteral("N4G1X3.0000"),
+                           QStringLiteral("N5G1X4.0000F100"), QStringLiteral("N6G1X5.0000"),
+                           QStringLiteral("N7G1G642 ADIS=COURSEND X6.0000F100;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, ALineWhoseAxesRepeatButWhoseFeedDiffersIsWrittenWithItsFeedAlone)
+{
+    MakePly();
+    At(0);
+    At(1);
+    At(1, 3810.0);
+    At(2, 3810.0);
+    At(3, 3810.0);
+    At(4, 3810.0);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X1.0000;First point in course"),
+                           QStringLiteral("N3M69G1F150"), QStringLiteral("N4G1X2.0000"),
+                           QStringLiteral("N5G1G642 ADIS=COURSEND X3.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, ARepeatedPositionWhoseCutLimitsItsFeedIsWrittenWithTheFeedAndTheCut)
+{
+    MakePly();
+    At(0);
+    At(1);
+    At(1);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Cut, 0x3);
+    At(2);
+    At(3);
+    At(4);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X1.0000;First point in course"),
+                           QStringLiteral("N3M69G1F75;{S3}"), QStringLiteral("N4G1X2.0000F100"),
+                           QStringLiteral("N5G1G642 ADIS=COURSEND X3.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, TheOffPartAndRetractLinesAreModalAgainstWhatTheControllerHolds)
+{
+    MakePly();
+    At(0);
+    // Y creeps by 0.0008 a position: 0.0008 is left out, 0.0016 written.
+    At(1)->SetVariableValue(f.y, 0.0008);
+    At(2)->SetVariableValue(f.y, 0.0016);
+    ZELKinCourseLink* retract = procedure->GetCourseLink(1);
+    // After the link's first position, which only marks the start:
+    f.AddLinkPosition(retract, {50.8, 0.0024, 254.0}, 2540.0);
+    f.AddLinkPosition(retract, {50.8, 0.0032, 254.0}, 2540.0);
+    EXPECT_EQ(ZELTest::LinesBetween(Ply(), QStringLiteral("COURSE_MODE"), QStringLiteral("; End of Course")),
+              QStringList({QStringLiteral("COURSE_MODE"),
+                           QStringLiteral("N2G1G642 ADIS=COURSEND X1.0000;First point in course;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE"),
+                           QStringLiteral("N3G1G641 ADIS=OFF_PART M5M18X2.0000Y0.0001;First off part point"),
+                           QStringLiteral("CHECK_M01; Check Whether Optional Stopping"),
+                           QStringLiteral("N4G1G642 ADIS=OFF_PART Z10.0000"),
+                           QStringLiteral("N5G1G642 ADIS=OFF_PART Y0.0001"),
+                           QStringLiteral("; End of Course #1 Circuit")}));
+}
+
+// The approach point
+
+TEST_F(ZELKinAFPGCodeCourseTest, AnApproachPointTheLinkDoesNotEndOnGetsALineOfItsOwnWithAnExactStop)
+{
+    MakePly();
+    // The link now ends 10 inches above the approach point.
+    f.AddLinkPosition(procedure->GetCourseLink(0), {0.0, 0.0, 254.0}, 5080.0);
+    ZELKinRollLayupPosition* first = At(0);
+    At(1);
+    At(2);
+    At(3);
+    const QString text = Ply();
+    EXPECT_EQ(ZELTest::LinesStartingWith(text, QStringLiteral("N1G641")),
+              QStringList({QStringLiteral("N1G641 ADIS=OFF_PART X0.0000Y0.0000Z10.0000F200; Last off part point")}));
+    EXPECT_EQ(ZELTest::LinesBetween(text, QStringLiteral("COURSE_MODE"), QStringLiteral("OFF_COURSE_MODE")),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N1G1G9Z0.0000F100;First point in course"),
+                           QStringLiteral("N2G1X1.0000"),
+                           QStringLiteral("N3G1G642 ADIS=COURSEND X2.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+    EXPECT_TRUE(ZELTest::SameDouble(2540.0, first->property("actualFeedrate").toDouble(), ZELTest::kExact));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, TheApproachPointLineTakesTheTowCodesAfterItAndTheirFeed)
+{
+    MakePly();
+    f.AddLinkPosition(procedure->GetCourseLink(0), {0.0, 0.0, 254.0}, 5080.0);
+    At(0);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Add, 0x3);
+    for (int i = 1; i < 5; ++i)
+        At(i);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N1G1G9Z0.0000F50;{T3};First point in course"),
+                           QStringLiteral("N2M69G1X1.0000F100"), QStringLiteral("N3G1X2.0000"),
+                           QStringLiteral("N4G1G642 ADIS=COURSEND X3.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, AnApproachPointTheLinkEndsOnGivesNoLineWhateverTheFeed)
+{
+    MakePly();
+    // The link ends on the approach point's axes, at another feed, which
+    // the first line writes.
+    f.AddLinkPosition(procedure->GetCourseLink(0), {0.0, 0.0, 0.0}, 5080.0);
+    ZELKinRollLayupPosition* first = At(0);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Add, 0x3);
+    At(1);
+    At(2);
+    At(3);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X1.0000F100;First point in course"),
+                           QStringLiteral("N3G1G642 ADIS=COURSEND X2.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+    EXPECT_FALSE(first->property("actualFeedrate").isValid());
 }
 
 namespace {
@@ -318,7 +508,9 @@ TEST_F(ZELKinAFPGCodeCourseTest, TowCodesOfARunOfTowAndFeedCommandsGoTogetherAnd
 
 TEST_F(ZELKinAFPGCodeCourseTest, TheTowCodesOfARepeatedPositionGoToTheNextLineWritten)
 {
-    MakePly();
+    // Feedrates that limit nothing: the repeated positions' lines would
+    // hold no word.
+    MakePly(1, 5080.0, 5080.0);
     At(0);
     At(1);
     At(1);
@@ -331,7 +523,7 @@ TEST_F(ZELKinAFPGCodeCourseTest, TheTowCodesOfARepeatedPositionGoToTheNextLineWr
     At(5);
     EXPECT_EQ(CourseLines(),
               QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X1.0000;First point in course"),
-                           QStringLiteral("N5M69G1X2.0000F50;{S3T1}"), QStringLiteral("N6G1X3.0000F100"),
+                           QStringLiteral("N5G1X2.0000;{S3T1}"), QStringLiteral("N6G1X3.0000"),
                            QStringLiteral("N7G1G642 ADIS=COURSEND X4.0000;Last point in course"),
                            QStringLiteral("OFF_COURSE_MODE")}));
 }

@@ -1,14 +1,16 @@
 // The ply file (.PPF) of the AFP G-code dialect: its head, start-up codes,
-// ply records and end, and a whole ply of two courses.
+// ply records and end, a whole ply of two courses, and the plies that cannot
+// be written for a number that is not finite.
 
 #include "zelkinnctestprograms.h"
+
+#include <zelsysexception.h>
 
 using ZELTest::NCFixture;
 
 namespace {
 
-// The head of a ply file up to its first course, for a procedure without
-// courses.
+// The text of a ply file, which these tests read for its head.
 QString HeadOf(NCFixture& f, const QString& fileName = QStringLiteral("PART#0101.PPF"))
 {
     return f.WriteAndRead(fileName);
@@ -32,12 +34,12 @@ TEST(ZELKinAFPGCodePly, WritingTwiceGivesTheSameText)
     EXPECT_EQ(f.WriteAndRead(QStringLiteral("PART#0101.PPF"), ZELTest::kGoldenOptions), first);
 }
 
-TEST(ZELKinAFPGCodePly, APlyWithoutPliesOrCoursesHasOnlyItsFixedLines)
+TEST(ZELKinAFPGCodePly, APlyWithoutPliesHasOnlyItsFixedLinesAroundItsCourses)
 {
     NCFixture f;
-    f.AddLayup(QStringLiteral("Empty"), QStringLiteral("Empty"));
-    f.AddLayup(QStringLiteral("Second"), QStringLiteral("Second"));
-    const QString expected = QStringLiteral(
+    f.AddShortCourse(f.AddLayup(QStringLiteral("First"), QStringLiteral("First")));
+    f.AddShortCourse(f.AddLayup(QStringLiteral("Second"), QStringLiteral("Second")));
+    const QString head = QStringLiteral(
         "; Sequence 0102 processed by jdoe at Tue Mar 5 14:07:09 2024\n"
         "; SEQ       PLY      MATERIAL   ANGLE    METHOD  \n"
         "; ==== ============= ======== ========= ======== \n"
@@ -63,17 +65,48 @@ TEST(ZELKinAFPGCodePly, APlyWithoutPliesOrCoursesHasOnlyItsFixedLines)
         "M50; Cancel Process Parameter Zones\n"
         ";[END START-UP CODES]\n"
         "MSG(\"PART\")\n"
-        ";[RETRACT MODEL] OPMM=SPECIFIED,RetractAxis=Z,RetractValue=0.000000,RetractFeedrate=nan\n"
+        ";[RETRACT MODEL] OPMM=SPECIFIED,RetractAxis=Z,RetractValue=0.000000,RetractFeedrate=100.000000\n"
         "GUD_MATERIAL_REQUIRED=\"\"\n"
         "M27; Verify Material Loaded\n"
         ";[PHASE] Phase=AFP\n"
         "M61; Activate Layup Traori\n"
-        "M67; Establish Tool Transformation Frame\n"
+        "M67; Establish Tool Transformation Frame\n");
+    const QString end = QStringLiteral(
+        "; End of Course #1 Circuit\n"
         "M21; Ply End\n"
         "M23; Sequence End\n"
         "RETZ; Move to clearance point\n"
         "M02\n");
-    EXPECT_EQ(HeadOf(f, QStringLiteral("PART#0102.PPF")), expected);
+    const QString text = HeadOf(f, QStringLiteral("PART#0102.PPF"));
+    EXPECT_EQ(text.left(text.indexOf(QStringLiteral(";[COURSE] "))), head);
+    EXPECT_TRUE(text.endsWith(end)) << text.right(end.size()).toStdString();
+}
+
+TEST(ZELKinAFPGCodePly, APlyWithoutCoursesIsNotWrittenForWantOfARetractFeedrate)
+{
+    NCFixture f;
+    f.AddLayup(QStringLiteral("Empty"), QStringLiteral("Empty"));
+    const QString path = QDir(f.output.path()).filePath(QStringLiteral("PART/PART#0101.PPF"));
+    EXPECT_THROW_MESSAGE(
+        HeadOf(f), ZELSysException,
+        QStringLiteral("cannot write the NC file '%1': the RetractFeedrate of line 26 is nan, not a finite number")
+            .arg(path));
+    EXPECT_FALSE(QFileInfo::exists(path));
+}
+
+TEST(ZELKinAFPGCodePly, APlyOfAnAreaThatIsNotANumberIsNotWritten)
+{
+    NCFixture f;
+    ZELKinRollLayupProcedure* procedure = f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply"));
+    procedure->AddPlyDefinition(
+        NCFixture::Ply(QStringLiteral("P1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, ZELTest::kNaN));
+    f.AddShortCourse(procedure);
+    // The ply record follows the three heading lines, the ply's head line,
+    // 21 start-up lines, the message and the retract model.
+    EXPECT_THROW_MESSAGE(
+        HeadOf(f), ZELSysException,
+        QStringLiteral("cannot write the NC file '%1': the Area of line 28 is nan, not a finite number")
+            .arg(QDir(f.output.path()).filePath(QStringLiteral("PART/PART#0101.PPF"))));
 }
 
 namespace {
@@ -107,8 +140,6 @@ const PlyRecordCase kPlyRecordCases[] = {
      ";[PLY] PlyId=P1,Angle=0.000,Method=User Defined,Area=1.000"},
     {"ShortLabelIsPadded", "P1", "IM7", 0.0, 4, 1.0, "; 0101 P1            IM7          0.000 Geodesic",
      ";[PLY] PlyId=P1,Angle=0.000,Method=Geodesic,Area=1.000"},
-    {"NaNArea", "P1", "IM7", 0.0, 0, ZELTest::kNaN, "; 0101 P1            IM7          0.000 A-ANGLE ",
-     ";[PLY] PlyId=P1,Angle=0.000,Method=A-ANGLE,Area=nan"},
 };
 
 } // namespace
@@ -121,6 +152,7 @@ TEST_P(ZELKinAFPGCodePlyRecordTest, APlyIsShownInDegreesInTheHeadAndInRadiansInI
                                                QString::fromUtf8(GetParam().material),
                                                ZELTest::Radians(GetParam().degrees),
                                                ZELCompStrategy::PropagationMode(GetParam().method), GetParam().area));
+    f.AddShortCourse(procedure);
     const QString text = HeadOf(f);
     EXPECT_EQ(ZELTest::LinesStartingWith(text, QStringLiteral("; 0101 ")),
               QStringList({QString::fromUtf8(GetParam().headLine)}));
@@ -137,6 +169,7 @@ TEST(ZELKinAFPGCodePly, TheRequiredMaterialIsThatOfTheLastPly)
     for (const char* material : {"IM7", "AS4", "T800"})
         procedure->AddPlyDefinition(
             NCFixture::Ply(QStringLiteral("P"), QString::fromLatin1(material), 0.0, ZELCompStrategy::Angle, 1.0));
+    f.AddShortCourse(procedure);
     EXPECT_EQ(ZELTest::LinesStartingWith(HeadOf(f), QStringLiteral("GUD_MATERIAL_REQUIRED=")),
               QStringList({QStringLiteral("GUD_MATERIAL_REQUIRED=\"T800\"")}));
 }
@@ -146,16 +179,16 @@ TEST(ZELKinAFPGCodePly, TheRetractModelTakesTheSafetyPlaneAndTheFeedOfTheFirstCo
     NCFixture f;
     ZELKinRollLayupProcedure* procedure = f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply"));
     procedure->SetSafetyPlane(ZELMathPlane(ZELMathPoint(1.0, 2.0, -12.7), ZELMathVector(0, 0, 1)));
-    ZELKinTestAccess::CreateCourseLink(procedure);
+    f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 25.4}, 3810.0);
     ZELKinTowCourse* first = f.AddCourse(procedure, 0x1, 16);
     f.AddCoursePosition(first, 1, {0.0, 0.0, 0.0}, 2540.0);
     f.AddCoursePosition(first, 2, {25.4, 0.0, 0.0}, 1270.0);
     // A command after the last position does not hide it.
     f.AddTowCommand(first, ZELKinTowCommand::Cut, 0x1);
-    ZELKinTestAccess::CreateCourseLink(procedure);
+    f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 25.4}, 3810.0);
     ZELKinTowCourse* second = f.AddCourse(procedure, 0x1, 16);
     f.AddCoursePosition(second, 1, {0.0, 0.0, 0.0}, 5080.0);
-    ZELKinTestAccess::CreateCourseLink(procedure);
+    f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 25.4}, 3810.0);
     EXPECT_EQ(ZELTest::LinesStartingWith(HeadOf(f), QStringLiteral(";[RETRACT MODEL]")),
               QStringList({QStringLiteral(
                   ";[RETRACT MODEL] OPMM=SPECIFIED,RetractAxis=Z,RetractValue=-0.500000,RetractFeedrate=50.000000")}));
@@ -166,7 +199,7 @@ TEST(ZELKinAFPGCodePly, TheSequenceRecordPrintsTheProgramsAuthorAndDate)
     NCFixture f;
     f.program->SetAuthor(QStringLiteral("A. N. Other"));
     f.program->SetDate(QDateTime(QDate(2023, 12, 25), QTime(23, 59, 58)));
-    f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply"));
+    f.AddShortCourse(f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply")));
     EXPECT_EQ(ZELTest::LinesStartingWith(HeadOf(f), QStringLiteral("; Sequence")),
               QStringList({QStringLiteral("; Sequence 0101 processed by A. N. Other at Mon Dec 25 23:59:58 2023")}));
 }

@@ -50,7 +50,7 @@ TEST(ZELKinAFPGCodeProbing, TwoTargetsOfOneXMoveInYOnly)
               QStringList({QStringLiteral("G1Y-2.5F50; Position Axes For Next Tooling Point")}));
 }
 
-TEST(ZELKinAFPGCodeProbing, MovesBetweenTargetsAreIncrementalInXAndYWithSixSignificantDigits)
+TEST(ZELKinAFPGCodeProbing, MovesBetweenTargetsAreIncrementalInXAndYWithSixSignificantDigitsInPlainNotation)
 {
     NCFixture f;
     ZELKinProbeProcedure* probing = f.AddProbing(QStringLiteral("probe"));
@@ -61,8 +61,8 @@ TEST(ZELKinAFPGCodeProbing, MovesBetweenTargetsAreIncrementalInXAndYWithSixSigni
     }
     EXPECT_EQ(ZELTest::LinesStartingWith(Probing(f), QStringLiteral("G1")),
               QStringList({QStringLiteral("G1X0.0393701Y100F39.3701; Position Axes For Next Tooling Point"),
-                           QStringLiteral("G1X4.33071e-05F39.3701; Position Axes For Next Tooling Point"),
-                           QStringLiteral("G1X-1e+06F39.3701; Position Axes For Next Tooling Point")}));
+                           QStringLiteral("G1X0.0000433071F39.3701; Position Axes For Next Tooling Point"),
+                           QStringLiteral("G1X-1000000F39.3701; Position Axes For Next Tooling Point")}));
 }
 
 TEST(ZELKinAFPGCodeProbing, AnInchOfToolingRetractIsWrittenWithTwoAndWithFourDecimals)

@@ -124,6 +124,7 @@ TEST_P(ZELKinAFPGCodeProgramSetPlyRowTest, APlyRowHasItsColumnsPaddedAndItsMetho
     procedure->AddPlyDefinition(
         NCFixture::Ply(QString::fromUtf8(GetParam().plyName), QString::fromUtf8(GetParam().material),
                        ZELTest::Radians(GetParam().degrees), ZELCompStrategy::PropagationMode(GetParam().method), 1.0));
+    f.AddShortCourse(procedure);
     EXPECT_EQ(PlyTableLine(f), QString::fromUtf8(GetParam().line));
 }
 
@@ -141,6 +142,8 @@ TEST(ZELKinAFPGCodeProgramSet, PliesAreListedProcedureByProcedureInProgramOrder)
         NCFixture::Ply(QStringLiteral("F1"), QStringLiteral("M"), 0.0, ZELCompStrategy::Angle, 1.0));
     first->AddPlyDefinition(
         NCFixture::Ply(QStringLiteral("F2"), QStringLiteral("M"), 0.0, ZELCompStrategy::Angle, 1.0));
+    f.AddShortCourse(first);
+    f.AddShortCourse(second);
     const QString text = f.WriteAndRead(QStringLiteral("PART.PPSF"));
     EXPECT_EQ(ZELTest::LinesBetween(text, QStringLiteral("; NC_NUM"), QStringLiteral(" 0102")),
               QStringList({QStringLiteral("; NC_NUM, VelTRACK Name"), QStringLiteral("; 0101, First layup"),

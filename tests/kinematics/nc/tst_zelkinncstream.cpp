@@ -1,8 +1,10 @@
 // The buffered stream of NC text: the bytes a text stream would write, in
-// blocks.
+// blocks, and no number that is not finite.
 
 #include <zelkinncformat_p.h>
 #include <zelkinncstream_p.h>
+
+#include <zelsysexception.h>
 
 #include <zeltestsupport.h>
 
@@ -86,15 +88,12 @@ TEST(ZELKinNCStream, IntegersAreWrittenInDecimalAsATextStreamWritesThem)
     EXPECT_EQ(bytes, TextStreamBytes(write));
 }
 
-TEST(ZELKinNCStream, DoublesAreWrittenAsATextStreamWritesThem)
+TEST(ZELKinNCStream, DoublesAreWrittenWithSixSignificantDigitsInPlainNotation)
 {
-    const auto write = [](auto& out) {
-        out << 100.0 << ' ' << 39.37007874015748 << ' ' << -1234567.0 << ' ' << 0.0000433 << ' '
-            << std::numeric_limits<double>::quiet_NaN();
-    };
-    const QByteArray bytes = NCStreamBytes(write);
-    EXPECT_EQ(bytes, QByteArray("100 39.3701 -1.23457e+06 4.33e-05 nan"));
-    EXPECT_EQ(bytes, TextStreamBytes(write));
+    const QByteArray bytes = NCStreamBytes([](ZELKinNCStream& out) {
+        out << 100.0 << ' ' << 39.37007874015748 << ' ' << -1234567.0 << ' ' << 0.0000433 << ' ' << 0.5;
+    });
+    EXPECT_EQ(bytes, QByteArray("100 39.3701 -1234570 0.0000433 0.5"));
 }
 
 TEST(ZELKinNCStream, FixedNumbersHaveTheDecimalsAsked)
@@ -104,6 +103,107 @@ TEST(ZELKinNCStream, FixedNumbersHaveTheDecimalsAsked)
             << ZELKinNCStream::Fixed{-0.00001, 4} << "R" << ZELKinNCStream::Fixed{2.5, 0};
     });
     EXPECT_EQ(bytes, QByteArray("X10.0000Y-0.13U-0.0000R3"));
+}
+
+TEST(ZELKinNCStream, AFixedNumberWithAWidthIsPaddedOnTheLeftAndNeverCut)
+{
+    const QByteArray bytes = NCStreamBytes([](ZELKinNCStream& out) {
+        out << ',' << ZELKinNCStream::Fixed{-45.0, 3, 9} << ',' << ZELKinNCStream::Fixed{90.0, 3, 9} << ','
+            << ZELKinNCStream::Fixed{-123456.0, 3, 9} << ',';
+    });
+    EXPECT_EQ(bytes, QByteArray(",  -45.000,   90.000,-123456.000,"));
+}
+
+// Numbers that are not finite
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+struct NonFiniteCase
+{
+    const char* name;
+    //! Written before the number.
+    const char* before;
+    double value;
+    //! Whether the number is written in fixed notation.
+    bool fixed;
+    const char* message;
+};
+ZELTEST_PRINT_CASE_BY_NAME(NonFiniteCase);
+
+class ZELKinNCStreamNonFiniteTest : public ::testing::TestWithParam<NonFiniteCase>
+{
+};
+
+const NonFiniteCase kNonFiniteCases[] = {
+    {"FeedAfterALetterCode", "N56G1X1.0000\nN57G1F", kNaN, false, "the F of line 2 is nan, not a finite number"},
+    {"AxisWithALongLabel", "N1G1X1.0000C1=", kInfinity, true, "the C1 of line 1 is inf, not a finite number"},
+    {"LongLabelAfterCodes", "N7G1G641 ADIS=OFF_PART M5M18C1=", kNaN, true,
+     "the C1 of line 1 is nan, not a finite number"},
+    {"NameEndingInDigits", ";[TOW LENGTH]T1=1.00,T12=", kNaN, true, "the T12 of line 1 is nan, not a finite number"},
+    {"NamedValue", ";[RETRACT MODEL] OPMM=SPECIFIED,RetractFeedrate=", -kInfinity, true,
+     "the RetractFeedrate of line 1 is -inf, not a finite number"},
+    {"NameWithAnUnderscore", " AVERAGE_ADD_DISTANCE=", kNaN, true,
+     "the AVERAGE_ADD_DISTANCE of line 1 is nan, not a finite number"},
+    {"LetterAfterAFixedNumber", "G1X1.0000Y", kNaN, true, "the Y of line 1 is nan, not a finite number"},
+    {"NumberWithoutAnAddress", "A\nB\nPRB_SPH (GUD_PROBED_X, ", kNaN, true,
+     "the number after \"PRB_SPH (GUD_PROBED_X, \" on line 3 is nan, not a finite number"},
+    {"NumberAtTheStartOfALine", "M02\n", -kInfinity, false,
+     "the number after \"\" on line 2 is -inf, not a finite number"},
+};
+
+} // namespace
+
+TEST_P(ZELKinNCStreamNonFiniteTest, IsRefusedNamingItsWordAndLine)
+{
+    const NonFiniteCase& testCase = GetParam();
+    QByteArray bytes;
+    QBuffer device(&bytes);
+    device.open(QIODevice::WriteOnly);
+    {
+        ZELKinNCStream out(&device);
+        out << testCase.before;
+        if (testCase.fixed)
+            EXPECT_THROW_MESSAGE((out << ZELKinNCStream::Fixed{testCase.value, 4}), ZELSysException, testCase.message);
+        else
+            EXPECT_THROW_MESSAGE(out << testCase.value, ZELSysException, testCase.message);
+    }
+    // Nothing of the number reaches the device.
+    EXPECT_EQ(bytes, QByteArray(testCase.before));
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, ZELKinNCStreamNonFiniteTest, ::testing::ValuesIn(kNonFiniteCases));
+
+TEST(ZELKinNCStream, AWordHandedToTheDeviceInPartIsNamedWhole)
+{
+    QByteArray bytes;
+    QBuffer device(&bytes);
+    device.open(QIODevice::WriteOnly);
+    // Blocks of 16 bytes: the first part of the word goes to the device
+    // when its second part does not fit the block.
+    ZELKinNCStream out(&device, 16);
+    out << "N1G1X1.0000\n";
+    out << ";[RETRACT MODEL] Retract";
+    out << "Feedrate=";
+    ASSERT_TRUE(bytes.endsWith("Retract"));
+    EXPECT_THROW_MESSAGE((out << ZELKinNCStream::Fixed{kNaN, 6}), ZELSysException,
+                         "the RetractFeedrate of line 2 is nan, not a finite number");
+}
+
+TEST(ZELKinNCStream, ANumberWithoutAnAddressIsNamedByTheLastEightyCharactersOfItsLine)
+{
+    QByteArray bytes;
+    QBuffer device(&bytes);
+    device.open(QIODevice::WriteOnly);
+    ZELKinNCStream out(&device, 16);
+    out << "M02\n";
+    // Longer than a block.
+    out << QByteArray(100, 'x').constData() << ", ";
+    EXPECT_THROW_MESSAGE(out << kInfinity, ZELSysException,
+                         QStringLiteral("the number after \"%1, \" on line 2 is inf, not a finite number")
+                             .arg(QString(78, QLatin1Char('x'))));
 }
 
 TEST(ZELKinNCStream, TextWaitsInTheBufferUntilABlockIsFull)

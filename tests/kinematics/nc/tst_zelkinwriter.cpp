@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 using ZELTest::NCFixture;
 
@@ -184,9 +185,9 @@ TEST_F(ZELKinWriterTest, APathEndingInAptsourceWritesABundleBesideItAndNoDirecto
 TEST_F(ZELKinWriterTest, ThreePliesAndAProbeProcedureGiveTheProgramSetThreePlyFilesAndTheProbingFile)
 {
     for (const char* name : {"one", "two"})
-        f.AddLayup(QString::fromLatin1(name), QString::fromLatin1(name));
+        f.AddShortCourse(f.AddLayup(QString::fromLatin1(name), QString::fromLatin1(name)));
     f.AddProbing(QStringLiteral("probe"));
-    f.AddLayup(QStringLiteral("three"), QStringLiteral("three"));
+    f.AddShortCourse(f.AddLayup(QStringLiteral("three"), QStringLiteral("three")));
     Write(Output(QStringLiteral("nc")));
     EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc"))), QStringList({QStringLiteral("PART")}));
     EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc/PART"))),
@@ -199,6 +200,8 @@ TEST_F(ZELKinWriterTest, RollLayupProceduresAreNumberedFrom101SkippingOtherKinds
     ZELKinRollLayupProcedure* first = f.AddLayup(QStringLiteral("one"), QStringLiteral("one"));
     ZELKinProbeProcedure* probing = f.AddProbing(QStringLiteral("probe"));
     ZELKinRollLayupProcedure* second = f.AddLayup(QStringLiteral("two"), QStringLiteral("two"));
+    f.AddShortCourse(first);
+    f.AddShortCourse(second);
     Write(Output(QStringLiteral("nc")));
     EXPECT_EQ(first->property("PlyNum").toInt(), 101);
     EXPECT_EQ(second->property("PlyNum").toInt(), 102);
@@ -209,6 +212,7 @@ TEST_F(ZELKinWriterTest, AProcedureThatIsGoneIsSkipped)
 {
     delete f.AddLayup(QStringLiteral("gone"), QStringLiteral("gone"));
     ZELKinRollLayupProcedure* kept = f.AddLayup(QStringLiteral("kept"), QStringLiteral("kept"));
+    f.AddShortCourse(kept);
     ASSERT_EQ(f.program->GetProcedure(0), nullptr);
     ::testing::internal::CaptureStdout();
     Write(Output(QStringLiteral("PART.bun")));
@@ -302,6 +306,7 @@ TEST_F(ZELKinWriterTest, TextOutsideAsciiIsWrittenInUtf8)
     ZELKinRollLayupProcedure* ply = f.AddLayup(QString::fromUtf8("Pli \xC3\xA9t\xC3\xA9"), QStringLiteral("Layup"));
     ply->AddPlyDefinition(NCFixture::Ply(QString::fromUtf8("\xE5\xB1\xA4"), QString::fromUtf8("\xC3\x84S4"), 0.0,
                                          ZELCompStrategy::Angle, 1.0));
+    f.AddShortCourse(ply);
     Write(Output(QStringLiteral("nc")));
 
     QFile programSet(Output(QStringLiteral("nc/PART/PART.PPSF")));
@@ -332,8 +337,9 @@ TEST_F(ZELKinWriterTest, APlyFileOfManyBlocksIsWrittenWholeAndInOrder)
         f.AddCoursePosition(course, n, {25.4 * n, 0.0, 0.0}, 2540.0);
     Write(Output(QStringLiteral("nc")));
 
-    QStringList expected{QStringLiteral("COURSE_MODE"), QStringLiteral("N2G1X2.0000;First point in course")};
-    for (int n = 3; n < kPositions - 1; ++n)
+    // The link ends an inch above the approach point, which gets a line.
+    QStringList expected{QStringLiteral("COURSE_MODE"), QStringLiteral("N1G1G9Z0.0000;First point in course")};
+    for (int n = 2; n < kPositions - 1; ++n)
         expected.append(QStringLiteral("N%1G1X%1.0000").arg(n));
     expected.append(QStringLiteral("N%1G1G642 ADIS=COURSEND X%1.0000;Last point in course").arg(kPositions - 1));
     expected.append(QStringLiteral("OFF_COURSE_MODE"));
@@ -349,6 +355,83 @@ TEST_F(ZELKinWriterTest, APlyFileOfManyBlocksIsWrittenWholeAndInOrder)
                                              "RETZ; Move to clearance point\n"
                                              "M02\n")
                                   .arg(kPositions)));
+}
+
+// Numbers that are not finite
+
+namespace {
+
+/*!
+    One ply (0101) without ply records: a link ending at the origin, and a
+    course of four positions an inch apart along X, at 2540 mm/min.
+    Returns the course's third position, whose line is line 70 of the ply
+    file: the approach point gives no line, the second position's is
+    line 69.
+*/
+ZELKinRollLayupPosition* BuildShortPly(NCFixture& f)
+{
+    ZELKinRollLayupProcedure* ply = f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply"));
+    f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(ply), {0.0, 0.0, 0.0}, 2540.0);
+    ZELKinTowCourse* course = f.AddCourse(ply, 0x1, 16);
+    ZELKinRollLayupPosition* third = nullptr;
+    for (int n = 1; n <= 4; ++n) {
+        ZELKinRollLayupPosition* position = f.AddCoursePosition(course, n, {25.4 * (n - 1), 0.0, 0.0}, 2540.0);
+        if (n == 3)
+            third = position;
+    }
+    f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(ply), {76.2, 0.0, 25.4}, 2540.0);
+    return third;
+}
+
+} // namespace
+
+TEST_F(ZELKinWriterTest, ANumberThatIsNotFiniteFailsTheWriteAndLeavesTheOldFileWhole)
+{
+    ZELKinRollLayupPosition* third = BuildShortPly(f);
+    Write(Output(QStringLiteral("nc")));
+    const QString plyFile = Output(QStringLiteral("nc/PART/PART#0101.PPF"));
+    const QString before = NCFixture::ReadText(plyFile);
+    ASSERT_TRUE(before.contains(QStringLiteral("\nN3G1G642 ADIS=COURSEND X2.0000;Last point in course\n")));
+
+    third->SetFeedrate(ZELTest::kNaN);
+    // A procedure after the ply, whose file is never begun.
+    f.AddProbing(QStringLiteral("probe"));
+    EXPECT_THROW_MESSAGE(
+        Write(Output(QStringLiteral("nc"))), ZELSysException,
+        QStringLiteral("cannot write the NC file '%1': the F of line 70 is nan, not a finite number").arg(plyFile));
+    EXPECT_EQ(NCFixture::ReadText(plyFile), before);
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc/PART"))),
+              QStringList({QStringLiteral("PART#0101.PPF"), QStringLiteral("PART.PPSF")}));
+}
+
+TEST_F(ZELKinWriterTest, InABundleANumberThatIsNotFiniteIsNamedByTheBundlesLineAndTheBundleStaysWhole)
+{
+    ZELKinRollLayupPosition* third = BuildShortPly(f);
+    const QString bundle = Output(QStringLiteral("PART.bun"));
+    Write(bundle);
+    const QString before = NCFixture::ReadText(bundle);
+
+    third->SetVariableValue(f.x, std::numeric_limits<double>::infinity());
+    // Line 70 of the ply comes after the bundle's first line, three empty
+    // lines, the program-set marker and an empty line, the 72 lines of the
+    // program-set file, its end marker and the ply's marker: line 150.
+    EXPECT_THROW_MESSAGE(
+        Write(bundle), ZELSysException,
+        QStringLiteral("cannot write the NC file '%1': the X of line 150 is inf, not a finite number").arg(bundle));
+    EXPECT_EQ(NCFixture::ReadText(bundle), before);
+    EXPECT_EQ(EntriesOf(Output()), QStringList({QStringLiteral("PART.bun")}));
+}
+
+TEST_F(ZELKinWriterTest, AToolingRetractThatIsNotANumberFailsTheProbingFile)
+{
+    ZELKinProbeProcedure* probing = f.AddProbing(QStringLiteral("probe"));
+    f.AddProbePosition(probing, {0.0, 0.0, 0.0}, 1270.0);
+    const QString probingFile = Output(QStringLiteral("nc/PART/PART.PTPF"));
+    EXPECT_THROW_MESSAGE(
+        Write(Output(QStringLiteral("nc")), QStringLiteral("tooling-retract: nan")), ZELSysException,
+        QStringLiteral("cannot write the NC file '%1': the Retract of line 22 is nan, not a finite number")
+            .arg(probingFile));
+    EXPECT_FALSE(QFileInfo::exists(probingFile));
 }
 
 TEST_F(ZELKinWriterTest, AWriterWithoutAProgramWritesNothing)
@@ -566,6 +649,7 @@ TEST_F(ZELKinWriterTest, OnePlyMissingFromTheOldBundleEndsTheProcessAndLeavesThe
     ZELKinRollLayupProcedure* third = f.AddLayup(QStringLiteral("Ply C"), QStringLiteral("Ply C"));
     third->AddPlyDefinition(
         NCFixture::Ply(QStringLiteral("C1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, 1.0));
+    f.AddShortCourse(third);
 
     EXPECT_DEATH(
         {
@@ -647,16 +731,17 @@ TEST_F(ZELKinWriterTest, ALineTraceIsToldEveryNumberedBlockOfThePlyFilesInOrder)
 
     const QString first = Output(QStringLiteral("nc/PART/PART#0101.PPF"));
     const QString second = Output(QStringLiteral("nc/PART/PART#0102.PPF"));
-    // Per ply: the approach line and the off-part point, the course's last
-    // position; its first is the approach point, and the retract leaves from
-    // the off-part point, so neither gives a line.
-    ASSERT_EQ(NumberedBlocks(first).size(), 2);
+    // Per ply: the approach line, the course's first position (the approach
+    // point, which the link ends above) and its last, the off-part point;
+    // the retract leaves from the off-part point and gives no line.
+    ASSERT_EQ(NumberedBlocks(first).size(), 3);
     EXPECT_EQ(PlacesOf(traced), NumberedBlocks(first) + NumberedBlocks(second));
 
     const auto* firstPly = qobject_cast<ZELKinRollLayupProcedure*>(f.program->GetProcedure(0));
     ASSERT_NE(firstPly, nullptr);
     EXPECT_EQ(traced.at(0).position, firstPly->GetCourseLink(0)->GetLastPosition());
-    EXPECT_EQ(traced.at(1).position, firstPly->GetCourse(0)->GetLastPosition());
+    EXPECT_EQ(traced.at(1).position, qobject_cast<ZELKinPosition*>(firstPly->GetCourse(0)->GetCommand(0)));
+    EXPECT_EQ(traced.at(2).position, firstPly->GetCourse(0)->GetLastPosition());
 }
 
 TEST_F(ZELKinWriterTest, InABundleTheTraceCountsTheBundlesLines)
@@ -666,5 +751,5 @@ TEST_F(ZELKinWriterTest, InABundleTheTraceCountsTheBundlesLines)
     const QList<TracedLine> traced = WriteTraced(f.program, bundle);
 
     EXPECT_EQ(PlacesOf(traced), NumberedBlocks(bundle));
-    EXPECT_EQ(traced.size(), 4);
+    EXPECT_EQ(traced.size(), 6);
 }

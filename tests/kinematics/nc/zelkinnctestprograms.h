@@ -160,6 +160,19 @@ struct NCFixture
         return position;
     }
 
+    /*!
+        A course of tow 1 with one position at the origin, at 2540 mm/min,
+        between two links that end an inch above it: the least that lets a
+        procedure be written, as a ply file needs the feed of its first
+        course's last position.
+    */
+    void AddShortCourse(ZELKinRollLayupProcedure* procedure)
+    {
+        AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 25.4}, 2540.0);
+        AddCoursePosition(AddCourse(procedure, 0x1, 16), 1, {0.0, 0.0, 0.0}, 2540.0);
+        AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 25.4}, 2540.0);
+    }
+
     ZELKinTowCommand* AddTowCommand(ZELKinTowCourse* course, ZELKinTowCommand::CommandType type, quint64 tows) const
     {
         return ZELKinTestAccess::CreateTowCommand(course, Mask(tows), type);
@@ -203,8 +216,9 @@ struct NCFixture
     /*!
         The program of the golden files PART.PPSF, PART#0101.PPF and
         PART.PTPF: "Ply A" (ply 0101, two courses), a probe procedure with
-        two targets, and "Ply B" (ply 0102, no courses), in that order. The
-        golden files were written for the options kGoldenOptions.
+        two targets, and "Ply B" (ply 0102, a short course), in that
+        order. The golden files were written for the options
+        kGoldenOptions.
     */
     void BuildPart()
     {
@@ -212,6 +226,7 @@ struct NCFixture
         BuildProbing();
         ZELKinRollLayupProcedure* plyB = AddLayup(QStringLiteral("Ply B"), QStringLiteral("Layup B"));
         plyB->AddPlyDefinition(Ply(QStringLiteral("Q1"), QStringLiteral("T800"), 0.0, ZELCompStrategy::Parallel, 0.75));
+        AddShortCourse(plyB);
     }
 
     /*!
@@ -219,9 +234,10 @@ struct NCFixture
         degrees); an approach link, course 0 (tows 1-4 on an 8-tow roller,
         with a feed command, an add, a force, a cut and a release, a position
         that repeats the one before and a Y change within the modal
-        tolerance), a link with a tool change, course 1 (tows 5-8 on a
-        16-tow roller, with U values of its own and an add), and the last
-        retract link.
+        tolerance, its cut lowering the feed), a link with a tool change,
+        course 1 (tows 5-8 on a 16-tow roller, with U values of its own and
+        an add), and the last retract link. Neither link into a course ends
+        on the course's approach point.
     */
     ZELKinRollLayupProcedure* BuildPlyA()
     {

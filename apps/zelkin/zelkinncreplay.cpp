@@ -143,8 +143,9 @@ public:
             Move(lineNumber, line);
     }
 
-    //! A stop or a strange code counts only between motion lines: the
-    //! start-up and the end of the ply stop the program by design.
+    //! A stop or a strange code counts only from the first motion line to
+    //! the last: the start-up and the end of the ply stop the program by
+    //! design.
     void Finish()
     {
         if (m_ply.motions.isEmpty())
@@ -152,7 +153,7 @@ public:
         const unsigned first = m_ply.motions.first().line;
         const unsigned last = m_ply.motions.last().line;
         for (const ZELKinNCIrregularity& code : std::as_const(m_codes)) {
-            if (code.line > first && code.line < last)
+            if (code.line >= first && code.line <= last)
                 m_ply.irregularities.append(code);
         }
     }

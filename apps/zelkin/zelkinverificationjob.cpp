@@ -114,10 +114,10 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
         const FatalMeansUnreadable fatal;
         m_machine = ReadInput([&] { return ZELKinMachineFile::Load(m_container.get(), input.machinePath); });
     }
+    const auto verifier = ReadInput([&] { return std::make_unique<ZELKinVerifier>(*m_machine, input.gates); });
     const ZELTPProgram* toolpath = ReadInput([&] { return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath); });
     const ZELKinNCProgram nc = ReadInput([&] { return ZELKinNCReplay(*m_machine).Read(input.ncPath); });
-    const auto verifier = ReadInput([&] { return std::make_unique<ZELKinVerifier>(*m_machine, *toolpath, input.gates); });
-    m_verification = verifier->Verify(nc);
+    m_verification = verifier->Verify(*toolpath, nc);
 }
 
 int ZELKinVerificationJob::Run(const Input& input, const std::function<int(const ZELKinVerificationJob&)>& use)

@@ -1025,18 +1025,16 @@ qsizetype ZELKinVerification::GetNumFailures() const
                          [](const ZELKinVerifyFinding& finding) { return !finding.warning; });
 }
 
-ZELKinVerifier::ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELTPProgram& toolpath,
-                               const ZELKinVerifyGates& gates)
+ZELKinVerifier::ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELKinVerifyGates& gates)
     : m_head(std::make_unique<ZELKinVerifierHead>(machine))
     , m_machine(machine)
-    , m_toolpath(toolpath)
     , m_gates(gates)
 {
 }
 
 ZELKinVerifier::~ZELKinVerifier() = default;
 
-ZELKinVerification ZELKinVerifier::Verify(const ZELKinNCProgram& nc) const
+ZELKinVerification ZELKinVerifier::Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const
 {
     ZELKinVerification verification;
     verification.gates = m_gates;
@@ -1047,7 +1045,7 @@ ZELKinVerification ZELKinVerifier::Verify(const ZELKinNCProgram& nc) const
     const Axes axes(m_machine, m_head->GetSlideVariables());
     QHash<QString, QString> laidBy;
     for (const ZELKinNCPlyFile& ply : nc.plies) {
-        const ZELTPRollLayupProcedure* procedure = ProcedureNamed(m_toolpath, ply.procedure);
+        const ZELTPRollLayupProcedure* procedure = ProcedureNamed(toolpath, ply.procedure);
         PlyCheck check(axes, *m_head, m_gates, ply, verification.findings);
         const std::optional<ProcedurePlan> plan =
             procedure && !laidBy.contains(ply.procedure)
@@ -1066,7 +1064,7 @@ ZELKinVerification ZELKinVerifier::Verify(const ZELKinNCProgram& nc) const
         laidBy.insert(ply.procedure, laidBy.value(ply.procedure, ply.plyNumber));
         verification.plies.append(check.Run(plan ? &*plan : nullptr));
     }
-    for (const ZELTPRollLayupProcedure* procedure : LayupProceduresOf(m_toolpath)) {
+    for (const ZELTPRollLayupProcedure* procedure : LayupProceduresOf(toolpath)) {
         if (!laidBy.contains(procedure->GetName()))
             verification.findings.append(
                 ProgramFinding(QStringLiteral("missing"), procedure->GetName(), ZELKinVerifyPlace(), QString(),

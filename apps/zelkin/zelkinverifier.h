@@ -186,23 +186,23 @@ class ZELKinVerifier
 {
 public:
     /*!
-        `machine` and `toolpath` are not owned and must outlive the
-        verifier. Throws ZELSysException for a machine whose kinematics the
-        checks cannot follow: a joint tree that is not one chain, no three
+        `machine` is not owned and must outlive the verifier. Throws
+        ZELSysException for a machine whose kinematics the checks cannot
+        follow: a joint tree that is not one chain, no three
         slides driven by variables named X, Y and Z, no wrist of three rotary
         joints at the chain's end, or a wrist configuration whose vectors
         are not three numbers.
     */
-    ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELTPProgram& toolpath, const ZELKinVerifyGates& gates);
+    ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELKinVerifyGates& gates);
     ~ZELKinVerifier();
 
-    ZELKinVerification Verify(const ZELKinNCProgram& nc) const;
+    //! `nc` as posted from `toolpath`.
+    ZELKinVerification Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const;
 
 private:
     //! The machine's kinematics as the checks follow them.
     std::unique_ptr<const ZELKinVerifierHead> m_head;
     const ZELKinAFPMachine& m_machine;
-    const ZELTPProgram& m_toolpath;
     ZELKinVerifyGates m_gates;
 };
 

@@ -631,6 +631,14 @@ QString Point(const ZELKinVerifyPlace& place)
     return place.point > 0 ? QString::number(place.point) : QStringLiteral("-");
 }
 
+// Red for a failure, amber for a pass with warnings, green for a clean pass.
+QString ResultClass(const ZELKinVerification& verification)
+{
+    if (!verification.IsPassed())
+        return QStringLiteral("fail");
+    return verification.GetNumWarnings() > 0 ? QStringLiteral("warn") : QStringLiteral("pass");
+}
+
 // A warning does not fail the verification, and says so.
 QString CheckOf(const ZELKinVerifyFinding& finding)
 {
@@ -865,12 +873,9 @@ int ZELKinHtmlReport::GetNumPlots() const
 
 QString ZELKinHtmlReport::GetHeader() const
 {
-    const bool passed = m_verification.IsPassed();
     QString header = QStringLiteral("<header>\n<h1>Verification of %1</h1>\n")
                          .arg(Html(QFileInfo(m_sources.toolpathPath).fileName()));
-    const QString look = !passed ? QStringLiteral("fail")
-                                 : m_verification.GetNumWarnings() > 0 ? QStringLiteral("warn") : QStringLiteral("pass");
-    header += QStringLiteral("<p class=\"result %1\">%2</p>\n").arg(look, Html(GetResult()));
+    header += QStringLiteral("<p class=\"result %1\">%2</p>\n").arg(ResultClass(m_verification), Html(GetResult()));
     header += QStringLiteral("<table class=\"facts\">\n");
     header += Fact(QStringLiteral("toolpath"), m_sources.toolpathPath);
     header += Fact(QStringLiteral("machine"), m_sources.machinePath);

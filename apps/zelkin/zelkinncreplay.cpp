@@ -229,8 +229,9 @@ private:
             m_rapid = code == 0u;
         const QString text = word.name + word.number;
         if (isNumber && word.name == QLatin1String("M") && kProgramStops.contains(code))
-            m_codes.append(Irregularity(QStringLiteral("code"), lineNumber, text,
-                                        QStringLiteral("%1 stops the program between the ply's motion lines").arg(text)));
+            m_codes.append(
+                Irregularity(QStringLiteral("code"), lineNumber, text,
+                             QStringLiteral("%1 stops the program between the ply's motion lines").arg(text)));
         else if (!isNumber || !(word.name == QLatin1String("G") ? kMotionGCodes : kMotionMCodes).contains(code))
             m_codes.append(Irregularity(QStringLiteral("code"), lineNumber, text,
                                         QStringLiteral("%1 is not a code the post writes between motion lines")
@@ -353,7 +354,8 @@ ZELKinNCProgram ZELKinNCReplay::Read(const QString& path) const
             programSets.append(&section);
     }
     if (programSets.isEmpty())
-        throw ZELSysException(QStringLiteral("no posted program in %1: no program-set file (%2)").arg(path, kProgramSetSuffix));
+        throw ZELSysException(
+            QStringLiteral("no posted program in %1: no program-set file (%2)").arg(path, kProgramSetSuffix));
 
     ZELKinNCProgram program;
     // A controller that is handed the folder may run either program set.

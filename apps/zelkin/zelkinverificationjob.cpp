@@ -115,7 +115,8 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
         m_machine = ReadInput([&] { return ZELKinMachineFile::Load(m_container.get(), input.machinePath); });
     }
     const auto verifier = ReadInput([&] { return std::make_unique<ZELKinVerifier>(*m_machine, input.gates); });
-    const ZELTPProgram* toolpath = ReadInput([&] { return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath); });
+    const ZELTPProgram* toolpath =
+        ReadInput([&] { return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath); });
     const ZELKinNCProgram nc = ReadInput([&] { return ZELKinNCReplay(*m_machine).Read(input.ncPath); });
     m_verification = verifier->Verify(*toolpath, nc);
 }

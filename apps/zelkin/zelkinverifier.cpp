@@ -77,7 +77,8 @@ ZELMathVector Across(const ZELMathVector& vector, const ZELMathVector& axis, con
 {
     const ZELMathVector across = vector - axis * axis.Dot(vector);
     if (across.GetLength() < 1e-9)
-        throw ZELSysException(QStringLiteral("the machine's wrist configuration gives %1 along its joint's axis").arg(what));
+        throw ZELSysException(
+            QStringLiteral("the machine's wrist configuration gives %1 along its joint's axis").arg(what));
     return across.GetNormalized();
 }
 
@@ -443,8 +444,8 @@ private:
         }
         const ZELMathVector normal =
             -Across(bendReference, m_bend->GetVector().GetNormalized(), QStringLiteral("bend-reference"));
-        const ZELMathVector roll =
-            Across(secondRollReference, m_secondRoll->GetVector().GetNormalized(), QStringLiteral("second-roll-reference"));
+        const ZELMathVector roll = Across(secondRollReference, m_secondRoll->GetVector().GetNormalized(),
+                                          QStringLiteral("second-roll-reference"));
         const ZELMathVector travel = Across(roll, normal, QStringLiteral("second-roll-reference"));
         return ZELMathAxis(ZELMathPoint() + tip, travel, normal.Cross(travel), normal);
     }
@@ -672,7 +673,8 @@ private:
             if (insideOneCourse && step > m_gates.flip)
                 Find(QStringLiteral("flip"), PlaceOf(motion), label, step * kDegreesPerRadian,
                      m_gates.flip * kDegreesPerRadian,
-                     QStringLiteral("%1 turns %2 deg from the line before, inside the course: a wrist flip (gate %3 deg)")
+                     QStringLiteral(
+                         "%1 turns %2 deg from the line before, inside the course: a wrist flip (gate %3 deg)")
                          .arg(label, Number(step * kDegreesPerRadian, 3), Number(m_gates.flip * kDegreesPerRadian, 3)));
         }
     }
@@ -788,8 +790,8 @@ private:
                      .arg(Number(centreOff, 4), Number(m_gates.centre, 4)));
 
         const ZELMathVector normal = target->frame.GetWDirection();
-        const ZELMathVector travel = (target->frame.GetUDirection() - normal * normal.Dot(target->frame.GetUDirection()))
-                                         .GetNormalized();
+        const ZELMathVector travel =
+            (target->frame.GetUDirection() - normal * normal.Dot(target->frame.GetUDirection())).GetNormalized();
         const double normalGate = AngleGateOf(pose.normal, motion, pose);
         CheckAngle(QStringLiteral("normal"), QStringLiteral("the normal"), &ZELKinVerifyTally::normal, place,
                    pose.normal.GetAngleTo(normal), normalGate);
@@ -1066,9 +1068,9 @@ ZELKinVerification ZELKinVerifier::Verify(const ZELTPProgram& toolpath, const ZE
     }
     for (const ZELTPRollLayupProcedure* procedure : LayupProceduresOf(toolpath)) {
         if (!laidBy.contains(procedure->GetName()))
-            verification.findings.append(
-                ProgramFinding(QStringLiteral("missing"), procedure->GetName(), ZELKinVerifyPlace(), QString(),
-                               QStringLiteral("the NC has no ply file for the procedure '%1'").arg(procedure->GetName())));
+            verification.findings.append(ProgramFinding(
+                QStringLiteral("missing"), procedure->GetName(), ZELKinVerifyPlace(), QString(),
+                QStringLiteral("the NC has no ply file for the procedure '%1'").arg(procedure->GetName())));
     }
     return verification;
 }

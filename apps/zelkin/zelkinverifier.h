@@ -38,18 +38,18 @@ struct ZELKinVerifyGates
     double towEvent = 0.01;
 };
 
-//! Where something was found: the toolpath position and the NC line.
+//! Where something was found: the toolpath point and the NC line.
 struct ZELKinVerifyPlace
 {
     int course = 0;
-    //! The course's position the line was matched to, from 1 in the order
-    //! the machine runs them; 0 for a line that was not matched.
+    //! The course's toolpath point, from 1 along its trajectories: the one
+    //! a line was matched to, or the one the NC's path misses; 0 for none.
     int point = 0;
     QString file;
     unsigned line = 0;
 };
 
-//! One failed check.
+//! One failed check, or a warning.
 struct ZELKinVerifyFinding
 {
     //! "centre", "contact", "normal", "travel", "link", "path", "missing",
@@ -59,7 +59,8 @@ struct ZELKinVerifyFinding
     QString plyNumber;
     QString procedure;
     ZELKinVerifyPlace place;
-    //! The axis or tow the finding is about; empty when it is about none.
+    //! The axis, tow, word, code or file the finding is about; empty when
+    //! it is about none.
     QString subject;
     //! What was found and what is allowed, in the units the message gives.
     double value = 0.0;

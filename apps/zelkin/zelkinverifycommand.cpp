@@ -72,12 +72,14 @@ QString Summary(const QString& ncPath, const ZELKinVerification& verification)
     table.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses")}
                  + ZELKinVerifySummary::GetHeadings());
     for (const ZELKinVerifiedPly& ply : verification.plies)
-        table.AddRow(QStringList{ply.plyNumber, ply.procedure, QString::number(ply.courses)} + ZELKinVerifySummary::GetCells(ply));
+        table.AddRow(QStringList{ply.plyNumber, ply.procedure, QString::number(ply.courses)}
+                     + ZELKinVerifySummary::GetCells(ply));
     ZELKinTextTable courses;
     courses.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("course")} + ZELKinVerifySummary::GetHeadings());
     for (const ZELKinVerifiedPly& ply : verification.plies) {
         for (const ZELKinVerifiedCourse& course : ply.courseTallies)
-            courses.AddRow(QStringList{ply.plyNumber, QString::number(course.course)} + ZELKinVerifySummary::GetCells(course));
+            courses.AddRow(QStringList{ply.plyNumber, QString::number(course.course)}
+                           + ZELKinVerifySummary::GetCells(course));
     }
     text += table.ToText(0);
     text += QStringLiteral("\nPer course:\n") + courses.ToText(0);

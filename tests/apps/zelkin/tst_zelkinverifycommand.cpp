@@ -81,7 +81,8 @@ QList<QJsonObject> FindingsAt(const QJsonObject& result, const QString& check, c
 {
     QList<QJsonObject> findings;
     for (const QJsonObject& finding : FindingsOf(result, check)) {
-        if (finding.value(QStringLiteral("ply")).toString() == ply && finding.value(QStringLiteral("line")).toInt() == line)
+        if (finding.value(QStringLiteral("ply")).toString() == ply
+            && finding.value(QStringLiteral("line")).toInt() == line)
             findings.append(finding);
     }
     return findings;
@@ -121,7 +122,8 @@ QJsonObject ProcedureOf(const QJsonObject& toolpath, const QString& name)
 QList<int> WalkedPointsOf(const QString& toolpathPath, const QString& procedure)
 {
     QList<int> walked;
-    for (const QJsonValue& value : ProcedureOf(ReadJson(toolpathPath), procedure).value(QStringLiteral("courses")).toArray()) {
+    for (const QJsonValue& value :
+         ProcedureOf(ReadJson(toolpathPath), procedure).value(QStringLiteral("courses")).toArray()) {
         const QJsonObject course = value.toObject();
         const QJsonArray trajectories = course.value(QStringLiteral("trajectories")).toArray();
         const int rollOut = int(trajectories.size()) - 2;
@@ -129,7 +131,8 @@ QList<int> WalkedPointsOf(const QString& toolpathPath, const QString& procedure)
         QJsonObject last;
         for (int t = 0; t <= rollOut; ++t) {
             const QJsonArray points = trajectories.at(t).toObject().value(QStringLiteral("points")).toArray();
-            const int end = t == rollOut ? course.value(QStringLiteral("rollOutPoint")).toInt() + 1 : int(points.size());
+            const int end =
+                t == rollOut ? course.value(QStringLiteral("rollOutPoint")).toInt() + 1 : int(points.size());
             for (int p = 0; p < end; ++p) {
                 if (points.at(p).toObject() != last)
                     ++count;
@@ -230,7 +233,8 @@ QJsonObject Point(double y, double off = 0.0)
 
 QJsonObject Trajectory(const QString& kind, const QJsonArray& points)
 {
-    return QJsonObject{{QStringLiteral("kind"), kind}, {QStringLiteral("feedrate"), 6000}, {QStringLiteral("points"), points}};
+    return QJsonObject{
+        {QStringLiteral("kind"), kind}, {QStringLiteral("feedrate"), 6000}, {QStringLiteral("points"), points}};
 }
 
 QJsonArray PointsAt(double from, double to)
@@ -243,9 +247,10 @@ QJsonArray PointsAt(double from, double to)
 
 QJsonObject Link(const QString& name, const QJsonObject& point)
 {
-    return QJsonObject{{QStringLiteral("name"), name},
-                       {QStringLiteral("pointsDetail"), QStringLiteral("low")},
-                       {QStringLiteral("trajectories"), QJsonArray{Trajectory(QStringLiteral("offPart"), QJsonArray{point})}}};
+    return QJsonObject{
+        {QStringLiteral("name"), name},
+        {QStringLiteral("pointsDetail"), QStringLiteral("low")},
+        {QStringLiteral("trajectories"), QJsonArray{Trajectory(QStringLiteral("offPart"), QJsonArray{point})}}};
 }
 
 QString Toolpath()
@@ -311,24 +316,25 @@ QString Inches(double millimetres)
 QString PlyFile()
 {
     const double down = std::hypot(kOff, 50.0);
-    QStringList lines{QStringLiteral(";[BEGIN START-UP CODES]"),
-                      QStringLiteral("G700; English Units"),
-                      QStringLiteral("M3; Start-of-Program Macro"),
-                      QStringLiteral("M0; Program Stop"),
-                      QStringLiteral("G90; Absolute Positioning Mode"),
-                      QStringLiteral("G94; Feed-Per-Minute Mode"),
-                      QStringLiteral(";[END START-UP CODES]"),
-                      QStringLiteral("M61; Activate Layup Traori"),
-                      QStringLiteral(";[COURSE] CourseNumber=1,TowRoller=16,TowsUsed=FFFF,Material=IM7-8552"),
-                      QStringLiteral(";PMAC1: G400U0"),
-                      QStringLiteral(";PMAC1: G500U%1A/B[FFFF]").arg(down + 60.0, 0, 'f', 3),
-                      QStringLiteral(";PMAC1: G500U%1C/B[FFFF]").arg(down + 150.0, 0, 'f', 3),
-                      QStringLiteral("M22; Sequence Start"),
-                      QStringLiteral("N1G641 ADIS=OFF_PART X%1Y%2Z%3C0.0000A90.0000C1=90.0000F236.22; Last off part point")
-                          .arg(Inches(kWallX + kOff + kRollerRadius), Inches(3900), Inches(kWallZ)),
-                      QStringLiteral("G92(U,0.0000); Preset U-Axis"),
-                      QStringLiteral("M4; Start Course"),
-                      QStringLiteral("COURSE_MODE")};
+    QStringList lines{
+        QStringLiteral(";[BEGIN START-UP CODES]"),
+        QStringLiteral("G700; English Units"),
+        QStringLiteral("M3; Start-of-Program Macro"),
+        QStringLiteral("M0; Program Stop"),
+        QStringLiteral("G90; Absolute Positioning Mode"),
+        QStringLiteral("G94; Feed-Per-Minute Mode"),
+        QStringLiteral(";[END START-UP CODES]"),
+        QStringLiteral("M61; Activate Layup Traori"),
+        QStringLiteral(";[COURSE] CourseNumber=1,TowRoller=16,TowsUsed=FFFF,Material=IM7-8552"),
+        QStringLiteral(";PMAC1: G400U0"),
+        QStringLiteral(";PMAC1: G500U%1A/B[FFFF]").arg(down + 60.0, 0, 'f', 3),
+        QStringLiteral(";PMAC1: G500U%1C/B[FFFF]").arg(down + 150.0, 0, 'f', 3),
+        QStringLiteral("M22; Sequence Start"),
+        QStringLiteral("N1G641 ADIS=OFF_PART X%1Y%2Z%3C0.0000A90.0000C1=90.0000F236.22; Last off part point")
+            .arg(Inches(kWallX + kOff + kRollerRadius), Inches(3900), Inches(kWallZ)),
+        QStringLiteral("G92(U,0.0000); Preset U-Axis"),
+        QStringLiteral("M4; Start Course"),
+        QStringLiteral("COURSE_MODE")};
     int number = 2;
     for (double y = 3950; y <= 4120; y += y < 4000 ? 50.0 : 10.0) {
         const QString x = y == 3950 ? QStringLiteral("X") + Inches(kWallX + kRollerRadius) : QString();
@@ -477,8 +483,9 @@ TEST_F(ZELKinVerifyCommand, TheSummaryHasOneRowPerPlyWithItsProcedure)
     ASSERT_GT(lines.size(), 8);
     EXPECT_EQ(lines.at(0), QStringLiteral("Verified NC: %1").arg(copy.path()));
     EXPECT_EQ(lines.at(1), QStringLiteral("Gates: ") + kGates);
-    EXPECT_TRUE(lines.at(3).startsWith(QStringLiteral("ply   procedure  courses  lines  matched  links  points  centre mm  "
-                                                      "contact mm  normal deg  travel deg")))
+    EXPECT_TRUE(
+        lines.at(3).startsWith(QStringLiteral("ply   procedure  courses  lines  matched  links  points  centre mm  "
+                                              "contact mm  normal deg  travel deg")))
         << lines.at(3).toStdString();
     EXPECT_TRUE(lines.at(4).startsWith(QStringLiteral("0101  Ply 1 0    4 ")));
     EXPECT_TRUE(lines.at(5).startsWith(QStringLiteral("0102  Ply 2 +45  4 ")));
@@ -491,7 +498,8 @@ TEST_F(ZELKinVerifyCommand, TheJsonFormKeepsTheGatesAndAccountsForEveryLine)
     const QJsonObject result = VerifyAsJson();
     const QJsonObject gates = result.value(QStringLiteral("gates")).toObject();
     EXPECT_TRUE(ZELTest::SameDouble(0.01, gates.value(QStringLiteral("centreMm")).toDouble(), ZELTest::kTight));
-    EXPECT_TRUE(ZELTest::SameDouble(0.00005, gates.value(QStringLiteral("rotaryRoundingDeg")).toDouble(), ZELTest::kTight));
+    EXPECT_TRUE(
+        ZELTest::SameDouble(0.00005, gates.value(QStringLiteral("rotaryRoundingDeg")).toDouble(), ZELTest::kTight));
     EXPECT_TRUE(ZELTest::SameDouble(0.001, gates.value(QStringLiteral("rotaryLagRad")).toDouble(), ZELTest::kTight));
     EXPECT_TRUE(ZELTest::SameDouble(30.0, gates.value(QStringLiteral("flipDeg")).toDouble(), ZELTest::kTight));
     EXPECT_TRUE(ZELTest::SameDouble(2.0, gates.value(QStringLiteral("singularityDeg")).toDouble(), ZELTest::kTight));
@@ -561,7 +569,9 @@ TEST_F(ZELKinVerifyCommand, AFirstRollWordTurnedTurnsTheNormalAndSwingsTheContac
     // degree, and swings the contact point on the roller's circle.
     ply = PlyFile(QStringLiteral("cylinder-section#0102.PPF"));
     const int line = CourseLineWriting(ply, 2, 6, {QStringLiteral("C")});
-    ChangeLine(ply, line, [](const QString& text) { return WithWord(text, QStringLiteral("C"), WordValue(text, QStringLiteral("C")) + 1.0); });
+    ChangeLine(ply, line, [](const QString& text) {
+        return WithWord(text, QStringLiteral("C"), WordValue(text, QStringLiteral("C")) + 1.0);
+    });
 
     const QJsonObject result = VerifyAsJson();
     const QList<QJsonObject> normals = FindingsAt(result, QStringLiteral("normal"), QStringLiteral("0102"), line);
@@ -610,13 +620,15 @@ TEST_F(ZELKinVerifyCommand, PliesThePostLeftOutAreNamedByTheirProcedures)
     QStringList lines = LinesOf(programSet);
     for (const QString& number : {QStringLiteral("0102"), QStringLiteral("0103"), QStringLiteral("0104")}) {
         ASSERT_TRUE(QFile::remove(PlyFile(QStringLiteral("cylinder-section#%1.PPF").arg(number))));
-        lines.removeIf([&number](const QString& line) { return line.startsWith(QStringLiteral("; %1, ").arg(number)); });
+        lines.removeIf(
+            [&number](const QString& line) { return line.startsWith(QStringLiteral("; %1, ").arg(number)); });
     }
     WriteText(programSet, lines.join(QLatin1Char('\n')));
 
     const ZELKinToolRun run = Verify();
     EXPECT_EQ(run.exitCode, 1);
-    for (const QString& procedure : {QStringLiteral("Ply 2 +45"), QStringLiteral("Ply 3 -45"), QStringLiteral("Ply 4 +90")})
+    for (const QString& procedure :
+         {QStringLiteral("Ply 2 +45"), QStringLiteral("Ply 3 -45"), QStringLiteral("Ply 4 +90")})
         EXPECT_TRUE(run.standardOutput.contains(
             QStringLiteral("\n  %1: missing: the NC has no ply file for the procedure '%1'\n").arg(procedure)))
             << run.standardOutput.toStdString();
@@ -730,7 +742,8 @@ TEST_F(ZELKinVerifyDome, AFirstRollWordFiveHundredthsOfADegreeOffOnALineThatWrit
         return WithWord(text, QStringLiteral("C"), WordValue(text, QStringLiteral("C")) + kSmallTurnDegrees);
     });
 
-    const QList<QJsonObject> normals = FindingsAt(VerifyAsJson(), QStringLiteral("normal"), QStringLiteral("0102"), line);
+    const QList<QJsonObject> normals =
+        FindingsAt(VerifyAsJson(), QStringLiteral("normal"), QStringLiteral("0102"), line);
     ASSERT_EQ(normals.size(), 1);
     // C turns the normal by the turn times the sine of its angle to the
     // first roll axis X, which on a cap of 30 degrees round +Z is at least
@@ -751,7 +764,8 @@ TEST_F(ZELKinVerifyDome, ThreeRotaryWordsLeftOutTogetherWithinTheirLagAreNotAFin
     ASSERT_GT(line, 0);
     const QString current = LinesOf(ply).at(line - 1);
     ChangeLine(ply, line - 1, [&](const QString& text) {
-        return WithWordsSet(text, rotary, [&](const QString& word) { return WordValue(current, word) - kAllowedLagDegrees; });
+        return WithWordsSet(text, rotary,
+                            [&](const QString& word) { return WordValue(current, word) - kAllowedLagDegrees; });
     });
     ChangeLine(ply, line, [&](const QString& text) { return WithoutWords(text, rotary); });
 
@@ -805,11 +819,13 @@ TEST_F(ZELKinVerifyCommand, AnXWordMovedATenthOfAnInchIsNamedWithItsFileAndLine)
 
     const ZELKinToolRun run = Verify();
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("%1:%2: centre: the roller centre is 2.5").arg(ply).arg(line)))
+    EXPECT_TRUE(
+        run.standardOutput.contains(QStringLiteral("%1:%2: centre: the roller centre is 2.5").arg(ply).arg(line)))
         << run.standardOutput.toStdString();
     EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("Result: FAIL")));
 
-    const QList<QJsonObject> findings = FindingsAt(VerifyAsJson(), QStringLiteral("centre"), QStringLiteral("0101"), line);
+    const QList<QJsonObject> findings =
+        FindingsAt(VerifyAsJson(), QStringLiteral("centre"), QStringLiteral("0101"), line);
     ASSERT_EQ(findings.size(), 1);
     EXPECT_EQ(findings.first().value(QStringLiteral("file")).toString(), ply);
     EXPECT_EQ(findings.first().value(QStringLiteral("course")).toInt(), 2);
@@ -1079,7 +1095,8 @@ TEST_F(ZELKinVerifyCommand, ATowAddMovedAlongTheCourseIsNamedWithItsEventLine)
         EXPECT_TRUE(ZELTest::SameDouble(u + 5.0, finding.value(QStringLiteral("value")).toDouble(), kReported));
         EXPECT_TRUE(ZELTest::SameDouble(u, finding.value(QStringLiteral("limit")).toDouble(), 0.001));
     }
-    EXPECT_TRUE(tows.first().value(QStringLiteral("message")).toString().startsWith(QStringLiteral("the NC adds tow ")));
+    EXPECT_TRUE(
+        tows.first().value(QStringLiteral("message")).toString().startsWith(QStringLiteral("the NC adds tow ")));
 }
 
 TEST_F(ZELKinVerifyCommand, AMissingTowCutIsCountedAgainstTheToolpath)
@@ -1112,7 +1129,8 @@ TEST_F(ZELKinVerifyCommand, ABundleIsReadLikeTheFolder)
     ASSERT_EQ(bundlePlies.size(), 4);
     ASSERT_EQ(folderPlies.size(), 4);
     for (int i = 0; i < 4; ++i) {
-        for (const QString& count : {QStringLiteral("motionLines"), QStringLiteral("matchedLines"), QStringLiteral("points")})
+        for (const QString& count :
+             {QStringLiteral("motionLines"), QStringLiteral("matchedLines"), QStringLiteral("points")})
             EXPECT_EQ(bundlePlies.at(i).toObject().value(count), folderPlies.at(i).toObject().value(count));
     }
     EXPECT_EQ(bundlePlies.at(0).toObject().value(QStringLiteral("file")).toString(), bundle);
@@ -1156,7 +1174,8 @@ TEST(ZELKinVerifyCommandUsage, WithoutTheNCPathTheCommandLineIsRefused)
 
 TEST(ZELKinVerifyCommandUsage, AFlipAngleThatIsNoAngleIsRefused)
 {
-    const ZELKinToolRun run = Verify(kToolpath, QStringLiteral("x"), {QStringLiteral("--flip-angle"), QStringLiteral("wide")});
+    const ZELKinToolRun run =
+        Verify(kToolpath, QStringLiteral("x"), {QStringLiteral("--flip-angle"), QStringLiteral("wide")});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.GetErrorLines(),
               QStringList({QStringLiteral("zelkin: error: --flip-angle takes an angle in degrees above 0 and below "

@@ -137,8 +137,10 @@ TEST(ZELKinForwardKinematics, ARollBendRollChainTurnsEachJointAboutItsParentsTur
     EXPECT_TRUE(tool.GetWDirection().IsEqual(ZELMathVector(1, 0, 0), kPose));
     EXPECT_TRUE(tool.GetUDirection().IsEqual(ZELMathVector(0, 0, 1), kPose));
     // A's axis, turned by C alone, and C1's, turned by C and A.
-    EXPECT_TRUE(kinematics.GetAxis(machine.values, machine.machine->GetJoint(1)).IsEqual(ZELMathVector(0, 0, 1), kPose));
-    EXPECT_TRUE(kinematics.GetAxis(machine.values, machine.machine->GetJoint(2)).IsEqual(ZELMathVector(1, 0, 0), kPose));
+    EXPECT_TRUE(
+        kinematics.GetAxis(machine.values, machine.machine->GetJoint(1)).IsEqual(ZELMathVector(0, 0, 1), kPose));
+    EXPECT_TRUE(
+        kinematics.GetAxis(machine.values, machine.machine->GetJoint(2)).IsEqual(ZELMathVector(1, 0, 0), kPose));
 }
 
 TEST(ZELKinForwardKinematics, ARotationTurnsAboutItsPivotWhereverThePivotIs)
@@ -153,7 +155,8 @@ TEST(ZELKinForwardKinematics, ARotationTurnsAboutItsPivotWhereverThePivotIs)
     // Half a turn about the pivot (10, 20) mirrors the tip (0, 0) through it.
     EXPECT_TRUE(kinematics.GetToolFrame(machine.values).GetOrigin().IsEqual(ZELMathPoint(20, 40, 5), kPose));
     // The pivot itself stays where it is.
-    EXPECT_TRUE((kinematics.GetPose(machine.values, joint) * ZELMathPoint(10, 20, 7)).IsEqual(ZELMathPoint(10, 20, 7), kPose));
+    EXPECT_TRUE(
+        (kinematics.GetPose(machine.values, joint) * ZELMathPoint(10, 20, 7)).IsEqual(ZELMathPoint(10, 20, 7), kPose));
 }
 
 TEST(ZELKinForwardKinematics, TranslationsSlideAlongVectorsThatNeedNotBeAxes)
@@ -253,7 +256,8 @@ TEST(ZELKinForwardKinematics, AValueThatIsNotSetPosesNothing)
 
     EXPECT_TRUE(std::isnan(kinematics.GetToolFrame(machine.values).GetWDirection().GetX()));
     // C's axis hangs above A and does not depend on it.
-    EXPECT_TRUE(kinematics.GetAxis(machine.values, machine.machine->GetJoint(0)).IsEqual(ZELMathVector(1, 0, 0), kPose));
+    EXPECT_TRUE(
+        kinematics.GetAxis(machine.values, machine.machine->GetJoint(0)).IsEqual(ZELMathVector(1, 0, 0), kPose));
 }
 
 TEST(ZELKinForwardKinematics, ChainRunsFromTheRootToTheOneJointWithoutChildren)
@@ -266,7 +270,8 @@ TEST(ZELKinForwardKinematics, ChainRunsFromTheRootToTheOneJointWithoutChildren)
     QStringList names;
     for (const ZELKinJoint* joint : kinematics.GetChain())
         names.append(joint->GetLabel());
-    EXPECT_EQ(names, QStringList({QStringLiteral("X"), QStringLiteral("C"), QStringLiteral("A"), QStringLiteral("C1")}));
+    EXPECT_EQ(names,
+              QStringList({QStringLiteral("X"), QStringLiteral("C"), QStringLiteral("A"), QStringLiteral("C1")}));
 }
 
 TEST(ZELKinForwardKinematics, ATreeWithTwoEndsIsRefused)
@@ -306,7 +311,8 @@ TEST(ZELKinForwardKinematics, AJointOutsideTheChainHasNoPose)
     const ZELKinJoint* stranger = other.AddRotary(QStringLiteral("B"), ZELMathVector(0, 0, 1), ZELMathPoint());
     const ZELKinForwardKinematics kinematics(*machine.machine);
 
-    EXPECT_THROW_MESSAGE(kinematics.GetPose(machine.values, stranger), ZELSysException, "joint 'B' is not in the chain");
+    EXPECT_THROW_MESSAGE(kinematics.GetPose(machine.values, stranger), ZELSysException,
+                         "joint 'B' is not in the chain");
 }
 
 // Every position of the solved demo part: the slides that bring the tool tip
@@ -345,7 +351,8 @@ TEST(ZELKinForwardKinematics, SlidesAndToolFrameAgreeWithTheSolverOnEveryPositio
             const QVector<double> slides = kinematics.GetValuesForToolTip(values, centre + tip);
             const ZELKinSolution expected = rbr->FromTraori(solution);
             for (int axis = 0; axis < 3; ++axis)
-                EXPECT_TRUE(ZELTest::SameDouble(expected.GetVariableValue(variables.at(axis)), slides.at(axis), kSlides))
+                EXPECT_TRUE(
+                    ZELTest::SameDouble(expected.GetVariableValue(variables.at(axis)), slides.at(axis), kSlides))
                     << variables.at(axis)->GetLabel().toStdString() << " of command " << i;
             const ZELMathAxis frame = rbr->GetToolFrame(solution);
             const ZELMathAxis tool = kinematics.GetToolFrame(slides);

@@ -116,7 +116,7 @@ MotionLines CountMotionLines(const QString& ply)
     MotionLines count;
     bool along = false;
     bool offPartPoint = false;
-    for (const QString& line : LinesOf(ply)) {
+    for (const QString& line : LinesOfFile(ply)) {
         if (line == QLatin1String("COURSE_MODE") || line == QLatin1String("OFF_COURSE_MODE")) {
             along = line == QLatin1String("COURSE_MODE");
             offPartPoint = !along;
@@ -524,7 +524,7 @@ TEST(ZELKinReportCommandLarge, APlyWithThousandsOfFindingsListsAndMarksTheFirstF
               0);
     ASSERT_EQ(Post(toolpath, nc).exitCode, 0);
     const QString ply = QDir(nc).filePath(QStringLiteral("cylinder-section/cylinder-section#0101.PPF"));
-    QStringList lines = LinesOf(ply);
+    QStringList lines = LinesOfFile(ply);
     for (QString& line : lines) {
         if (line.startsWith(QLatin1Char('N')) && HasWord(line, QStringLiteral("X")))
             line = WithXMoved(line);

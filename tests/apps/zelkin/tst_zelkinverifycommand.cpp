@@ -148,19 +148,19 @@ QList<int> WalkedPointsOf(const QString& toolpathPath, const QString& procedure)
 // block of course `course` of the ply file at `path`.
 int CourseLineOf(const QString& path, int course, int which)
 {
-    return CourseLine(LinesOf(path), course, which);
+    return CourseLine(LinesOfFile(path), course, which);
 }
 
 int CourseRecordOf(const QString& path, int course)
 {
-    return LineStartingWith(LinesOf(path), QStringLiteral(";[COURSE] CourseNumber=%1,").arg(course));
+    return LineStartingWith(LinesOfFile(path), QStringLiteral(";[COURSE] CourseNumber=%1,").arg(course));
 }
 
 // The first line along course `course` from its `which`-th on that writes
 // every one of `words`.
 int CourseLineWriting(const QString& path, int course, int which, const QStringList& words)
 {
-    const QStringList lines = LinesOf(path);
+    const QStringList lines = LinesOfFile(path);
     for (int number = CourseLine(lines, course, which); number < lines.size(); ++number) {
         const QString& line = lines.at(number - 1);
         if (line == QLatin1String("OFF_COURSE_MODE"))
@@ -176,7 +176,7 @@ int CourseLineWriting(const QString& path, int course, int which, const QStringL
 // the line before it.
 int SecondOfTwoCourseLinesWriting(const QString& path, int course, const QStringList& words)
 {
-    const QStringList lines = LinesOf(path);
+    const QStringList lines = LinesOfFile(path);
     const auto writesAll = [&](int number) {
         return std::all_of(words.cbegin(), words.cend(),
                            [&](const QString& word) { return HasWord(lines.at(number - 1), word); });
@@ -592,7 +592,7 @@ TEST_F(ZELKinVerifyCommand, TheSlidesAreTheProgrammedPointLessTheWristsTipOffset
     // 330 (1 - cos C) mm higher than at home, so the Z slide stands that much
     // below the programmed point. A programmed point just inside Z's travel
     // of -3000 mm puts the slide beyond it.
-    const QStringList lines = LinesOf(ply);
+    const QStringList lines = LinesOfFile(ply);
     const int approach = LineStartingWith(lines, QStringLiteral("N1G641"), CourseRecordOf(ply, 1));
     ASSERT_GT(approach, 0);
     const double c = WordValue(lines.at(approach - 1), QStringLiteral("C"));
@@ -617,7 +617,7 @@ TEST_F(ZELKinVerifyCommand, TheSlidesAreTheProgrammedPointLessTheWristsTipOffset
 TEST_F(ZELKinVerifyCommand, PliesThePostLeftOutAreNamedByTheirProcedures)
 {
     const QString programSet = PlyFile(QStringLiteral("cylinder-section.PPSF"));
-    QStringList lines = LinesOf(programSet);
+    QStringList lines = LinesOfFile(programSet);
     for (const QString& number : {QStringLiteral("0102"), QStringLiteral("0103"), QStringLiteral("0104")}) {
         ASSERT_TRUE(QFile::remove(PlyFile(QStringLiteral("cylinder-section#%1.PPF").arg(number))));
         lines.removeIf(
@@ -639,7 +639,7 @@ TEST_F(ZELKinVerifyCommand, PliesThePostLeftOutAreNamedByTheirProcedures)
 
 TEST_F(ZELKinVerifyCommand, ALiftOffPointWithoutALineIsAPathFindingNamingTheRollOutPoint)
 {
-    const QStringList lines = LinesOf(ply);
+    const QStringList lines = LinesOfFile(ply);
     const int line = LineStartingWith(lines, QStringLiteral("OFF_COURSE_MODE"), CourseRecordOf(ply, 2)) - 1;
     ASSERT_TRUE(lines.at(line - 1).endsWith(QStringLiteral(";Last point in course")));
     RemoveLine(ply, line);
@@ -690,7 +690,7 @@ TEST_F(ZELKinVerifyCommand, ALineTakenOutOfAStraightCourseLeavesEveryPointOnTheP
 
 TEST_F(ZELKinVerifyCommand, ACourseNoLineRunsAlongIsAFinding)
 {
-    QStringList lines = LinesOf(ply);
+    QStringList lines = LinesOfFile(ply);
     const int third = CourseRecordOf(ply, 3);
     const int fourth = CourseRecordOf(ply, 4);
     ASSERT_LT(third, fourth);
@@ -762,7 +762,7 @@ TEST_F(ZELKinVerifyDome, ThreeRotaryWordsLeftOutTogetherWithinTheirLagAreNotAFin
     const QStringList rotary{QStringLiteral("C"), QStringLiteral("A"), QStringLiteral("C1=")};
     const int line = SecondOfTwoCourseLinesWriting(ply, 2, rotary);
     ASSERT_GT(line, 0);
-    const QString current = LinesOf(ply).at(line - 1);
+    const QString current = LinesOfFile(ply).at(line - 1);
     ChangeLine(ply, line - 1, [&](const QString& text) {
         return WithWordsSet(text, rotary,
                             [&](const QString& word) { return WordValue(current, word) - kAllowedLagDegrees; });
@@ -783,7 +783,7 @@ TEST_F(ZELKinVerifyDome, ARotaryWordLeftOutThatLagsBeyondTheModalRuleIsAFinding)
     const QStringList rotary{QStringLiteral("C"), QStringLiteral("A"), QStringLiteral("C1=")};
     const int line = SecondOfTwoCourseLinesWriting(ply, 2, rotary);
     ASSERT_GT(line, 0);
-    const QString current = LinesOf(ply).at(line - 1);
+    const QString current = LinesOfFile(ply).at(line - 1);
     ChangeLine(ply, line - 1, [&](const QString& text) {
         return WithWordsSet(text, rotary, [&](const QString& word) {
             return WordValue(current, word) - (word == QLatin1String("C") ? 0.2 : 0.0);
@@ -796,7 +796,7 @@ TEST_F(ZELKinVerifyDome, ARotaryWordLeftOutThatLagsBeyondTheModalRuleIsAFinding)
 
 TEST_F(ZELKinVerifyCommand, ALinkLineOffItsLinksPointsIsAFinding)
 {
-    const int line = LineStartingWith(LinesOf(ply), QStringLiteral("N1G641"), CourseRecordOf(ply, 2));
+    const int line = LineStartingWith(LinesOfFile(ply), QStringLiteral("N1G641"), CourseRecordOf(ply, 2));
     ASSERT_GT(line, 0);
     ChangeLine(ply, line, [](const QString& text) {
         return WithWord(text, QStringLiteral("X"), WordValue(text, QStringLiteral("X")) + 0.1);
@@ -838,7 +838,7 @@ TEST_F(ZELKinVerifyCommand, AFirstRollTurnedInsideACourseIsAFlipAndTurnsTheNorma
 {
     ply = PlyFile(QStringLiteral("cylinder-section#0102.PPF"));
     const int line = CourseLineWriting(ply, 2, 6, {QStringLiteral("C")});
-    ASSERT_TRUE(HasWord(LinesOf(ply).at(line), QStringLiteral("C"))) << "the next line writes C back";
+    ASSERT_TRUE(HasWord(LinesOfFile(ply).at(line), QStringLiteral("C"))) << "the next line writes C back";
     ChangeLine(ply, line, [](const QString& text) {
         return WithWord(text, QStringLiteral("C"), WordValue(text, QStringLiteral("C")) + 40.0);
     });
@@ -959,7 +959,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(ZELKinVerifyCommand, TheProgramStopsOfTheStartUpAreNoFinding)
 {
-    const QStringList lines = LinesOf(ply);
+    const QStringList lines = LinesOfFile(ply);
     const int stop = LineStartingWith(lines, QStringLiteral("M0; Program Stop"));
     ASSERT_GT(stop, 0);
     ASSERT_LT(stop, CourseLineOf(ply, 1, 0)) << "the start-up stops before the first motion line";
@@ -993,7 +993,7 @@ TEST_F(ZELKinVerifyCommand, APlyTheProgramSetDoesNotListIsAFinding)
 TEST_F(ZELKinVerifyCommand, APlyOfAProcedureTheToolpathDoesNotHaveIsAFinding)
 {
     const QString programSet = PlyFile(QStringLiteral("cylinder-section.PPSF"));
-    QStringList lines = LinesOf(programSet);
+    QStringList lines = LinesOfFile(programSet);
     const int entry = int(lines.indexOf(QStringLiteral("; 0101, Ply 1 0")));
     ASSERT_GE(entry, 0);
     lines[entry] = QStringLiteral("; 0101, Ply 9");
@@ -1081,7 +1081,7 @@ TEST_F(ZELKinVerifyCommand, ABendNearAQuarterTurnIsAWarningAboutTheSingularity)
 
 TEST_F(ZELKinVerifyCommand, ATowAddMovedAlongTheCourseIsNamedWithItsEventLine)
 {
-    QStringList lines = LinesOf(ply);
+    QStringList lines = LinesOfFile(ply);
     const int index = int(lines.indexOf(QRegularExpression(QStringLiteral("^;PMAC1: G500U[0-9.]+A/B\\[.*"))));
     ASSERT_GE(index, 0);
     const double u = WordValue(lines.at(index), QStringLiteral("G500U"));
@@ -1101,7 +1101,7 @@ TEST_F(ZELKinVerifyCommand, ATowAddMovedAlongTheCourseIsNamedWithItsEventLine)
 
 TEST_F(ZELKinVerifyCommand, AMissingTowCutIsCountedAgainstTheToolpath)
 {
-    QStringList lines = LinesOf(ply);
+    QStringList lines = LinesOfFile(ply);
     const int index = int(lines.indexOf(QRegularExpression(QStringLiteral("^;PMAC1: G500U[0-9.]+C/B\\[.*"))));
     ASSERT_GE(index, 0);
     lines.removeAt(index);

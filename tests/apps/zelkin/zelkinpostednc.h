@@ -69,7 +69,7 @@ inline void ChangeLine(const QString& path, int number, const std::function<QStr
 }
 
 //! The lines of the text file at `path`, without their line ends.
-inline QStringList LinesOf(const QString& path)
+inline QStringList LinesOfFile(const QString& path)
 {
     return ReadText(path).split(QLatin1Char('\n'));
 }
@@ -88,7 +88,7 @@ inline int LineStartingWith(const QStringList& lines, const QString& prefix, int
 //! Takes the line `number` (from 1) out of the file at `path`.
 inline void RemoveLine(const QString& path, int number)
 {
-    QStringList lines = LinesOf(path);
+    QStringList lines = LinesOfFile(path);
     lines.removeAt(number - 1);
     WriteText(path, lines.join(QLatin1Char('\n')));
 }
@@ -97,7 +97,7 @@ inline void RemoveLine(const QString& path, int number)
 //! line that stood there and those after it one further down.
 inline void InsertLine(const QString& path, int number, const QString& text)
 {
-    QStringList lines = LinesOf(path);
+    QStringList lines = LinesOfFile(path);
     lines.insert(number - 1, text);
     WriteText(path, lines.join(QLatin1Char('\n')));
 }

@@ -42,6 +42,7 @@ p { margin: 6px 0; }
           font-size: 16px; font-weight: 700; }
 .result.pass { background: #2e7d32; }
 .result.fail { background: #c62828; }
+.result.warn { background: #b26a00; }
 .note { color: #56606b; }
 nav a { margin-right: 14px; color: #1f5fbf; }
 table { border-collapse: collapse; font-variant-numeric: tabular-nums; }
@@ -54,6 +55,7 @@ table.summary th, table.summary td, table.findings th, table.findings td { paddi
 table.summary th, table.findings th { background: #eef1f4; font-weight: 600; }
 table.summary td { text-align: right; }
 table.findings td { vertical-align: top; }
+table.findings tr.warning td { background: #fff8e1; }
 table.findings td.where { font: 12px ui-monospace, "DejaVu Sans Mono", Menlo, Consolas, monospace;
                           word-break: break-all; }
 .legend { display: flex; flex-wrap: wrap; gap: 6px 22px; margin: 8px 0 10px; color: #3c4650; font-size: 13px; }
@@ -629,10 +631,24 @@ QString Point(const ZELKinVerifyPlace& place)
     return place.point > 0 ? QString::number(place.point) : QStringLiteral("-");
 }
 
+// Red for a failure, amber for a pass with warnings, green for a clean pass.
+QString ResultClass(const ZELKinVerification& verification)
+{
+    if (!verification.IsPassed())
+        return QStringLiteral("fail");
+    return verification.GetNumWarnings() > 0 ? QStringLiteral("warn") : QStringLiteral("pass");
+}
+
+// A warning does not fail the verification, and says so.
+QString CheckOf(const ZELKinVerifyFinding& finding)
+{
+    return finding.warning ? finding.check + QStringLiteral(" (warning)") : finding.check;
+}
+
 QString FindingTitle(const ZELKinVerifyFinding& finding)
 {
     return QStringLiteral("course %1, point %2, %3: %4: %5")
-        .arg(QString::number(finding.place.course), Point(finding.place), Where(finding.place), finding.check,
+        .arg(QString::number(finding.place.course), Point(finding.place), Where(finding.place), CheckOf(finding),
              finding.message);
 }
 
@@ -798,10 +814,11 @@ QString FindingsTable(const QList<ZELKinVerifyFinding>& findings)
                   QStringLiteral("check"), QStringLiteral("message")},
                  QStringLiteral("th"));
     for (const ZELKinVerifyFinding& finding : Shown(findings))
-        table += QStringLiteral("<tr><td>%1</td><td>%2</td><td>%3</td><td class=\"where\">%4</td><td>%5</td>"
+        table += QStringLiteral("<tr%7><td>%1</td><td>%2</td><td>%3</td><td class=\"where\">%4</td><td>%5</td>"
                                 "<td>%6</td></tr>\n")
                      .arg(Html(finding.plyNumber), QString::number(finding.place.course), Point(finding.place),
-                          Html(Where(finding.place)), Html(finding.check), Html(finding.message));
+                          Html(Where(finding.place)), Html(CheckOf(finding)), Html(finding.message),
+                          finding.warning ? QStringLiteral(" class=\"warning\"") : QString());
     table += QStringLiteral("</table>\n");
     if (findings.size() > kFindingsShownPerPly)
         table += QStringLiteral("<p class=\"note\">The first %1 are listed and marked; 'zelkin verify --json' lists "
@@ -856,11 +873,9 @@ int ZELKinHtmlReport::GetNumPlots() const
 
 QString ZELKinHtmlReport::GetHeader() const
 {
-    const bool passed = m_verification.IsPassed();
     QString header = QStringLiteral("<header>\n<h1>Verification of %1</h1>\n")
                          .arg(Html(QFileInfo(m_sources.toolpathPath).fileName()));
-    header += QStringLiteral("<p class=\"result %1\">%2</p>\n")
-                  .arg(passed ? QStringLiteral("pass") : QStringLiteral("fail"), Html(GetResult()));
+    header += QStringLiteral("<p class=\"result %1\">%2</p>\n").arg(ResultClass(m_verification), Html(GetResult()));
     header += QStringLiteral("<table class=\"facts\">\n");
     header += Fact(QStringLiteral("toolpath"), m_sources.toolpathPath);
     header += Fact(QStringLiteral("machine"), m_sources.machinePath);
@@ -870,13 +885,13 @@ QString ZELKinHtmlReport::GetHeader() const
     for (const ZELKinVerifiedPly& ply : m_verification.plies)
         header += QStringLiteral("<a href=\"#ply-%1\">Ply %1: %2</a>").arg(Html(ply.plyNumber), Html(ply.procedure));
     header += QStringLiteral("</nav>\n");
-    const QList<ZELKinVerifyFinding> unposted = FindingsOf(m_verification, ZELKinVerifiedPly());
-    if (!unposted.isEmpty())
-        header += QStringLiteral("<h3>Procedures without a ply file</h3>\n") + FindingsTable(unposted);
+    const QList<ZELKinVerifyFinding> outside = FindingsOf(m_verification, ZELKinVerifiedPly());
+    if (!outside.isEmpty())
+        header += QStringLiteral("<h3>Findings outside the ply files</h3>\n") + FindingsTable(outside);
     header += QStringLiteral(
         "<p class=\"note\">Plots show every motion line of a ply against the roller centre's path length: rotary "
-        "axes in deg, linear axes in mm, X, Y and Z as slide positions. Link lines (approach, retract) are checked "
-        "for limits, speeds and steps only; the probing file is not checked.</p>\n");
+        "axes in deg, linear axes in mm, X, Y and Z as slide positions. Link lines (approach, between courses, "
+        "retract) are gated by their roller centre only; the probing file is not checked.</p>\n");
     return header + QStringLiteral("</header>\n");
 }
 

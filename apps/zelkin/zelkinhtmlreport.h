@@ -49,7 +49,7 @@ public:
     //! The whole page. Throws nothing.
     QString ToHtml() const;
 
-    //! "PASS", or "FAIL (<n> findings)".
+    //! The verification's result, as ZELKinVerifySummary::GetResult words it.
     QString GetResult() const;
 
     //! How many plots the page's script draws: per ply, one per machine

@@ -1,7 +1,6 @@
 #include "zelkinncreplay.h"
 
 #include <zelkinafpmachine.h>
-#include <zelkingcoderecord.h>
 #include <zelkinvariable.h>
 #include <zelsysexception.h>
 
@@ -67,16 +66,57 @@ QDir ProgramFolder(const QString& path)
     return programs.first();
 }
 
+// A number as a controller reads it: sign, digits, point and exponent.
+const QString kNumber = QStringLiteral("[-+]?(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][-+]?\\d+)?");
+// A word: its address (capital letters and underscores, with one digit when
+// "=" follows it), then an optional "=", "(" and double quote, then its
+// value: a number, read whole, or a text up to the next double quote.
+const QRegularExpression kWord(QStringLiteral("([A-Z_]+(?:\\d(?==))?)=?\\(?\"?(?:(%1)|([^\"\\r\\n]+(?=\")))?")
+                                   .arg(kNumber));
 // ";[COURSE] CourseNumber=3,..."
 const QRegularExpression kCourseRecord(QStringLiteral("^;\\[COURSE\\] CourseNumber=(\\d+)"));
 // ";PMAC1: G500U117.703A/B[FFFF]"
-const QRegularExpression kTowEvent(QStringLiteral("^;PMAC1: G500U(-?\\d+(?:\\.\\d*)?)([A-Z]/[A-Z])\\[([0-9A-Fa-f]+)\\]"));
+const QRegularExpression kTowEvent(
+    QStringLiteral("^;PMAC1: G500U(%1)([A-Z]/[A-Z])\\[([0-9A-Fa-f]+)\\]").arg(kNumber));
 // "G92(U,0.0000); Preset U-Axis"
-const QRegularExpression kPreset(QStringLiteral("G92\\((\\w+),(-?\\d+(?:\\.\\d*)?)\\)"));
+const QRegularExpression kPreset(QStringLiteral("G92\\((\\w+),(%1)\\)").arg(kNumber));
 // "; 0101, Ply 1 0" in the program-set file's list of ply programs.
 const QRegularExpression kPlyProgram(QStringLiteral("^; (\\d{4}), (.*)$"));
 // "NAME#0101.PPF"
 const QRegularExpression kPlyFileName(QStringLiteral("#(\\d{4})\\.PPF$"));
+
+// The codes the post writes between a ply's first and last motion line:
+// feed moves, exact stop, the U preset and blending; the course's macros
+// (spindle of the tows, heater, handshakes, feed changes).
+const QList<unsigned> kMotionGCodes{1, 9, 92, 641, 642};
+const QList<unsigned> kMotionMCodes{4, 5, 18, 19, 26, 64, 69};
+// Codes that halt the controller, or end the program, where they stand.
+const QList<unsigned> kProgramStops{0, 1, 2, 30};
+
+struct Word
+{
+    QString name;
+    //! Empty for a word without a number.
+    QString number;
+};
+
+QList<Word> WordsOf(const QString& code)
+{
+    QList<Word> words;
+    QRegularExpressionMatchIterator match = kWord.globalMatch(code);
+    while (match.hasNext()) {
+        const QRegularExpressionMatch word = match.next();
+        words.append(Word{word.captured(1), word.captured(2)});
+    }
+    return words;
+}
+
+// The post writes plain decimals only; a controller reads "2e+05" as 200000
+// where a person, or a reader that stops at the "e", sees 2.
+bool IsInExponentNotation(const QString& number)
+{
+    return number.contains(QLatin1Char('e'), Qt::CaseInsensitive);
+}
 
 // The state a controller keeps while it runs one ply file.
 class PlyRun
@@ -99,8 +139,23 @@ public:
             m_alongCourse = true;
         else if (line == QLatin1String("OFF_COURSE_MODE"))
             LeaveCourseMode();
-        else if (!Preset(line))
+        else if (!Preset(lineNumber, line))
             Move(lineNumber, line);
+    }
+
+    //! A stop or a strange code counts only from the first motion line to
+    //! the last: the start-up and the end of the ply stop the program by
+    //! design.
+    void Finish()
+    {
+        if (m_ply.motions.isEmpty())
+            return;
+        const unsigned first = m_ply.motions.first().line;
+        const unsigned last = m_ply.motions.last().line;
+        for (const ZELKinNCIrregularity& code : std::as_const(m_codes)) {
+            if (code.line >= first && code.line <= last)
+                m_ply.irregularities.append(code);
+        }
     }
 
 private:
@@ -116,9 +171,11 @@ private:
             return;
         }
         const QRegularExpressionMatch event = kTowEvent.match(line);
-        if (event.hasMatch())
-            m_ply.towEvents.append(ZELKinNCTowEvent{lineNumber, m_course, event.captured(1).toDouble(),
-                                                    event.captured(2), event.captured(3).toULongLong(nullptr, 16)});
+        if (!event.hasMatch())
+            return;
+        CheckNotation(lineNumber, QStringLiteral("G500U"), event.captured(1));
+        m_ply.towEvents.append(ZELKinNCTowEvent{lineNumber, m_course, event.captured(1).toDouble(), event.captured(2),
+                                                event.captured(3).toULongLong(nullptr, 16)});
     }
 
     // The course's last position, the first off-part point, follows
@@ -129,11 +186,12 @@ private:
         m_offPartPointToCome = true;
     }
 
-    bool Preset(const QString& line)
+    bool Preset(unsigned lineNumber, const QString& line)
     {
         const QRegularExpressionMatch preset = kPreset.match(line);
         if (!preset.hasMatch())
             return false;
+        CheckNotation(lineNumber, QStringLiteral("G92"), preset.captured(2));
         const int axis = m_labels.indexOf(preset.captured(1));
         if (axis >= 0)
             m_values[axis] = preset.captured(2).toDouble() * m_scales.at(axis);
@@ -142,31 +200,81 @@ private:
 
     void Move(unsigned lineNumber, const QString& line)
     {
-        const ZELKinGCodeRecord record(lineNumber, line);
-        const QList<unsigned> gCodes = record.GetGCodes();
-        if (gCodes.contains(0u))
-            m_rapid = true;
-        else if (gCodes.contains(1u))
-            m_rapid = false;
-        const QString feed = record.GetVariableValue(QStringLiteral("F"));
-        if (!feed.isEmpty())
-            m_feedrate = feed.toDouble() * kMillimetresPerInch;
+        const QList<Word> words = WordsOf(line.left(line.indexOf(QLatin1Char(';'))));
         const QVector<double> starts = m_values;
-        bool moves = false;
-        for (int axis = 0; axis < m_labels.size(); ++axis) {
-            const QString value = record.GetVariableValue(m_labels.at(axis));
-            if (value.isEmpty())
-                continue;
-            m_values[axis] = value.toDouble() * m_scales.at(axis);
-            moves = true;
+        QVector<bool> written(m_labels.size(), false);
+        for (const Word& word : words) {
+            CheckNotation(lineNumber, word.name, word.number);
+            if (word.name == QLatin1String("G") || word.name == QLatin1String("M"))
+                ReadCode(lineNumber, word);
+            else if (word.name == QLatin1String("F"))
+                ReadFeed(lineNumber, word);
+            else if (const int axis = int(m_labels.indexOf(word.name)); axis >= 0)
+                written[axis] = ReadAxis(lineNumber, word, axis);
         }
-        if (!moves)
+        if (!written.contains(true))
             return;
         const bool alongCourse = m_alongCourse || m_offPartPointToCome;
-        m_ply.motions.append(ZELKinNCMotion{lineNumber, m_course, alongCourse, m_rapid, m_values, starts, m_feedrate,
-                                            alongCourse ? -1 : LinkIndex()});
+        m_ply.motions.append(ZELKinNCMotion{lineNumber, m_course, alongCourse, m_rapid, m_values, starts, written,
+                                            m_feedrate, alongCourse ? -1 : LinkIndex()});
         m_courseLeft = m_courseLeft || m_offPartPointToCome;
         m_offPartPointToCome = false;
+    }
+
+    void ReadCode(unsigned lineNumber, const Word& word)
+    {
+        bool isNumber = false;
+        const unsigned code = word.number.toUInt(&isNumber);
+        if (isNumber && word.name == QLatin1String("G") && (code == 0u || code == 1u))
+            m_rapid = code == 0u;
+        const QString text = word.name + word.number;
+        if (isNumber && word.name == QLatin1String("M") && kProgramStops.contains(code))
+            m_codes.append(
+                Irregularity(QStringLiteral("code"), lineNumber, text,
+                             QStringLiteral("%1 stops the program between the ply's motion lines").arg(text)));
+        else if (!isNumber || !(word.name == QLatin1String("G") ? kMotionGCodes : kMotionMCodes).contains(code))
+            m_codes.append(Irregularity(QStringLiteral("code"), lineNumber, text,
+                                        QStringLiteral("%1 is not a code the post writes between motion lines")
+                                            .arg(text)));
+    }
+
+    void ReadFeed(unsigned lineNumber, const Word& word)
+    {
+        if (RequireNumber(lineNumber, word))
+            m_feedrate = word.number.toDouble() * kMillimetresPerInch;
+    }
+
+    bool ReadAxis(unsigned lineNumber, const Word& word, int axis)
+    {
+        if (!RequireNumber(lineNumber, word))
+            return false;
+        m_values[axis] = word.number.toDouble() * m_scales.at(axis);
+        return true;
+    }
+
+    // A word without a number leaves the value the controller holds.
+    bool RequireNumber(unsigned lineNumber, const Word& word)
+    {
+        if (!word.number.isEmpty())
+            return true;
+        m_ply.irregularities.append(Irregularity(QStringLiteral("number"), lineNumber, word.name,
+                                                 QStringLiteral("the %1 word has no number").arg(word.name)));
+        return false;
+    }
+
+    void CheckNotation(unsigned lineNumber, const QString& name, const QString& number)
+    {
+        if (IsInExponentNotation(number))
+            m_ply.irregularities.append(
+                Irregularity(QStringLiteral("number"), lineNumber, name,
+                             QStringLiteral("the %1 word is written in exponent notation, %2, which reads as %3")
+                                 .arg(name, number, QString::number(number.toDouble(), 'f', 4))));
+    }
+
+    ZELKinNCIrregularity Irregularity(const QString& check, unsigned lineNumber, const QString& subject,
+                                      const QString& message) const
+    {
+        return ZELKinNCIrregularity{check, m_ply.path, lineNumber, m_course, subject, message};
     }
 
     // Lines between a course record and the course itself approach it;
@@ -182,6 +290,8 @@ private:
     const QStringList& m_labels;
     const QVector<double>& m_scales;
     QVector<double> m_values;
+    //! Codes that would be irregular between motion lines.
+    QList<ZELKinNCIrregularity> m_codes;
     double m_feedrate = std::numeric_limits<double>::quiet_NaN();
     int m_course = 0;
     bool m_rapid = false;
@@ -235,38 +345,52 @@ QList<ZELKinNCReplay::Section> ZELKinNCReplay::ReadSections(const QString& path)
     return sections;
 }
 
-QList<ZELKinNCPlyFile> ZELKinNCReplay::Read(const QString& path) const
+ZELKinNCProgram ZELKinNCReplay::Read(const QString& path) const
 {
     const QList<Section> sections = ReadSections(path);
-    const auto programSet = std::find_if(sections.cbegin(), sections.cend(), [](const Section& section) {
-        return section.name.endsWith(kProgramSetSuffix);
-    });
-    if (programSet == sections.cend())
-        throw ZELSysException(QStringLiteral("no posted program in %1: no program-set file (%2)").arg(path, kProgramSetSuffix));
+    QList<const Section*> programSets;
+    for (const Section& section : sections) {
+        if (section.name.endsWith(kProgramSetSuffix))
+            programSets.append(&section);
+    }
+    if (programSets.isEmpty())
+        throw ZELSysException(
+            QStringLiteral("no posted program in %1: no program-set file (%2)").arg(path, kProgramSetSuffix));
+
+    ZELKinNCProgram program;
+    // A controller that is handed the folder may run either program set.
+    for (const Section* other : programSets.mid(1))
+        program.irregularities.append(
+            ZELKinNCIrregularity{QStringLiteral("program"), other->path, other->firstLine, 0, other->name,
+                                 QStringLiteral("a second program-set file, %1, stands beside %2")
+                                     .arg(other->name, programSets.first()->name)});
 
     QMap<QString, QString> procedures;
-    for (const QString& line : programSet->lines) {
+    for (const QString& line : programSets.first()->lines) {
         const QRegularExpressionMatch ply = kPlyProgram.match(line);
         if (ply.hasMatch())
             procedures.insert(ply.captured(1), ply.captured(2));
     }
 
-    QList<ZELKinNCPlyFile> plies;
     for (const Section& section : sections) {
         const QRegularExpressionMatch number = kPlyFileName.match(section.name);
         if (!number.hasMatch())
             continue;
-        if (!procedures.contains(number.captured(1)))
-            throw ZELSysException(QStringLiteral("the program-set file does not list ply %1 (%2)")
-                                      .arg(number.captured(1), section.name));
+        if (!procedures.contains(number.captured(1))) {
+            program.irregularities.append(
+                ZELKinNCIrregularity{QStringLiteral("program"), section.path, section.firstLine, 0, section.name,
+                                     QStringLiteral("the program-set file does not list ply %1 (%2)")
+                                         .arg(number.captured(1), section.name)});
+            continue;
+        }
         ZELKinNCPlyFile ply = ReplayPly(section);
         ply.plyNumber = number.captured(1);
         ply.procedure = procedures.value(ply.plyNumber);
-        plies.append(ply);
+        program.plies.append(ply);
     }
-    std::sort(plies.begin(), plies.end(),
+    std::sort(program.plies.begin(), program.plies.end(),
               [](const ZELKinNCPlyFile& a, const ZELKinNCPlyFile& b) { return a.plyNumber < b.plyNumber; });
-    return plies;
+    return program;
 }
 
 ZELKinNCPlyFile ZELKinNCReplay::ReplayPly(const Section& section) const
@@ -277,5 +401,6 @@ ZELKinNCPlyFile ZELKinNCReplay::ReplayPly(const Section& section) const
     PlyRun run(ply, m_labels, m_scales);
     for (int i = 0; i < section.lines.size(); ++i)
         run.Run(section.firstLine + unsigned(i + 1), section.lines.at(i));
+    run.Finish();
     return ply;
 }

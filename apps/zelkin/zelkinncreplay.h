@@ -33,6 +33,9 @@ struct ZELKinNCMotion
     //! The values the line starts from: the last line's, with any preset
     //! since then (the course start's "G92(U,0.0000)") applied.
     QVector<double> starts;
+    //! Per machine variable: whether the line writes its word. A word left
+    //! out keeps the value the controller holds.
+    QVector<bool> written;
     //! The modal feed (mm/min); NaN until a line sets it.
     double feedrate = std::numeric_limits<double>::quiet_NaN();
     //! For a link line, its link among the procedure's course links: the
@@ -54,6 +57,24 @@ struct ZELKinNCTowEvent
     quint64 tows = 0;
 };
 
+//! Something the files hold that the post never writes, found while they
+//! are read: a number the controller would read otherwise than a person,
+//! a code that stops the program or that the post does not write among
+//! motion lines, a file the program does not account for.
+struct ZELKinNCIrregularity
+{
+    //! "number", "code" or "program".
+    QString check;
+    //! The file on disk and the line (0 for a whole file).
+    QString file;
+    unsigned line = 0;
+    int course = 0;
+    //! The word or code it is about; empty for a file.
+    QString subject;
+    //! One sentence for people.
+    QString message;
+};
+
 //! What one ply file of a posted program holds, as the controller reads it.
 struct ZELKinNCPlyFile
 {
@@ -70,17 +91,31 @@ struct ZELKinNCPlyFile
     //! The line of each course's record (";[COURSE] CourseNumber="), by
     //! course number.
     QMap<int, unsigned> courseRecords;
+    QList<ZELKinNCIrregularity> irregularities;
+};
+
+//! A posted program as the controller reads it.
+struct ZELKinNCProgram
+{
+    //! The ply files the program-set file lists, in ply number order.
+    QList<ZELKinNCPlyFile> plies;
+    //! Files beside them that do not belong: a second program-set file, a
+    //! ply file the program-set file does not list.
+    QList<ZELKinNCIrregularity> irregularities;
 };
 
 /*!
     Reads posted NC files back as a controller runs them: the program-set
-    file for the list of plies, then each ply file line by line through
-    ZELKinGCodeRecord, keeping every axis word modal. Inches and degrees are
-    converted back to mm and rad; the material axis is in mm already. The
-    probing file is not read.
+    file for the list of plies, then each ply file line by line, keeping
+    every axis word modal. A word is an address (capital letters and
+    underscores, with one digit when "=" follows it) and its value; numbers
+    are read whole, exponent and sign included, so that "F2e+05" is 200000
+    as a controller reads it (and an irregularity, since the post writes
+    plain decimals). Inches and degrees are converted back to mm and rad;
+    the material axis is in mm already. The probing file is not read.
 
-    Throws ZELSysException for a path that holds no posted program, a file
-    that cannot be read and a ply file the program-set file does not list.
+    Throws ZELSysException for a path that holds no posted program, or
+    several, and for a file that cannot be read.
 */
 class ZELKinNCReplay
 {
@@ -91,8 +126,8 @@ public:
 
     //! `path` is what "zelkin post" was given: a folder (holding the
     //! program's folder, or the program's folder itself), a bundle file
-    //! (.bun) or the .aptsource beside one. Plies come in ply number order.
-    QList<ZELKinNCPlyFile> Read(const QString& path) const;
+    //! (.bun) or the .aptsource beside one.
+    ZELKinNCProgram Read(const QString& path) const;
 
 private:
     struct Section

@@ -59,8 +59,9 @@ QString ZELKinReportCommand::GetDescription() const
         "Series longer than 2000 lines are cut to the smallest and largest value of\n"
         "each of 2000 stretches of path, so peaks stay visible.\n"
         "\n"
-        "Exit status 0 once the page is written, whatever the checks found; 1 when\n"
-        "the inputs cannot be read or the page cannot be written.\n"
+        "Exit status 0 when every check passes (warnings do not fail), 1 when any\n"
+        "fails (the page is written all the same) or the page cannot be written, 3\n"
+        "when the machine, the toolpath or the NC cannot be read.\n"
         "\n"
         "Options:\n"
         "  --machine M.xml           The machine description.\n"
@@ -86,9 +87,10 @@ int ZELKinReportCommand::Run(const QStringList& arguments)
     // Opened before the long verification, so that a folder that is not
     // there fails at once.
     ZELKinOutputFile file(reportPath);
-    const ZELKinVerificationJob job(input);
-    const ZELKinHtmlReport report(*job.GetMachine(), job.GetVerification(), sources);
-    Write(file, report.ToHtml());
-    ZELKinConsole::Print(QStringLiteral("Wrote %1: %2\n").arg(reportPath, report.GetResult()));
-    return ZELKinExitStatus::Success;
+    return ZELKinVerificationJob::Run(input, [&](const ZELKinVerificationJob& job) {
+        const ZELKinHtmlReport report(*job.GetMachine(), job.GetVerification(), sources);
+        Write(file, report.ToHtml());
+        ZELKinConsole::Print(QStringLiteral("Wrote %1: %2\n").arg(reportPath, report.GetResult()));
+        return job.GetVerification().IsPassed() ? ZELKinExitStatus::Success : ZELKinExitStatus::Failure;
+    });
 }

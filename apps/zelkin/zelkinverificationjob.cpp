@@ -3,15 +3,20 @@
 #include "zelkinarguments.h"
 #include "zelkincommand.h"
 #include "zelkinconsole.h"
+#include "zelkinmachinefile.h"
 #include "zelkinncreplay.h"
-#include "zelkintranslationjob.h"
 
+#include <zelgeocontainer.h>
 #include <zelkinafpmachine.h>
-#include <zelkinmachine.h>
-#include <zelkinrbrsolver.h>
-#include <zelsysexception.h>
+#include <zeltpprogram.h>
+#include <zeltpprogramreader.h>
+
+#include <QtGlobal>
 
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -36,21 +41,49 @@ double AngleOption(const ZELKinArguments& parsed, const QString& option, double 
     return degrees / kDegreesPerRadian;
 }
 
-std::unique_ptr<ZELKinTranslationJob> Translate(const ZELKinVerificationJob::Input& input)
+// While it lives, a fatal message of the libraries (the machine loader ends
+// the process this way on some broken descriptions) ends zelkin as an input
+// that cannot be read, not as a failed check.
+class FatalMeansUnreadable
 {
-    const ZELKinConsole::StdoutToStderr progressAside;
-    return std::make_unique<ZELKinTranslationJob>(
-        ZELKinTranslationJob::Input{input.machinePath, input.toolpathPath, QString()});
+public:
+    FatalMeansUnreadable() { s_previous = qInstallMessageHandler(Handle); }
+    ~FatalMeansUnreadable() { qInstallMessageHandler(s_previous); }
+    FatalMeansUnreadable(const FatalMeansUnreadable&) = delete;
+    FatalMeansUnreadable& operator=(const FatalMeansUnreadable&) = delete;
+
+private:
+    static void Handle(QtMsgType type, const QMessageLogContext& context, const QString& message)
+    {
+        if (type != QtFatalMsg) {
+            s_previous(type, context, message);
+            return;
+        }
+        ZELKinConsole::Diagnose(QStringLiteral("error"), message);
+        std::fflush(stdout);
+        std::_Exit(ZELKinVerificationJob::UnreadableInput);
+    }
+
+    static inline QtMessageHandler s_previous = nullptr;
+};
+
+template <typename Read>
+auto ReadInput(const Read& read)
+{
+    try {
+        return read();
+    } catch (const std::exception& error) {
+        throw ZELKinUnreadableInputError(error.what());
+    }
 }
 
-const ZELKinRBRSolver& RBRSolverOf(const ZELKinTranslationJob& job)
+// Kept, still reachable, until the process ends: the tool exits right after
+// its report, and deleting a toolpath of millions of points one by one
+// would take about as long as checking it.
+void KeepUntilExit(std::unique_ptr<ZELGeoContainer> container)
 {
-    const auto* solver = dynamic_cast<const ZELKinRBRSolver*>(job.GetSolver());
-    if (!solver)
-        throw ZELSysException(QStringLiteral("the machine's solver '%1' has no forward kinematics that the checks "
-                                             "know (they know \"RBR\")")
-                                  .arg(job.GetMachine()->GetSolverName()));
-    return *solver;
+    static auto* const kept = new std::vector<std::unique_ptr<ZELGeoContainer>>;
+    kept->push_back(std::move(container));
 }
 
 } // namespace
@@ -75,19 +108,32 @@ ZELKinVerificationJob::Input ZELKinVerificationJob::GetInput(const ZELKinArgumen
 }
 
 ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
-    : m_job(Translate(input))
+    : m_container(std::make_unique<ZELGeoContainer>())
 {
-    const ZELKinAFPMachine& machine = *m_job->GetMachine();
-    const QList<ZELKinNCPlyFile> plies = ZELKinNCReplay(machine).Read(input.ncPath);
-    m_verification = ZELKinVerifier(machine, RBRSolverOf(*m_job), *m_job->GetProgram(), input.gates).Verify(plies);
+    {
+        const FatalMeansUnreadable fatal;
+        m_machine = ReadInput([&] { return ZELKinMachineFile::Load(m_container.get(), input.machinePath); });
+    }
+    const auto verifier = ReadInput([&] { return std::make_unique<ZELKinVerifier>(*m_machine, input.gates); });
+    const ZELTPProgram* toolpath =
+        ReadInput([&] { return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath); });
+    const ZELKinNCProgram nc = ReadInput([&] { return ZELKinNCReplay(*m_machine).Read(input.ncPath); });
+    m_verification = verifier->Verify(*toolpath, nc);
+}
+
+int ZELKinVerificationJob::Run(const Input& input, const std::function<int(const ZELKinVerificationJob&)>& use)
+{
+    std::unique_ptr<const ZELKinVerificationJob> job;
+    try {
+        job = std::make_unique<const ZELKinVerificationJob>(input);
+    } catch (const ZELKinUnreadableInputError& error) {
+        ZELKinConsole::Diagnose(QStringLiteral("error"), QString::fromUtf8(error.what()));
+        return UnreadableInput;
+    }
+    return use(*job);
 }
 
 ZELKinVerificationJob::~ZELKinVerificationJob()
 {
-    ZELKinTranslationJob::KeepUntilExit(std::move(m_job));
-}
-
-ZELKinAFPMachine* ZELKinVerificationJob::GetMachine() const
-{
-    return m_job->GetMachine();
+    KeepUntilExit(std::move(m_container));
 }

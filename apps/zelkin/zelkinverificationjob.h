@@ -7,21 +7,39 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
 #include <memory>
+#include <stdexcept>
 
+class ZELGeoContainer;
 class ZELKinAFPMachine;
 class ZELKinArguments;
-class ZELKinTranslationJob;
 
 /*!
-    What "verify" and "report" share: the machine and the toolpath are
-    translated and solved as "post" does (the library's progress lines go to
-    stderr, so that stdout stays the command's own), the posted NC is read
-    back and checked against the solved program.
+    A machine description, a toolpath or posted NC that the checks cannot
+    read, or a machine whose kinematics they cannot follow: "verify" and
+    "report" end with ZELKinVerificationJob::UnreadableInput then, apart
+    from a failed check.
+*/
+class ZELKinUnreadableInputError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/*!
+    What "verify" and "report" share: the machine description and the
+    toolpath are read, and the posted NC is read back and checked against
+    them. Nothing is translated or solved: the checks stand on the
+    toolpath and on kinematics of their own, so that an error the solver or
+    the post makes cannot hide itself.
 */
 class ZELKinVerificationJob
 {
 public:
+    //! The exit status of "verify" and "report" when an input cannot be read.
+    static constexpr int UnreadableInput = 3;
+
     struct Input
     {
         QString machinePath;
@@ -38,17 +56,23 @@ public:
     //! above 0 and below 180 degrees.
     static Input GetInput(const ZELKinArguments& parsed, const QString& command);
 
-    //! Throws ZELSysException (and its kin) for a machine, toolpath or NC
-    //! that cannot be read, and for a machine whose solver is not the RBR
-    //! solver, whose kinematics the checks need.
+    //! Throws ZELKinUnreadableInputError for a machine, toolpath or NC that
+    //! cannot be read and a machine whose kinematics the checks cannot
+    //! follow. A fatal message of the libraries while the machine is read
+    //! ends the process with UnreadableInput.
     explicit ZELKinVerificationJob(const Input& input);
     ~ZELKinVerificationJob();
 
-    ZELKinAFPMachine* GetMachine() const;
+    //! The job for `input` handed to `use`, whose exit status it returns;
+    //! when an input cannot be read, its one error line and UnreadableInput.
+    static int Run(const Input& input, const std::function<int(const ZELKinVerificationJob&)>& use);
+
+    ZELKinAFPMachine* GetMachine() const { return m_machine; }
     const ZELKinVerification& GetVerification() const { return m_verification; }
 
 private:
-    std::unique_ptr<ZELKinTranslationJob> m_job;
+    std::unique_ptr<ZELGeoContainer> m_container;
+    ZELKinAFPMachine* m_machine = nullptr;
     ZELKinVerification m_verification;
 };
 

@@ -10,56 +10,65 @@
 #include <QVector>
 
 #include <limits>
+#include <memory>
 
 class ZELKinAFPMachine;
-class ZELKinProgram;
-class ZELKinRBRSolver;
+class ZELKinVerifierHead;
+class ZELTPProgram;
 
 //! What the checks allow. Lengths in mm, angles in rad.
 struct ZELKinVerifyGates
 {
-    //! Roller centre against the toolpath point's.
+    //! A roller centre against the toolpath point's it stands for, a link
+    //! line's against its link point's, and a toolpath point's against the
+    //! path of the NC lines.
     double centre = 0.01;
-    //! Normal and direction of travel against the toolpath point's. A rotary
-    //! word is left out while its axis moves less than 0.001 rad, so the
-    //! gate must stay above that.
-    double angle = 0.06 * 0.017453292519943295;
+    //! How far a rotary word the line writes may be off: its rounding to
+    //! four decimals of a degree.
+    double rotaryRounding = 0.00005 * 0.017453292519943295;
+    //! How far a rotary word the line leaves out may lag: the post leaves a
+    //! word out while its value stays this close to the one the controller
+    //! holds.
+    double rotaryLag = 0.001;
     //! A rotary step between two lines of one course above this is a flip.
     double flip = 30.0 * 0.017453292519943295;
-    //! Closer than this to the wrist's singularity is a finding.
+    //! Closer than this to the wrist's singularity is a warning.
     double singularity = 2.0 * 0.017453292519943295;
     //! A tow event's material position against the toolpath's.
     double towEvent = 0.01;
 };
 
-//! Where something was found: the toolpath position and the NC line.
+//! Where something was found: the toolpath point and the NC line.
 struct ZELKinVerifyPlace
 {
     int course = 0;
-    //! The course's position the line was matched to, from 1 in the order
-    //! the machine runs them; 0 for a line that was not matched.
+    //! The course's toolpath point, from 1 along its trajectories: the one
+    //! a line was matched to, or the one the NC's path misses; 0 for none.
     int point = 0;
     QString file;
     unsigned line = 0;
 };
 
-//! One failed check.
+//! One failed check, or a warning.
 struct ZELKinVerifyFinding
 {
-    //! "centre", "normal", "travel", "limit", "flip", "speed",
-    //! "singularity", "tow" or "missing" (a ply or a course of the program
-    //! that no line of the NC runs).
+    //! "centre", "contact", "normal", "travel", "link", "path", "missing",
+    //! "limit", "flip", "speed", "singularity", "tow", "number", "code" or
+    //! "program" (docs/zelkin.md tells what each checks).
     QString check;
     QString plyNumber;
     QString procedure;
     ZELKinVerifyPlace place;
-    //! The axis or tow the finding is about; empty when it is about none.
+    //! The axis, tow, word, code or file the finding is about; empty when
+    //! it is about none.
     QString subject;
     //! What was found and what is allowed, in the units the message gives.
     double value = 0.0;
     double limit = 0.0;
     //! One sentence for people.
     QString message;
+    //! A warning is reported and does not fail the verification.
+    bool warning = false;
 };
 
 //! The largest (or, for margins, smallest) value of one check over a ply,
@@ -79,7 +88,7 @@ struct ZELKinVerifiedLine
     bool alongCourse = false;
     //! Length of the roller centre's path from the ply's first line (mm).
     double pathLength = 0.0;
-    //! The roller centre (mm).
+    //! The roller centre (mm): the X, Y and Z words under TRAORI.
     ZELMathPoint centre;
     //! The machine axes in the machine's order, the linear ones as slide
     //! positions (mm), rotary ones in rad, the material axis in mm; NaN
@@ -92,26 +101,36 @@ struct ZELKinVerifiedLine
 struct ZELKinVerifyTally
 {
     int motionLines = 0;
-    //! Lines along courses matched to a toolpath position and gated.
+    //! Lines along courses matched to a toolpath point and gated.
     int matchedLines = 0;
-    //! Link lines (approach, retract, between courses): their positions are
-    //! not solved exactly against a toolpath frame, so they are not gated.
+    //! Link lines (approach, retract, between courses), gated by their
+    //! roller centre only: the wrist may turn freely along a link.
     int linkLines = 0;
     //! Feed moves whose roller centre stays put: no speed follows from the feed.
     int movesInPlace = 0;
     int towEvents = 0;
+    //! Toolpath points walked, from each course's first approach point
+    //! through its roll-out point.
+    int points = 0;
     ZELKinVerifyExtreme centre;
+    //! Where the tows land: the roller centre less the roller radius along
+    //! the commanded normal, against the toolpath point.
+    ZELKinVerifyExtreme contact;
     ZELKinVerifyExtreme normal;
     ZELKinVerifyExtreme travel;
     ZELKinVerifyExtreme rotaryStep;
     ZELKinVerifyExtreme speedRatio;
     ZELKinVerifyExtreme singularityMargin;
     ZELKinVerifyExtreme towEvent;
-    //! Not gated: how far link lines lie from the nearest roller centre of
-    //! their link's toolpath points (the solver gives link positions at a
-    //! procedure's ends the bare point, a roller radius off).
+    //! How far link lines lie from the nearest roller centre of their
+    //! link's toolpath points.
     ZELKinVerifyExtreme linkCentre;
+    //! How far the NC's path of roller centres passes from a walked
+    //! toolpath point's roller centre.
+    ZELKinVerifyExtreme pathGap;
+    //! Findings that fail; warnings apart.
     int findings = 0;
+    int warnings = 0;
 };
 
 //! The checks of one course: its record's lines up to the next course's.
@@ -127,6 +146,7 @@ struct ZELKinVerifiedPly : ZELKinVerifyTally
     QString plyNumber;
     QString procedure;
     QString file;
+    //! The courses of the toolpath's procedure.
     int courses = 0;
     //! The courses the file holds, in its order.
     QList<ZELKinVerifiedCourse> courseTallies;
@@ -137,38 +157,53 @@ struct ZELKinVerification
 {
     ZELKinVerifyGates gates;
     QList<ZELKinVerifiedPly> plies;
+    //! Warnings among them.
     QList<ZELKinVerifyFinding> findings;
 
-    bool IsPassed() const { return findings.isEmpty(); }
+    //! True when no finding but warnings.
+    bool IsPassed() const { return GetNumFailures() == 0; }
+    qsizetype GetNumFailures() const;
+    qsizetype GetNumWarnings() const { return findings.size() - GetNumFailures(); }
 };
 
 /*!
     Checks posted NC against the toolpath it was posted from, as a machine
-    simulator would: the replayed axis values run through the machine's
-    forward kinematics and are matched, line by line, to the positions of
-    the solved program. Lines along a course are matched by the material
-    axis (the length of material laid since the course start) and, among
-    positions at the same length, by the nearest roller centre.
+    simulator would, with kinematics of its own: each line's axis values run
+    through the forward kinematics of the machine's joint tree
+    (ZELKinForwardKinematics) and the tool the machine description's wrist
+    configuration describes, and are compared with the toolpath's points,
+    never with a solved program.
 
-    A layup procedure of the program without a ply file, and a course of a
-    ply that no line runs along, are findings. Throws ZELSysException for a
-    ply whose procedure or course the program does not have.
+    Each roll layup procedure of the toolpath is walked course by course in
+    path order, each course from its approach trajectory's first point
+    through its roll-out point: a procedure without a ply file, a course no
+    line runs along and a point the NC's path of roller centres does not
+    pass are findings. Lines along a course are matched to the point they
+    stand for by the material axis and the nearest roller centre, and gated
+    by what the NC's modal rule allows them (docs/zelkin.md); link lines by
+    their roller centre against their link's points.
 */
 class ZELKinVerifier
 {
 public:
-    //! None of the arguments is owned; they must outlive the verifier.
-    ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELKinRBRSolver& solver, const ZELKinProgram& program,
-                   const ZELKinVerifyGates& gates);
+    /*!
+        `machine` is not owned and must outlive the verifier. Throws
+        ZELSysException for a machine whose kinematics the checks cannot
+        follow: a joint tree that is not one chain, no three
+        slides driven by variables named X, Y and Z, no wrist of three rotary
+        joints at the chain's end, or a wrist configuration whose vectors
+        are not three numbers.
+    */
+    ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELKinVerifyGates& gates);
+    ~ZELKinVerifier();
 
-    ZELKinVerification Verify(const QList<ZELKinNCPlyFile>& plies) const;
+    //! `nc` as posted from `toolpath`.
+    ZELKinVerification Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const;
 
 private:
-    void FindPliesNotPosted(const QList<ZELKinNCPlyFile>& plies, QList<ZELKinVerifyFinding>& findings) const;
-
+    //! The machine's kinematics as the checks follow them.
+    std::unique_ptr<const ZELKinVerifierHead> m_head;
     const ZELKinAFPMachine& m_machine;
-    const ZELKinRBRSolver& m_solver;
-    const ZELKinProgram& m_program;
     ZELKinVerifyGates m_gates;
 };
 

@@ -10,7 +10,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
@@ -42,6 +44,26 @@ QString Describe(const ZELKinVerifyFinding& finding)
     return QStringLiteral("%1: %2: %3").arg(where.join(QStringLiteral(", ")), finding.check, finding.message);
 }
 
+QString Listed(const QString& heading, const QList<ZELKinVerifyFinding>& findings)
+{
+    if (findings.isEmpty())
+        return QString();
+    QString text = QStringLiteral("\n%1:\n").arg(heading);
+    for (int i = 0; i < findings.size() && i < kFindingsShown; ++i)
+        text += QStringLiteral("  %1\n").arg(Describe(findings.at(i)));
+    if (findings.size() > kFindingsShown)
+        text += QStringLiteral("  ... and %1 more (--json lists them all)\n").arg(findings.size() - kFindingsShown);
+    return text;
+}
+
+QList<ZELKinVerifyFinding> Severity(const QList<ZELKinVerifyFinding>& findings, bool warning)
+{
+    QList<ZELKinVerifyFinding> chosen;
+    std::copy_if(findings.cbegin(), findings.cend(), std::back_inserter(chosen),
+                 [warning](const ZELKinVerifyFinding& finding) { return finding.warning == warning; });
+    return chosen;
+}
+
 QString Summary(const QString& ncPath, const ZELKinVerification& verification)
 {
     QString text = QStringLiteral("Verified NC: %1\n").arg(ncPath);
@@ -50,28 +72,21 @@ QString Summary(const QString& ncPath, const ZELKinVerification& verification)
     table.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses")}
                  + ZELKinVerifySummary::GetHeadings());
     for (const ZELKinVerifiedPly& ply : verification.plies)
-        table.AddRow(QStringList{ply.plyNumber, ply.procedure, QString::number(ply.courses)} + ZELKinVerifySummary::GetCells(ply));
+        table.AddRow(QStringList{ply.plyNumber, ply.procedure, QString::number(ply.courses)}
+                     + ZELKinVerifySummary::GetCells(ply));
     ZELKinTextTable courses;
     courses.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("course")} + ZELKinVerifySummary::GetHeadings());
     for (const ZELKinVerifiedPly& ply : verification.plies) {
         for (const ZELKinVerifiedCourse& course : ply.courseTallies)
-            courses.AddRow(QStringList{ply.plyNumber, QString::number(course.course)} + ZELKinVerifySummary::GetCells(course));
+            courses.AddRow(QStringList{ply.plyNumber, QString::number(course.course)}
+                           + ZELKinVerifySummary::GetCells(course));
     }
     text += table.ToText(0);
     text += QStringLiteral("\nPer course:\n") + courses.ToText(0);
-
-    const QList<ZELKinVerifyFinding>& findings = verification.findings;
-    if (!findings.isEmpty()) {
-        text += QStringLiteral("\nFindings:\n");
-        for (int i = 0; i < findings.size() && i < kFindingsShown; ++i) {
-            text += QStringLiteral("  %1\n").arg(Describe(findings.at(i)));
-        }
-        if (findings.size() > kFindingsShown)
-            text += QStringLiteral("  ... and %1 more (--json lists them all)\n").arg(findings.size() - kFindingsShown);
-    }
-    text += QStringLiteral("\nLink lines (approach, retract) are checked for limits, speeds and steps only, and their "
-                           "distance from their link's points (links mm) is not gated; the probing file is not "
-                           "checked.\n");
+    text += Listed(QStringLiteral("Findings"), Severity(verification.findings, false));
+    text += Listed(QStringLiteral("Warnings"), Severity(verification.findings, true));
+    text += QStringLiteral("\nLink lines (approach, between courses, retract) are gated by their roller centre only; "
+                           "the probing file is not checked.\n");
     text += QStringLiteral("Result: %1\n").arg(ZELKinVerifySummary::GetResult(verification));
     return text;
 }
@@ -105,8 +120,11 @@ QJsonObject JsonTally(const ZELKinVerifyTally& tally)
                        {QStringLiteral("linkLines"), tally.linkLines},
                        {QStringLiteral("movesInPlace"), tally.movesInPlace},
                        {QStringLiteral("towEvents"), tally.towEvents},
+                       {QStringLiteral("points"), tally.points},
                        {QStringLiteral("findings"), tally.findings},
+                       {QStringLiteral("warnings"), tally.warnings},
                        {QStringLiteral("maxCentreMm"), JsonExtreme(tally.centre, 1.0)},
+                       {QStringLiteral("maxContactMm"), JsonExtreme(tally.contact, 1.0)},
                        {QStringLiteral("maxNormalDeg"), JsonExtreme(tally.normal, kDegreesPerRadian)},
                        {QStringLiteral("maxTravelDeg"), JsonExtreme(tally.travel, kDegreesPerRadian)},
                        {QStringLiteral("maxRotaryStepDeg"), JsonExtreme(tally.rotaryStep, kDegreesPerRadian)},
@@ -114,7 +132,8 @@ QJsonObject JsonTally(const ZELKinVerifyTally& tally)
                        {QStringLiteral("minSingularityMarginDeg"),
                         JsonExtreme(tally.singularityMargin, kDegreesPerRadian)},
                        {QStringLiteral("maxTowEventMm"), JsonExtreme(tally.towEvent, 1.0)},
-                       {QStringLiteral("maxLinkCentreMm"), JsonExtreme(tally.linkCentre, 1.0)}};
+                       {QStringLiteral("maxLinkCentreMm"), JsonExtreme(tally.linkCentre, 1.0)},
+                       {QStringLiteral("maxPathGapMm"), JsonExtreme(tally.pathGap, 1.0)}};
 }
 
 QJsonObject JsonPly(const ZELKinVerifiedPly& ply)
@@ -144,6 +163,7 @@ QJsonObject JsonFinding(const ZELKinVerifyFinding& finding)
     object.insert(QStringLiteral("value"), JsonNumber(finding.value));
     object.insert(QStringLiteral("limit"), JsonNumber(finding.limit));
     object.insert(QStringLiteral("message"), finding.message);
+    object.insert(QStringLiteral("warning"), finding.warning);
     return object;
 }
 
@@ -158,9 +178,12 @@ QString Json(const QString& ncPath, const ZELKinVerification& verification)
         findings.append(JsonFinding(finding));
     const QJsonObject root{{QStringLiteral("nc"), ncPath},
                            {QStringLiteral("passed"), verification.IsPassed()},
+                           {QStringLiteral("failures"), qint64(verification.GetNumFailures())},
+                           {QStringLiteral("warnings"), qint64(verification.GetNumWarnings())},
                            {QStringLiteral("gates"),
                             QJsonObject{{QStringLiteral("centreMm"), gates.centre},
-                                        {QStringLiteral("angleDeg"), gates.angle * kDegreesPerRadian},
+                                        {QStringLiteral("rotaryRoundingDeg"), gates.rotaryRounding * kDegreesPerRadian},
+                                        {QStringLiteral("rotaryLagRad"), gates.rotaryLag},
                                         {QStringLiteral("flipDeg"), gates.flip * kDegreesPerRadian},
                                         {QStringLiteral("singularityDeg"), gates.singularity * kDegreesPerRadian},
                                         {QStringLiteral("towEventMm"), gates.towEvent}}},
@@ -192,21 +215,29 @@ QString ZELKinVerifyCommand::GetDescription() const
     return QStringLiteral(
         "Reads the NC files that 'zelkin post' wrote to PATH (its output folder, the\n"
         "program's folder or a bundle) back line by line, as the controller runs\n"
-        "them, and checks them against the toolpath T.json solved for M.xml:\n"
+        "them, and checks them against the toolpath T.json with kinematics of its\n"
+        "own, built from the joint tree of M.xml; nothing is solved:\n"
         "\n"
+        "  - every course of every layup procedure is laid: the roller centre's path\n"
+        "    passes within 0.01 mm of each point from the approach through the\n"
+        "    roll-out;\n"
         "  - each line along a course puts the roller centre on its toolpath point\n"
-        "    (gate 0.01 mm), with the point's normal and direction of travel (gate\n"
-        "    0.06 deg);\n"
-        "  - every axis stays within its limits (X, Y and Z as slide positions);\n"
-        "  - no rotary axis turns more than the flip angle between two lines of a\n"
+        "    (gate 0.01 mm), with the point's normal and direction of travel as far\n"
+        "    as the line's rotary words allow (their rounding when written, 0.001\n"
+        "    rad when left out), and the tows where they land; link lines keep the\n"
+        "    roller centre on their link's points;\n"
+        "  - numbers are plain decimals, and no program stop or strange code stands\n"
+        "    between motion lines;\n"
+        "  - every axis stays within its limits (X, Y and Z as slide positions) and\n"
+        "    speeds, and no rotary axis turns more than the flip angle inside a\n"
         "    course;\n"
-        "  - no axis moves faster than its speed limit at the programmed feed;\n"
-        "  - no point comes closer to the wrist's singularity than the singularity\n"
-        "    angle;\n"
         "  - tows are added and cut where the toolpath adds and cuts them.\n"
+        "A normal closer to the wrist's singularity than the singularity angle is a\n"
+        "warning, which does not fail.\n"
         "\n"
         "Prints a table per ply and every finding with its course, point, file and\n"
-        "line. Exit status 0 when every check passes, 1 when any fails.\n"
+        "line. Exit status 0 when every check passes, 1 when any fails, 3 when the\n"
+        "machine, the toolpath or the NC cannot be read.\n"
         "\n"
         "Options:\n"
         "  --machine M.xml           The machine description.\n"
@@ -214,7 +245,7 @@ QString ZELKinVerifyCommand::GetDescription() const
         "  --nc PATH                 The posted NC: a folder or a bundle (.bun).\n"
         "  --json                    Print the results as one JSON object.\n"
         "  --flip-angle DEG          A wrist flip (default 30).\n"
-        "  --singularity-angle DEG   Closest allowed to the singularity (default 2).\n");
+        "  --singularity-angle DEG   Warn closer to the singularity (default 2).\n");
 }
 
 int ZELKinVerifyCommand::Run(const QStringList& arguments)
@@ -223,9 +254,10 @@ int ZELKinVerifyCommand::Run(const QStringList& arguments)
                                  ZELKinVerificationJob::GetOptions() << QCommandLineOption(JsonOption));
     parsed.RequireAtMostPositionals(0);
     const ZELKinVerificationJob::Input input = ZELKinVerificationJob::GetInput(parsed, GetName());
-    const QString ncPath = input.ncPath;
-    const ZELKinVerificationJob job(input);
-    const ZELKinVerification& verification = job.GetVerification();
-    ZELKinConsole::Print(parsed.IsSet(JsonOption) ? Json(ncPath, verification) : Summary(ncPath, verification));
-    return verification.IsPassed() ? ZELKinExitStatus::Success : ZELKinExitStatus::Failure;
+    return ZELKinVerificationJob::Run(input, [&](const ZELKinVerificationJob& job) {
+        const ZELKinVerification& verification = job.GetVerification();
+        ZELKinConsole::Print(parsed.IsSet(JsonOption) ? Json(input.ncPath, verification)
+                                                      : Summary(input.ncPath, verification));
+        return verification.IsPassed() ? ZELKinExitStatus::Success : ZELKinExitStatus::Failure;
+    });
 }

@@ -13,9 +13,11 @@ constexpr double kDegreesPerRadian = 57.29577951308232;
 QStringList ZELKinVerifySummary::GetHeadings()
 {
     return {QStringLiteral("lines"),      QStringLiteral("matched"),    QStringLiteral("links"),
-            QStringLiteral("centre mm"),  QStringLiteral("normal deg"), QStringLiteral("travel deg"),
-            QStringLiteral("step deg"),   QStringLiteral("speed %"),    QStringLiteral("margin deg"),
-            QStringLiteral("tows mm"),    QStringLiteral("links mm"),   QStringLiteral("findings")};
+            QStringLiteral("points"),     QStringLiteral("centre mm"),  QStringLiteral("contact mm"),
+            QStringLiteral("normal deg"), QStringLiteral("travel deg"), QStringLiteral("step deg"),
+            QStringLiteral("speed %"),    QStringLiteral("margin deg"), QStringLiteral("tows mm"),
+            QStringLiteral("links mm"),   QStringLiteral("path mm"),    QStringLiteral("findings"),
+            QStringLiteral("warnings")};
 }
 
 QStringList ZELKinVerifySummary::GetCells(const ZELKinVerifyTally& tally)
@@ -23,15 +25,19 @@ QStringList ZELKinVerifySummary::GetCells(const ZELKinVerifyTally& tally)
     return {QString::number(tally.motionLines),
             QString::number(tally.matchedLines),
             QString::number(tally.linkLines),
+            QString::number(tally.points),
             Cell(tally.centre.value, 1.0, 4),
+            Cell(tally.contact.value, 1.0, 4),
             Cell(tally.normal.value, kDegreesPerRadian, 4),
             Cell(tally.travel.value, kDegreesPerRadian, 4),
             Cell(tally.rotaryStep.value, kDegreesPerRadian, 3),
             Cell(tally.speedRatio.value, 100.0, 1),
             Cell(tally.singularityMargin.value, kDegreesPerRadian, 3),
             Cell(tally.towEvent.value, 1.0, 3),
-            Cell(tally.linkCentre.value, 1.0, 3),
-            QString::number(tally.findings)};
+            Cell(tally.linkCentre.value, 1.0, 4),
+            Cell(tally.pathGap.value, 1.0, 4),
+            QString::number(tally.findings),
+            QString::number(tally.warnings)};
 }
 
 QString ZELKinVerifySummary::Cell(double value, double scale, int decimals)
@@ -41,20 +47,30 @@ QString ZELKinVerifySummary::Cell(double value, double scale, int decimals)
 
 QString ZELKinVerifySummary::DescribeGates(const ZELKinVerifyGates& gates)
 {
-    return QStringLiteral("roller centre %1 mm, normal and travel %2 deg, flip %3 deg, singularity %4 deg, "
-                          "tow events %5 mm")
-        .arg(Cell(gates.centre, 1.0, 4), Cell(gates.angle, kDegreesPerRadian, 4),
-             Cell(gates.flip, kDegreesPerRadian, 3), Cell(gates.singularity, kDegreesPerRadian, 3),
-             Cell(gates.towEvent, 1.0, 3));
+    return QStringLiteral("roller centre, link and path %1 mm; normal and travel %2 deg a written rotary word, "
+                          "%3 rad a word left out, by the sine of its axis to the direction; contact %1 mm and the "
+                          "roller radius times that; flip %4 deg; singularity warning %5 deg; tow events %6 mm")
+        .arg(Cell(gates.centre, 1.0, 4), Cell(gates.rotaryRounding, kDegreesPerRadian, 5),
+             Cell(gates.rotaryLag, 1.0, 3), Cell(gates.flip, kDegreesPerRadian, 3),
+             Cell(gates.singularity, kDegreesPerRadian, 3), Cell(gates.towEvent, 1.0, 3));
 }
 
 QString ZELKinVerifySummary::GetResult(const ZELKinVerification& verification)
 {
-    return verification.IsPassed() ? QStringLiteral("PASS")
-                                   : QStringLiteral("FAIL (%1)").arg(CountFindings(verification.findings.size()));
+    const qsizetype warnings = verification.GetNumWarnings();
+    if (verification.IsPassed())
+        return warnings == 0 ? QStringLiteral("PASS") : QStringLiteral("PASS (%1)").arg(CountWarnings(warnings));
+    const QString failures = CountFindings(verification.GetNumFailures());
+    return warnings == 0 ? QStringLiteral("FAIL (%1)").arg(failures)
+                         : QStringLiteral("FAIL (%1, %2)").arg(failures, CountWarnings(warnings));
 }
 
 QString ZELKinVerifySummary::CountFindings(qsizetype count)
 {
     return count == 1 ? QStringLiteral("1 finding") : QStringLiteral("%1 findings").arg(count);
+}
+
+QString ZELKinVerifySummary::CountWarnings(qsizetype count)
+{
+    return count == 1 ? QStringLiteral("1 warning") : QStringLiteral("%1 warnings").arg(count);
 }

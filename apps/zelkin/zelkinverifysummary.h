@@ -18,12 +18,14 @@ namespace ZELKinVerifySummary {
 QStringList GetHeadings();
 //! One cell a heading.
 QStringList GetCells(const ZELKinVerifyTally& tally);
-//! "roller centre 0.0100 mm, normal and travel 0.0600 deg, flip 30.000
-//! deg, singularity 2.000 deg, tow events 0.010 mm"
+//! The gates in one line, in the units people read them in.
 QString DescribeGates(const ZELKinVerifyGates& gates);
 //! "1 finding", "<n> findings".
 QString CountFindings(qsizetype count);
-//! "PASS", or "FAIL (1 finding)", "FAIL (<n> findings)".
+//! "1 warning", "<n> warnings".
+QString CountWarnings(qsizetype count);
+//! "PASS", "PASS (<n> warnings)", "FAIL (<n> findings)" or "FAIL (<n>
+//! findings, <m> warnings)": warnings do not fail.
 QString GetResult(const ZELKinVerification& verification);
 //! `value` times `scale` with `decimals` decimals, or "-" for NaN.
 QString Cell(double value, double scale, int decimals);

@@ -42,8 +42,14 @@ attribute() { # BODY NAME
 check() { # NAME TOOLPATH
     name="$1"
     "$zelkin" post --machine "$machine" --toolpath "$2" --output "$work/$name-nc" > /dev/null 2>&1
+    # The page is written whether the checks pass (status 0) or fail (1).
+    status=0
     "$zelkin" report --machine "$machine" --toolpath "$2" --nc "$work/$name-nc" -o "$work/$name.html" \
-        > /dev/null 2>&1
+        > /dev/null 2>&1 || status=$?
+    if [ "$status" -gt 1 ]; then
+        echo "$name: the report ended with status $status" >&2
+        exit 1
+    fi
     body=$(drawn_body "$work/$name.html")
     drawn=$(attribute "$body" data-plots-drawn)
     expected=$(attribute "$body" data-plots-expected)

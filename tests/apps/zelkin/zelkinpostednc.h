@@ -68,6 +68,40 @@ inline void ChangeLine(const QString& path, int number, const std::function<QStr
     WriteText(path, lines.join(QLatin1Char('\n')));
 }
 
+//! The lines of the text file at `path`, without their line ends.
+inline QStringList LinesOfFile(const QString& path)
+{
+    return ReadText(path).split(QLatin1Char('\n'));
+}
+
+//! The number, from 1, of the first line of `lines` from `from` (a number)
+//! on that starts with `prefix`; 0 when there is none.
+inline int LineStartingWith(const QStringList& lines, const QString& prefix, int from = 1)
+{
+    for (int i = std::max(from, 1) - 1; i < lines.size(); ++i) {
+        if (lines.at(i).startsWith(prefix))
+            return i + 1;
+    }
+    return 0;
+}
+
+//! Takes the line `number` (from 1) out of the file at `path`.
+inline void RemoveLine(const QString& path, int number)
+{
+    QStringList lines = LinesOfFile(path);
+    lines.removeAt(number - 1);
+    WriteText(path, lines.join(QLatin1Char('\n')));
+}
+
+//! Puts `text` in as the line `number` (from 1) of the file at `path`, the
+//! line that stood there and those after it one further down.
+inline void InsertLine(const QString& path, int number, const QString& text)
+{
+    QStringList lines = LinesOfFile(path);
+    lines.insert(number - 1, text);
+    WriteText(path, lines.join(QLatin1Char('\n')));
+}
+
 //! `line` with `words` put in before its comment.
 inline QString WithWords(const QString& line, const QString& words)
 {
@@ -82,12 +116,36 @@ inline double WordValue(const QString& line, const QString& word)
     return pattern.match(line).captured(1).toDouble();
 }
 
-//! `line` with the value of `word` set to `value`, with four decimals.
-inline QString WithWord(const QString& line, const QString& word, double value)
+//! `line` with the value of `word` written as `text`.
+inline QString WithWordText(const QString& line, const QString& word, const QString& text)
 {
     const QRegularExpression pattern(QRegularExpression::escape(word) + QStringLiteral("-?\\d+\\.\\d+"));
     QString changed = line;
-    return changed.replace(pattern, word + QString::number(value, 'f', 4));
+    return changed.replace(pattern, word + text);
+}
+
+//! `line` with the value of `word` set to `value`, with four decimals.
+inline QString WithWord(const QString& line, const QString& word, double value)
+{
+    return WithWordText(line, word, QString::number(value, 'f', 4));
+}
+
+//! True when `line` writes `word` (such as "C" or "C1=") with a number;
+//! "C" is not taken for the start of "C1=".
+inline bool HasWord(const QString& line, const QString& word)
+{
+    const QRegularExpression pattern(QStringLiteral("(?<![A-Z_])") + QRegularExpression::escape(word)
+                                     + QStringLiteral("(?!\\d=)-?\\d"));
+    return pattern.match(line.left(line.indexOf(QLatin1Char(';')))).hasMatch();
+}
+
+//! `line` without its `word` and that word's number.
+inline QString WithoutWord(const QString& line, const QString& word)
+{
+    const QRegularExpression pattern(QStringLiteral("(?<![A-Z_])") + QRegularExpression::escape(word)
+                                     + QStringLiteral("-?\\d+\\.\\d+"));
+    QString changed = line;
+    return changed.remove(pattern);
 }
 
 #endif // ZELKINPOSTEDNC_H

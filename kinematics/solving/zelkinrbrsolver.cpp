@@ -26,6 +26,9 @@ constexpr double kRadiansPerDegree = 0.017453292519943295;
 // turns either way of an angle covers them and keeps infinite or huge limits
 // from listing candidates without end.
 constexpr int kMaxStepsEachWay = 8;
+// A bend this small is what rounding leaves of none (rad); far below what
+// the NC can write (0.00005 deg), it is taken as exactly none.
+constexpr double kNoBend = 1e-12;
 // A joint frame turns about its third direction w, which is the frame's axis
 // number 1 and the normal of its plane number 1.
 constexpr int kRotationAxis = 1;
@@ -366,12 +369,19 @@ std::optional<ZELKinRBRSolverPrivate::Reach> ZELKinRBRSolverPrivate::ReachWith(d
     ZELMathAxis::Tilt(turnedFirstRoll, kRotationAxis, firstRollValue);
     ZELMathAxis turnedBend = turnedFirstRoll * bendOnFirstRoll;
 
-    // A bend within the tolerance is none, and its range is checked as none.
-    double bendValue = AngleAbout(turnedBend, -normal, wristZero);
-    if (std::abs(bendValue) < normalTolerance)
-        bendValue = 0.0;
-    if (std::isnan(bendValue) || bendAxis.IsOutside(bendValue))
+    // A bend within the tolerance counts as none for its range, so that a
+    // range that ends at zero keeps it. The head still takes the bend the
+    // normal asks for wherever the range holds it: a bend taken as none
+    // would tilt the roller, and the tows, by up to the tolerance. Only
+    // what the arithmetic leaves of no bend at all is made exactly none.
+    const double exactBend = AngleAbout(turnedBend, -normal, wristZero);
+    if (std::isnan(exactBend))
         return std::nullopt;
+    const double snappedBend = std::abs(exactBend) < normalTolerance ? 0.0 : exactBend;
+    if (bendAxis.IsOutside(snappedBend))
+        return std::nullopt;
+    const bool keepsExact = !bendAxis.IsOutside(exactBend) && std::abs(exactBend) >= kNoBend;
+    const double bendValue = keepsExact ? exactBend : snappedBend;
     ZELMathAxis turnedSecondRoll = turnedFirstRoll * secondRollOnFirstRoll;
     Turn(turnedBend, bendValue, turnedSecondRoll);
 

@@ -106,12 +106,15 @@ public:
         then whole turns more. A first roll range narrower than half a turn
         may hold none of them.
 
-        A bend within the normal tolerance of 0 counts as none: it is
-        snapped to exactly 0 before its range check. A bend range that
-        leaves out 0 but reaches into that band, such as [0.0002, 1] with
-        the default tolerance of 0.001, therefore drops the bends of the
-        band that it holds (0.0005 as well as 0.0001), and a range [0, 1]
-        keeps a bend of -0.0005, as 0.
+        A bend within the normal tolerance of 0 counts as none for its range
+        check: it is snapped to 0 before it. A bend range that leaves out 0
+        but reaches into that band, such as [0.0002, 1] with the default
+        tolerance of 0.001, therefore drops the bends of the band that it
+        holds (0.0005 as well as 0.0001), and a range [0, 1] keeps a bend of
+        -0.0005, as 0. Where the range holds the bend itself, the solution
+        keeps it as computed (0.0005 stays 0.0005), so that the head meets
+        the normal; a snapped bend would tilt it by up to the tolerance.
+        Below 1e-12 rad, what rounding leaves of no bend, it is exactly 0.
 
         When the normal lies within the normal tolerance of the first roll
         axis or of its opposite the wrist is free: without `traori` the list

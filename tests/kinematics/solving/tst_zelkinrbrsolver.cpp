@@ -761,7 +761,7 @@ class ZELKinRBRSolverBend : public ::testing::TestWithParam<BendCase>
 
 } // namespace
 
-TEST_P(ZELKinRBRSolverBend, ABendBelowTheNormalToleranceIsSnappedToZero)
+TEST_P(ZELKinRBRSolverBend, ABendThatItsRangeHoldsIsKeptAsComputedAndOnlyRoundingNoiseIsZero)
 {
     WristRanges ranges;
     ranges.firstRoll = {-1.0, 1.0};
@@ -780,11 +780,13 @@ TEST_P(ZELKinRBRSolverBend, ABendBelowTheNormalToleranceIsSnappedToZero)
 }
 
 INSTANTIATE_TEST_SUITE_P(Bends, ZELKinRBRSolverBend,
-                         ::testing::Values(BendCase{"BelowTheDefaultTolerance", 0.0005, kNaN, 0.0},
-                                           BendCase{"NegativeBelowTheDefaultTolerance", -0.0005, kNaN, 0.0},
+                         ::testing::Values(BendCase{"BelowTheDefaultTolerance", 0.0005, kNaN, 0.0005},
+                                           BendCase{"NegativeBelowTheDefaultTolerance", -0.0005, kNaN, -0.0005},
                                            BendCase{"AboveTheDefaultTolerance", 0.0015, kNaN, 0.0015},
-                                           BendCase{"BelowAWiderTolerance", 0.0015, 0.002, 0.0},
-                                           BendCase{"ZeroTolerance", 0.0005, 0.0, 0.0005}),
+                                           BendCase{"BelowAWiderTolerance", 0.0015, 0.002, 0.0015},
+                                           BendCase{"ZeroTolerance", 0.0005, 0.0, 0.0005},
+                                           BendCase{"RoundingNoise", 1e-15, kNaN, 0.0},
+                                           BendCase{"NegativeRoundingNoise", -1e-15, kNaN, 0.0}),
                          CaseName<BendCase>);
 
 namespace {

@@ -1,4 +1,5 @@
 #include "zelkinpostednc.h"
+#include "zelkintesttoolpath.h"
 #include "zelkintoolrun.h"
 
 #include <zeltestsupport.h>
@@ -257,47 +258,18 @@ QString Toolpath()
 {
     QJsonObject tows = Trajectory(QStringLiteral("tow"), PointsAt(4010, 4100));
     tows.insert(QStringLiteral("towMask"), QStringLiteral("1111111111111111"));
-    QJsonArray lengths;
-    for (int tow = 0; tow < 16; ++tow)
-        lengths.append(90.0);
-    const QJsonObject course{
-        {QStringLiteral("name"), QStringLiteral("course 1")},
-        {QStringLiteral("towMask"), QStringLiteral("1111111111111111")},
-        {QStringLiteral("machineConfiguration"),
-         QJsonObject{{QStringLiteral("roller"), QJsonObject{{QStringLiteral("name"), QStringLiteral("R16")},
-                                                            {QStringLiteral("width"), 101.6}}},
-                     {QStringLiteral("head"), QJsonObject{{QStringLiteral("name"), QStringLiteral("H1")},
-                                                          {QStringLiteral("towWidth"), 6.35}}}}},
-        {QStringLiteral("towLengths"), lengths},
-        {QStringLiteral("trajectories"),
-         QJsonArray{Trajectory(QStringLiteral("offPart"), QJsonArray{Point(3900, kOff), Point(3950)}),
-                    Trajectory(QStringLiteral("onPart"), QJsonArray{Point(3950), Point(4000), Point(4010)}), tows,
-                    Trajectory(QStringLiteral("onPart"), QJsonArray{Point(4100), Point(4110), Point(4120)}),
-                    Trajectory(QStringLiteral("offPart"), QJsonArray{Point(4120), Point(4170, kOff)})}},
-        {QStringLiteral("rollInPoint"), 1},
-        {QStringLiteral("rollOutPoint"), 2}};
-    const QJsonObject procedure{
-        {QStringLiteral("kind"), QStringLiteral("rollLayup")},
-        {QStringLiteral("name"), QStringLiteral("wall")},
-        {QStringLiteral("safetyPlane"), QJsonObject{{QStringLiteral("origin"), QJsonArray{6300, 0, 0}},
-                                                    {QStringLiteral("normal"), QJsonArray{1, 0, 0}}}},
-        {QStringLiteral("addingFeedrate"), 2540},
-        {QStringLiteral("cuttingFeedrate"), 1270},
-        {QStringLiteral("material"), QJsonObject{{QStringLiteral("id"), QStringLiteral("IM7-8552")}}},
-        {QStringLiteral("totalMaterialLength"), 1440.0},
-        {QStringLiteral("plies"), QJsonArray{QJsonObject{{QStringLiteral("name"), QStringLiteral("P0")},
-                                                         {QStringLiteral("orientation"), 0.0},
-                                                         {QStringLiteral("propagation"), QStringLiteral("angle")}}}},
-        {QStringLiteral("links"), QJsonArray{Link(QStringLiteral("approach"), Point(3900, kOff)),
-                                             Link(QStringLiteral("retract"), Point(4170, kOff))}},
-        {QStringLiteral("courses"), QJsonArray{course}}};
-    const QJsonObject program{{QStringLiteral("name"), QStringLiteral("wall")},
-                              {QStringLiteral("revision"), QStringLiteral("A")},
-                              {QStringLiteral("procedures"), QJsonArray{procedure}}};
-    return QString::fromUtf8(QJsonDocument(QJsonObject{{QStringLiteral("format"), QStringLiteral("zelkin-toolpath")},
-                                                       {QStringLiteral("version"), 1},
-                                                       {QStringLiteral("program"), program}})
-                                 .toJson());
+    const QJsonObject course = ZELKinTestToolpath::TowCourse(
+        QJsonArray{Trajectory(QStringLiteral("offPart"), QJsonArray{Point(3900, kOff), Point(3950)}),
+                   Trajectory(QStringLiteral("onPart"), QJsonArray{Point(3950), Point(4000), Point(4010)}), tows,
+                   Trajectory(QStringLiteral("onPart"), QJsonArray{Point(4100), Point(4110), Point(4120)}),
+                   Trajectory(QStringLiteral("offPart"), QJsonArray{Point(4120), Point(4170, kOff)})});
+    const QJsonObject safetyPlane{{QStringLiteral("origin"), QJsonArray{6300, 0, 0}},
+                                  {QStringLiteral("normal"), QJsonArray{1, 0, 0}}};
+    const QJsonObject procedure = ZELKinTestToolpath::LayupProcedureOf(
+        QStringLiteral("wall"), safetyPlane,
+        QJsonArray{Link(QStringLiteral("approach"), Point(3900, kOff)), Link(QStringLiteral("retract"), Point(4170, kOff))},
+        QJsonArray{course});
+    return ZELKinTestToolpath::ProgramDocument(QStringLiteral("wall"), QStringLiteral("A"), QJsonArray{procedure});
 }
 
 QString Inches(double millimetres)

@@ -86,7 +86,11 @@ inline QJsonObject TowTrajectory(bool turnsOver)
     return tows;
 }
 
-inline QJsonObject Course(bool turnsOver)
+//! A course of all 16 tows of a 16-tow roller, 90 mm each, through
+//! `trajectories` (approach, roll-in, tows, roll-out, retract), with its
+//! roll-in point the roll-in's second and its roll-out point the
+//! roll-out's third.
+inline QJsonObject TowCourse(const QJsonArray& trajectories)
 {
     const QJsonObject configuration{
         {QStringLiteral("roller"), QJsonObject{{QStringLiteral("name"), QStringLiteral("R16")},
@@ -96,18 +100,22 @@ inline QJsonObject Course(bool turnsOver)
     QJsonArray lengths;
     for (int tow = 0; tow < 16; ++tow)
         lengths.append(90.0);
-    return QJsonObject{
-        {QStringLiteral("name"), QStringLiteral("course 1")},
-        {QStringLiteral("towMask"), QStringLiteral("1111111111111111")},
-        {QStringLiteral("machineConfiguration"), configuration},
-        {QStringLiteral("towLengths"), lengths},
-        {QStringLiteral("trajectories"),
-         QJsonArray{Trajectory(QStringLiteral("offPart"), 10000, QJsonArray{FramedPoint(2900, kLift), FramedPoint(2950)}),
-                    Trajectory(QStringLiteral("onPart"), 6000, PointsAlong({2950, 3000, 3010})), TowTrajectory(turnsOver),
-                    Trajectory(QStringLiteral("onPart"), 6000, PointsAlong({3100, 3110, 3120})),
-                    Trajectory(QStringLiteral("offPart"), 10000, QJsonArray{FramedPoint(3120), FramedPoint(3170, kLift)})}},
-        {QStringLiteral("rollInPoint"), 1},
-        {QStringLiteral("rollOutPoint"), 2}};
+    return QJsonObject{{QStringLiteral("name"), QStringLiteral("course 1")},
+                       {QStringLiteral("towMask"), QStringLiteral("1111111111111111")},
+                       {QStringLiteral("machineConfiguration"), configuration},
+                       {QStringLiteral("towLengths"), lengths},
+                       {QStringLiteral("trajectories"), trajectories},
+                       {QStringLiteral("rollInPoint"), 1},
+                       {QStringLiteral("rollOutPoint"), 2}};
+}
+
+inline QJsonObject Course(bool turnsOver)
+{
+    return TowCourse(
+        QJsonArray{Trajectory(QStringLiteral("offPart"), 10000, QJsonArray{FramedPoint(2900, kLift), FramedPoint(2950)}),
+                   Trajectory(QStringLiteral("onPart"), 6000, PointsAlong({2950, 3000, 3010})), TowTrajectory(turnsOver),
+                   Trajectory(QStringLiteral("onPart"), 6000, PointsAlong({3100, 3110, 3120})),
+                   Trajectory(QStringLiteral("offPart"), 10000, QJsonArray{FramedPoint(3120), FramedPoint(3170, kLift)})});
 }
 
 inline QJsonObject SafetyPlane()
@@ -115,12 +123,14 @@ inline QJsonObject SafetyPlane()
     return QJsonObject{{QStringLiteral("origin"), Vector(0, 0, -1000)}, {QStringLiteral("normal"), Vector(0, 0, 1)}};
 }
 
-inline QJsonObject LayupProcedure(const QString& name, bool turnsOver)
+//! A roll layup procedure of one ply, P0 at 0 deg, laid with IM7-8552.
+inline QJsonObject LayupProcedureOf(const QString& name, const QJsonObject& safetyPlane, const QJsonArray& links,
+                                    const QJsonArray& courses)
 {
     return QJsonObject{
         {QStringLiteral("kind"), QStringLiteral("rollLayup")},
         {QStringLiteral("name"), name},
-        {QStringLiteral("safetyPlane"), SafetyPlane()},
+        {QStringLiteral("safetyPlane"), safetyPlane},
         {QStringLiteral("addingFeedrate"), 2540},
         {QStringLiteral("cuttingFeedrate"), 1270},
         {QStringLiteral("material"), QJsonObject{{QStringLiteral("id"), QStringLiteral("IM7-8552")}}},
@@ -128,9 +138,16 @@ inline QJsonObject LayupProcedure(const QString& name, bool turnsOver)
         {QStringLiteral("plies"), QJsonArray{QJsonObject{{QStringLiteral("name"), QStringLiteral("P0")},
                                                          {QStringLiteral("orientation"), 0.0},
                                                          {QStringLiteral("propagation"), QStringLiteral("angle")}}}},
-        {QStringLiteral("links"), QJsonArray{Link(QStringLiteral("approach"), QStringLiteral("low"), BarePoint(2800, 300)),
-                                             Link(QStringLiteral("retract"), QStringLiteral("low"), BarePoint(3300, 300))}},
-        {QStringLiteral("courses"), QJsonArray{Course(turnsOver)}}};
+        {QStringLiteral("links"), links},
+        {QStringLiteral("courses"), courses}};
+}
+
+inline QJsonObject LayupProcedure(const QString& name, bool turnsOver)
+{
+    return LayupProcedureOf(name, SafetyPlane(),
+                            QJsonArray{Link(QStringLiteral("approach"), QStringLiteral("low"), BarePoint(2800, 300)),
+                                       Link(QStringLiteral("retract"), QStringLiteral("low"), BarePoint(3300, 300))},
+                            QJsonArray{Course(turnsOver)});
 }
 
 inline QJsonObject ProbingProcedure()
@@ -147,15 +164,22 @@ inline QJsonObject ProbingProcedure()
 
 //! The whole file, with the layup procedure named `procedure`; with
 //! `turnsOver` that procedure cannot be solved.
-inline QString Document(const QString& procedure = QStringLiteral("ply one"), bool turnsOver = false)
+//! A "zelkin-toolpath" document of the program `name`, revision `revision`.
+inline QString ProgramDocument(const QString& name, const QString& revision, const QJsonArray& procedures)
 {
-    const QJsonObject program{{QStringLiteral("name"), QStringLiteral("flat-test")},
-                              {QStringLiteral("revision"), QStringLiteral("B")},
-                              {QStringLiteral("procedures"), QJsonArray{LayupProcedure(procedure, turnsOver), ProbingProcedure()}}};
+    const QJsonObject program{{QStringLiteral("name"), name},
+                              {QStringLiteral("revision"), revision},
+                              {QStringLiteral("procedures"), procedures}};
     const QJsonObject file{{QStringLiteral("format"), QStringLiteral("zelkin-toolpath")},
                            {QStringLiteral("version"), 1},
                            {QStringLiteral("program"), program}};
     return QString::fromUtf8(QJsonDocument(file).toJson());
+}
+
+inline QString Document(const QString& procedure = QStringLiteral("ply one"), bool turnsOver = false)
+{
+    return ProgramDocument(QStringLiteral("flat-test"), QStringLiteral("B"),
+                           QJsonArray{LayupProcedure(procedure, turnsOver), ProbingProcedure()});
 }
 
 } // namespace ZELKinTestToolpath

@@ -1,5 +1,6 @@
 #include <zelkinprogramcheck.h>
 
+#include "zelkintranslationtestsolver.h"
 #include "zelkintranslationtesttoolpath.h"
 
 #include <zelkinafpmachine.h>
@@ -60,41 +61,6 @@ QByteArray MachineDescription(const Limits& limits)
         .arg(limits.c1Limit)
         .toUtf8();
 }
-
-// Gives every frame one solution with X alone, at `x`: its positions lack
-// the other axes.
-class XOnlySolver : public ZELKinSolver
-{
-public:
-    XOnlySolver(ZELKinMachine* machine, double x)
-        : ZELKinSolver(machine)
-        , m_x(x)
-    {
-    }
-
-    void Configure(const QString&) override { }
-    ZELKinSolution Solve(const ZELMathAxis&, double, const ZELKinSolution&, const ZELKinSolution&) const override
-    {
-        return Solution();
-    }
-    QList<ZELKinSolution> Solve(const ZELMathAxis&, bool) const override { return {Solution()}; }
-    ZELKinSolution FromTraori(const ZELKinSolution& solution) const override { return solution; }
-    ZELKinSolution ToTraori(const ZELKinSolution& solution) const override { return solution; }
-    ZELMathPoint GetTipPoint(const ZELKinSolution&) const override { return ZELMathPoint(); }
-    bool IsContiguous(const ZELKinSolution&, const ZELKinSolution&, Continuity) const override { return true; }
-    double ComputeCost(const ZELKinSolution&, const ZELKinSolution&) const override { return 0.0; }
-
-private:
-    ZELKinSolution Solution() const
-    {
-        ZELKinSolution solution;
-        solution.SetVariableValue(GetMachine()->GetVariable(QStringLiteral("X")), m_x);
-        solution.SetTraori(true);
-        return solution;
-    }
-
-    double m_x;
-};
 
 class ZELKinProgramCheckTest : public ::testing::Test
 {
@@ -222,7 +188,8 @@ TEST_F(ZELKinProgramCheckTest, NamesTheAxesAPositionHasNoValueForAndTheValuesTha
     builder.AddFlatLayup(QStringLiteral("ply one"));
     ZELKinAFPMachine* machine = LoadMachine();
     ASSERT_NE(machine, nullptr);
-    solver = std::make_unique<XOnlySolver>(machine, std::numeric_limits<double>::infinity());
+    solver = std::make_unique<XOnlySolver>(machine,
+                                           [](const ZELMathAxis&) { return std::numeric_limits<double>::infinity(); });
     const ZELKinProgramCheck::Findings findings = TranslateAndCheckWith();
 
     // Two problems at each of the 13 positions; U drives no joint, so no

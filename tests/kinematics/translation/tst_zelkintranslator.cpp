@@ -1,5 +1,6 @@
 #include <zelkintranslator.h>
 
+#include "zelkintranslationtestsolver.h"
 #include "zelkintranslationtesttoolpath.h"
 
 #include <zelkinafpmachine.h>
@@ -104,6 +105,18 @@ QStringList PositionXs(std::initializer_list<int> xs)
             return ::testing::AssertionFailure() << "tow " << tow + 1 << ": " << same.message();
     }
     return ::testing::AssertionSuccess();
+}
+
+// The scripts of `layup` as its flat command index walks them.
+QList<const ZELKinScript*> ScriptsInCommandOrder(const ZELKinRollLayupProcedure* layup)
+{
+    QList<const ZELKinScript*> scripts;
+    for (int i = 0; i < layup->GetNumCommands(); ++i) {
+        const ZELKinScript* script = layup->GetCommand(i)->GetScript();
+        if (scripts.isEmpty() || scripts.last() != script)
+            scripts.append(script);
+    }
+    return scripts;
 }
 
 QList<ZELKinPosition*> PositionsOf(const ZELKinScript* script)
@@ -379,36 +392,6 @@ public:
     }
 };
 
-// Places X at the frame's origin and leaves every move open.
-class PlainSolver : public ZELKinSolver
-{
-public:
-    explicit PlainSolver(ZELKinMachine* machine)
-        : ZELKinSolver(machine)
-    {
-    }
-
-    void Configure(const QString&) override { }
-    ZELKinSolution Solve(const ZELMathAxis& frame, double, const ZELKinSolution&, const ZELKinSolution&) const override
-    {
-        return At(frame);
-    }
-    QList<ZELKinSolution> Solve(const ZELMathAxis& frame, bool) const override { return {At(frame)}; }
-    ZELKinSolution FromTraori(const ZELKinSolution& solution) const override { return solution; }
-    ZELKinSolution ToTraori(const ZELKinSolution& solution) const override { return solution; }
-    ZELMathPoint GetTipPoint(const ZELKinSolution&) const override { return ZELMathPoint(); }
-    bool IsContiguous(const ZELKinSolution&, const ZELKinSolution&, Continuity) const override { return true; }
-    double ComputeCost(const ZELKinSolution&, const ZELKinSolution&) const override { return 0.0; }
-
-private:
-    ZELKinSolution At(const ZELMathAxis& frame) const
-    {
-        ZELKinSolution solution;
-        solution.SetVariableValue(GetMachine()->GetVariable(QStringLiteral("X")), frame.GetOrigin().GetX());
-        return solution;
-    }
-};
-
 } // namespace
 
 TEST_F(ZELKinTranslatorTest, GivesPliesNoAreaOnAMachineWithoutAFibrePlacementHead)
@@ -417,7 +400,7 @@ TEST_F(ZELKinTranslatorTest, GivesPliesNoAreaOnAMachineWithoutAFibrePlacementHea
     ZELKinTestAccess::CreateVariable(plain, QStringLiteral("X"), ZELKinVariable::Linear, 0.0, 10000.0);
     ZELTPRollLayupProcedure* source = builder.AddLayup(QStringLiteral("ply one"));
     source->SetApproachLink(builder.LiftedLink(QStringLiteral("approach"), 3100.0, 3500.0));
-    PlainSolver plainSolver(plain);
+    XOnlySolver plainSolver(plain, [](const ZELMathAxis& frame) { return frame.GetOrigin().GetX(); });
 
     ZELKinTranslator translator(&plainSolver);
     ZELKinProgram* program = TranslateWith(translator);
@@ -453,13 +436,7 @@ TEST_F(ZELKinTranslatorTest, LaysOutLinksAndCoursesAlongThePath)
     EXPECT_EQ(layup->GetCourseLink(2)->GetToolPathCourseLink(), secondCourse->GetRetractLink());
 
     // The flat view walks them link, course, link, course, link.
-    QList<const ZELKinScript*> scripts;
-    for (int i = 0; i < layup->GetNumCommands(); ++i) {
-        const ZELKinScript* script = layup->GetCommand(i)->GetScript();
-        if (scripts.isEmpty() || scripts.last() != script)
-            scripts.append(script);
-    }
-    EXPECT_EQ(scripts,
+    EXPECT_EQ(ScriptsInCommandOrder(layup),
               (QList<const ZELKinScript*>{layup->GetCourseLink(0), layup->GetCourse(0), layup->GetCourseLink(1),
                                           layup->GetCourse(1), layup->GetCourseLink(2)}));
 }
@@ -521,13 +498,7 @@ TEST_F(ZELKinTranslatorTest, KeepsEachLinkBeforeItsCourseWhenACourseBetweenIsNot
     EXPECT_EQ(layup->GetCourseLink(1)->GetToolPathCourseLink(), outOfPlain);
     EXPECT_EQ(layup->GetCourse(1)->GetToolPathCourse(), second);
     EXPECT_EQ(layup->GetCourseLink(2)->GetToolPathCourseLink(), retract);
-    QList<const ZELKinScript*> scripts;
-    for (int i = 0; i < layup->GetNumCommands(); ++i) {
-        const ZELKinScript* script = layup->GetCommand(i)->GetScript();
-        if (scripts.isEmpty() || scripts.last() != script)
-            scripts.append(script);
-    }
-    EXPECT_EQ(scripts,
+    EXPECT_EQ(ScriptsInCommandOrder(layup),
               (QList<const ZELKinScript*>{layup->GetCourseLink(0), layup->GetCourse(0), layup->GetCourseLink(1),
                                           layup->GetCourse(1), layup->GetCourseLink(2)}));
 }

@@ -5,12 +5,17 @@
 #include "zelkinncstream_p.h"
 #include "zelkinrolllayupposition.h"
 #include "zelkinrolllayupprocedure.h"
+#include "zelkinsolver.h"
 #include "zelkinvariable.h"
+
+#include <zelsysexception.h>
 
 #include <QVariant>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 
 namespace {
 
@@ -24,6 +29,49 @@ const char* const kActualFeedrateProperty = "actualFeedrate";
 bool IsHeld(double held, double value)
 {
     return std::abs(value - held) <= kModalTolerance;
+}
+
+constexpr double kUnlimited = std::numeric_limits<double>::infinity();
+constexpr double kSecondsPerMinute = 60.0;
+
+bool IsSpeed(double speed)
+{
+    return std::isfinite(speed) && speed > 0.0;
+}
+
+// The machine's solver, which knows how far the tool tip stands from each
+// wrist joint; none for a machine whose solver or wrist it cannot build.
+std::unique_ptr<const ZELKinSolver> SolverOf(const ZELKinAFPMachine* machine)
+{
+    try {
+        return std::unique_ptr<const ZELKinSolver>(machine->CreateSolver());
+    } catch (const ZELSysException&) {
+        return nullptr;
+    }
+}
+
+// The speed of the slowest slide that carries the tool (mm/s): the linear
+// axes but the material axis. Infinite when none gives one.
+double SlowestSlide(const ZELKinAFPMachine* machine)
+{
+    double slowest = kUnlimited;
+    for (const ZELKinVariable* variable : machine->GetVariables()) {
+        if (variable && variable->GetType() == ZELKinVariable::Linear && variable != machine->GetMaterialVariable()
+            && IsSpeed(variable->GetMaxVelocity()))
+            slowest = std::min(slowest, variable->GetMaxVelocity());
+    }
+    return slowest;
+}
+
+// How fast a rotary word's lag may be caught up in one line (rad/s): a
+// share of the axis's own speed and of the turn at which the tip, `reach`
+// mm from the axis, moves the slowest slide at its speed.
+double CatchUpRate(const ZELKinVariable* variable, double reach, double slowestSlide, int rotaryAxes)
+{
+    double rate = IsSpeed(variable->GetMaxVelocity()) ? variable->GetMaxVelocity() : kUnlimited;
+    if (std::isfinite(reach) && reach > 0.0)
+        rate = std::min(rate, slowestSlide / reach);
+    return rate / (2.0 * rotaryAxes);
 }
 
 void WriteAngle(ZELKinNCStream& out, char letter, double radians)
@@ -40,16 +88,26 @@ ZELKinAFPGCodeAxisWords::ZELKinAFPGCodeAxisWords(const ZELKinAFPMachine* machine
     , cutFeedrate(procedure->GetCutFeedrate())
 {
     const ZELKinVariable* material = machine->GetMaterialVariable();
-    for (const ZELKinVariable* variable : machine->GetVariables()) {
+    const QList<ZELKinVariable*> variables = machine->GetVariables();
+    const int rotaryAxes = int(std::count_if(variables.cbegin(), variables.cend(), [](const ZELKinVariable* variable) {
+        return variable && variable->GetType() == ZELKinVariable::Rotary;
+    }));
+    const std::unique_ptr<const ZELKinSolver> solver = SolverOf(machine);
+    const double slowestSlide = SlowestSlide(machine);
+    for (const ZELKinVariable* variable : variables) {
         if (!variable)
             continue;
         const QString label = variable->GetLabel();
         Scale scale = Scale::Inches;
-        if (variable == material)
+        double catchUpRate = kUnlimited;
+        if (variable == material) {
             scale = Scale::Unscaled;
-        else if (variable->GetType() == ZELKinVariable::Rotary)
+        } else if (variable->GetType() == ZELKinVariable::Rotary) {
             scale = Scale::Degrees;
-        axes.append(Axis{variable, label, label.size() > 1 ? label + QLatin1Char('=') : label, scale});
+            const double reach = solver ? solver->GetTipReach(variable) : std::nan("");
+            catchUpRate = CatchUpRate(variable, reach, slowestSlide, rotaryAxes);
+        }
+        axes.append(Axis{variable, label, label.size() > 1 ? label + QLatin1Char('=') : label, scale, catchUpRate});
     }
 }
 
@@ -90,8 +148,9 @@ void ZELKinAFPGCodeAxisWords::WriteModal(ZELKinNCStream& out, const ZELKinPositi
 void ZELKinAFPGCodeAxisWords::WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, const AxisValues& values,
                                          double feed, Held& held, const QString& towCodes) const
 {
+    const double seconds = LineSeconds(held, values, feed);
     for (qsizetype i = 0; i < axes.size(); ++i) {
-        if (std::isnan(values[i]) || IsHeld(held.axes[i], values[i]))
+        if (std::isnan(values[i]) || std::abs(values[i] - held.axes[i]) <= Allowance(i, seconds))
             continue;
         WriteAxis(out, axes[i], values[i]);
         held.axes[i] = values[i];
@@ -145,6 +204,28 @@ double ZELKinAFPGCodeAxisWords::EffectiveFeed(const ZELKinPosition* position)
 void ZELKinAFPGCodeAxisWords::SetActualFeed(ZELKinPosition* position, double feed)
 {
     position->setProperty(kActualFeedrateProperty, feed);
+}
+
+double ZELKinAFPGCodeAxisWords::LineSeconds(const Held& held, const AxisValues& values, double feed) const
+{
+    double squared = 0.0;
+    for (qsizetype i = 0; i < axes.size(); ++i) {
+        if (axes[i].scale == Scale::Inches && !std::isnan(values[i])) {
+            const double step = values[i] - held.axes[i];
+            squared += step * step;
+        }
+    }
+    return std::sqrt(squared) / (feed / kSecondsPerMinute);
+}
+
+double ZELKinAFPGCodeAxisWords::Allowance(qsizetype index, double seconds) const
+{
+    const double rate = axes[index].catchUpRate;
+    if (rate == kUnlimited)
+        return kModalTolerance;
+    // A time that is not known (NaN) leaves the tolerance alone.
+    const double caughtUp = rate * seconds;
+    return caughtUp < kModalTolerance ? caughtUp : kModalTolerance;
 }
 
 void ZELKinAFPGCodeAxisWords::WriteAxis(ZELKinNCStream& out, const Axis& axis, double value) const

@@ -29,6 +29,17 @@ class ZELKinVariable;
     not against the position before, a value that creeps by less than that
     from line to line is still written as soon as it has gone 0.001 from
     what the controller holds.
+
+    A rotary word left out lags, and the line that writes it again turns
+    the axis by the whole lag. On short lines that step would turn the axis,
+    and move the slides that carry the tool tip round it, faster than they
+    can go at the line's feed: a rotary word is therefore also written once
+    its lag, turned within the line's time, would take a share of the axis's
+    speed or of the slowest slide's (the slides' speed reached through the
+    solver's tip reach, GetTipReach). Each rotary axis has 1 / (2 n) of each
+    speed, n the number of rotary axes, so that all of them catching up in
+    one line use half of it at most. On lines of common length the 0.001
+    decides alone.
 */
 class ZELKinAFPGCodeAxisWords
 {
@@ -114,8 +125,18 @@ private:
         //! The label, and "=" after a label of more than one character.
         QString prefix;
         Scale scale;
+        //! How fast a rotary word's lag may be caught up in one line (rad/s);
+        //! infinite where nothing limits it.
+        double catchUpRate;
     };
 
+    //! The time a line from what `held` holds to `values` takes at `feed`
+    //! (s), along the linear axes but the material axis; NaN where it is
+    //! not known.
+    double LineSeconds(const Held& held, const AxisValues& values, double feed) const;
+    //! How far a word of axis `index` may lie from the value held and still
+    //! be left out of a line of `seconds`.
+    double Allowance(qsizetype index, double seconds) const;
     void WriteAxis(ZELKinNCStream& out, const Axis& axis, double value) const;
     static void WriteHeadRecord(ZELKinNCStream& out, const ZELKinPosition* position, const QString& towCodes);
 

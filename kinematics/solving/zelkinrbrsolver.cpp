@@ -547,6 +547,24 @@ ZELMathPoint ZELKinRBRSolver::GetTipPoint(const ZELKinSolution& solution) const
     return d->LinearPoint(solution.IsTraori() ? solution : ToTraori(solution));
 }
 
+double ZELKinRBRSolver::GetTipReach(const ZELKinVariable* variable) const
+{
+    Q_D(const ZELKinRBRSolver);
+    if (!variable || !d->HasWrist())
+        return std::numeric_limits<double>::quiet_NaN();
+    const ZELMathPoint secondPivot = d->secondRoll->GetPivot();
+    const double secondRollReach = secondPivot.GetDistanceTo(d->tipPoint);
+    if (variable == d->secondRollAxis.variable)
+        return secondRollReach;
+    const ZELMathPoint bendPivot = d->bend->GetPivot();
+    const double bendReach = bendPivot.GetDistanceTo(secondPivot) + secondRollReach;
+    if (variable == d->bendAxis.variable)
+        return bendReach;
+    if (variable == d->firstRollAxis.variable)
+        return d->firstRoll->GetPivot().GetDistanceTo(bendPivot) + bendReach;
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
 ZELMathAxis ZELKinRBRSolver::GetToolFrame(const ZELKinSolution& solution) const
 {
     Q_D(const ZELKinRBRSolver);

@@ -142,6 +142,16 @@ public:
         is free). Throws nothing.
     */
     ZELKinSolution SolveNearest(const ZELMathAxis& frame, const ZELKinSolution& guess) const override;
+    /*!
+        For a wrist variable, the distance from its joint's pivot to the tip
+        point along the chain of pivots below it: the second roll's pivot
+        to the tip; the bend's pivot to the second roll's, plus that; the
+        first roll's pivot to the bend's, plus that (mm). Joints keep their
+        pivots' distances as they turn, so the tip never stands farther from
+        a joint's axis. The tip point is the configured one (the origin until
+        Configure reads one). NaN for any other variable.
+    */
+    double GetTipReach(const ZELKinVariable* variable) const override;
 
     /*!
         `solution` with the wrist's tip offset taken off X, Y and Z: the

@@ -9,6 +9,7 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <limits>
 
 namespace {
 
@@ -69,6 +70,11 @@ ZELKinSolver::ZELKinSolver(ZELKinMachine* machine)
 }
 
 ZELKinSolver::~ZELKinSolver() = default;
+
+double ZELKinSolver::GetTipReach(const ZELKinVariable*) const
+{
+    return std::numeric_limits<double>::quiet_NaN();
+}
 
 ZELKinSolution ZELKinSolver::SolveNearest(const ZELMathAxis& frame, const ZELKinSolution& guess) const
 {

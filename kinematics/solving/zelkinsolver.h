@@ -16,6 +16,7 @@
 class ZELKinMachine;
 class ZELKinProcedure;
 class ZELKinSolverPrivate;
+class ZELKinVariable;
 
 /*!
     The inverse-kinematics solver of a machine: it turns tool frames into
@@ -87,6 +88,15 @@ public:
         throw passes through.
     */
     virtual ZELKinSolution SolveNearest(const ZELMathAxis& frame, const ZELKinSolution& guess) const;
+
+    /*!
+        How far the tool tip can stand from the axis of the joint that the
+        rotary `variable` drives, in any configuration (mm): turning that
+        joint by a small angle moves the tip, and with it the slides, by at
+        most this times the angle. NaN when the solver does not know it, as
+        here; a solver that knows its wrist overrides it. Throws nothing.
+    */
+    virtual double GetTipReach(const ZELKinVariable* variable) const;
 
     //! The machine solved for (not owned).
     ZELKinMachine* GetMachine() const;

@@ -20,22 +20,27 @@ struct PartCase
     int pointsPerCourse;
     //! A machine description: the example's, or one of tests/machines.
     const char* machine;
+    //! The plies' angles, and how many courses each lays.
+    const char* plies = "0,45,-45,90";
+    int courses = 3;
 };
 
 std::string CaseName(const ::testing::TestParamInfo<PartCase>& info)
 {
     QString machine = QString::fromLatin1(info.param.machine);
     machine.replace(QLatin1Char('-'), QLatin1Char('_'));
-    return QStringLiteral("%1_%2_%3")
+    return QStringLiteral("%1_%2_%3_%4_courses")
         .arg(QString::fromLatin1(info.param.part))
         .arg(info.param.pointsPerCourse)
         .arg(machine)
+        .arg(info.param.courses)
         .toStdString();
 }
 
 void PrintTo(const PartCase& param, std::ostream* os)
 {
-    *os << param.part << " of " << param.pointsPerCourse << " points a course for " << param.machine;
+    *os << param.part << " of " << param.courses << " courses of " << param.pointsPerCourse << " points a ply ("
+        << param.plies << ") for " << param.machine;
 }
 
 QString MachinePath(const char* machine)
@@ -60,13 +65,11 @@ TEST_P(ZELKinPostedParts, PassVerifyAgainstTheirToolpaths)
     const QString nc = QDir(directory.path()).filePath(QStringLiteral("nc"));
     const QString machine = MachinePath(param.machine);
 
-    // Three courses a ply: the middle one runs over the top of the curved
-    // parts, where the normal is vertical.
     const ZELKinToolRun generated = RunZelkin(
         {QStringLiteral("generate-toolpath"), QStringLiteral("--part"), QString::fromLatin1(param.part),
-         QStringLiteral("--plies"), QStringLiteral("0,45,-45,90"), QStringLiteral("--courses"), QStringLiteral("3"),
-         QStringLiteral("--points-per-course"), QString::number(param.pointsPerCourse), QStringLiteral("-o"),
-         toolpath});
+         QStringLiteral("--plies"), QString::fromLatin1(param.plies), QStringLiteral("--courses"),
+         QString::number(param.courses), QStringLiteral("--points-per-course"), QString::number(param.pointsPerCourse),
+         QStringLiteral("-o"), toolpath});
     ASSERT_EQ(generated.exitCode, 0) << generated.standardError.toStdString();
 
     const ZELKinToolRun posted = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), machine,
@@ -81,6 +84,8 @@ TEST_P(ZELKinPostedParts, PassVerifyAgainstTheirToolpaths)
         << verified.standardOutput.right(4000).toStdString();
 }
 
+// Three courses a ply: the middle one runs over the top of the curved
+// parts, where the normal is vertical.
 INSTANTIATE_TEST_SUITE_P(
     EveryShapeAndWrist, ZELKinPostedParts,
     ::testing::Values(
@@ -102,3 +107,9 @@ INSTANTIATE_TEST_SUITE_P(
         PartCase{"flat", 2500, "gantry-roll-about-z"}, PartCase{"cylinder", 50, "gantry-roll-about-z"},
         PartCase{"cylinder", 500, "gantry-roll-about-z"}, PartCase{"cylinder", 2500, "gantry-roll-about-z"}),
     CaseName);
+
+// A 45 deg ply of 250 courses: those across the part's corners are a few
+// mm long, their 1 000 points a tenth of a mm apart, where a rotary word
+// left out and caught up in one line would drive a slide beyond its speed.
+INSTANTIATE_TEST_SUITE_P(PointsATenthOfAMillimetreApart, ZELKinPostedParts,
+                         ::testing::Values(PartCase{"cylinder", 1000, "gantry-rbr", "45", 250}), CaseName);

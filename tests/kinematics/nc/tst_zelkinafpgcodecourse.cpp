@@ -18,8 +18,8 @@ namespace {
 class ZELKinAFPGCodeCourseTest : public ::testing::Test
 {
 protected:
-    explicit ZELKinAFPGCodeCourseTest(const ZELKinTestHead& head = ZELKinTestHead())
-        : f(head)
+    explicit ZELKinAFPGCodeCourseTest(const ZELKinTestHead& head = ZELKinTestHead(), double rotarySpeed = 500.0)
+        : f(head, rotarySpeed)
     {
     }
 
@@ -172,6 +172,56 @@ TEST_F(ZELKinAFPGCodeCourseTest, AnAxisCreepingBelow0001APointIsRewrittenAtLeast
         // The word has four decimals of a degree.
         EXPECT_LE(std::abs(kRise * i - held), 0.001 + ZELTest::Radians(0.00005)) << motion.at(i).toStdString();
     }
+}
+
+namespace {
+
+// The rotary axes turn at 0.04 rad/s at the most, and the machine knows no
+// wrist to reach the slides through: a rotary word's lag may be caught up
+// in one line at a quarter of that speed, 0.01 rad/s (half of it shared by
+// the two rotary axes).
+class ZELKinAFPGCodeCourseSlowWristTest : public ZELKinAFPGCodeCourseTest
+{
+protected:
+    ZELKinAFPGCodeCourseSlowWristTest()
+        : ZELKinAFPGCodeCourseTest(ZELKinTestHead(), 0.04)
+    {
+    }
+};
+
+} // namespace
+
+TEST_F(ZELKinAFPGCodeCourseSlowWristTest, ARotaryWordOnShortLinesIsWrittenBeforeItsCatchUpWouldOutrunItsShare)
+{
+    // Lines of 0.01 in (0.254 mm) at 2540 mm/min take 0.006 s: A may lag
+    // 0.01 rad/s x 0.006 s = 0.00006 rad. Rising 0.00005 rad a point, it
+    // is left out once and written the next time, where the 0.001 rad
+    // alone would leave it out for 19 lines.
+    MakePly();
+    for (int i = 0; i < 6; ++i)
+        At(0.01 * i)->SetVariableValue(f.a, 0.00005 * i);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N1G1G9A0.0000;First point in course"),
+                           QStringLiteral("N2G1X0.0100"), QStringLiteral("N3G1X0.0200A0.0057"),
+                           QStringLiteral("N4G1X0.0300"),
+                           QStringLiteral("N5G1G642 ADIS=COURSEND X0.0400A0.0115;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseSlowWristTest, OnLinesOfCommonLengthTheToleranceAloneDecides)
+{
+    // Lines of 1 in take 0.6 s: the lag could be caught up up to 0.006 rad,
+    // so the 0.001 rad decides: A rising 0.0004 rad a point is written
+    // every third line.
+    MakePly();
+    for (int i = 0; i < 6; ++i)
+        At(i)->SetVariableValue(f.a, 0.0004 * i);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N1G1G9A0.0000;First point in course"),
+                           QStringLiteral("N2G1X1.0000"), QStringLiteral("N3G1X2.0000"),
+                           QStringLiteral("N4G1X3.0000A0.0688"),
+                           QStringLiteral("N5G1G642 ADIS=COURSEND X4.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
 }
 
 TEST_F(ZELKinAFPGCodeCourseTest, AFeedCreepingBelow0001APointIsRewrittenEverySecondLine)

@@ -62,20 +62,23 @@ struct HeadAngles
 
 /*!
     A 16-tow fibre placement machine with the axes X, Y, Z (linear), A, C1
-    (rotary) and U (linear, the material axis), in that order, and a program
+    (rotary, turning at `rotarySpeed` rad/s at the most) and U (linear, the
+    material axis), in that order, and a program
     for it whose header the NC files print: original file name "PART",
     revision "B", author "jdoe", made on 2024-03-05 at 14:07:09.
     Tests give the writer the time 2024-03-06 08:09:10 as the current one.
 */
 struct NCFixture
 {
-    explicit NCFixture(const ZELKinTestHead& head = ZELKinTestHead())
+    explicit NCFixture(const ZELKinTestHead& head = ZELKinTestHead(), double rotarySpeed = 500.0)
         : machine(ZELKinTestAccess::CreateMachine(&container, head))
         , x(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X")))
         , y(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Y")))
         , z(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Z")))
-        , a(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("A"), ZELKinVariable::Rotary))
-        , c1(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("C1"), ZELKinVariable::Rotary))
+        , a(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("A"), ZELKinVariable::Rotary, -1000.0, 1000.0,
+                                             rotarySpeed))
+        , c1(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("C1"), ZELKinVariable::Rotary, -1000.0, 1000.0,
+                                              rotarySpeed))
         , u(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("U")))
         , program(ZELKinTestAccess::CreateProgram(machine))
     {

@@ -1605,3 +1605,28 @@ TEST(ZELKinRBRSolver, WithoutAWristTheSingularityMarginIsNaN)
     ZELKinRBRSolver solver(static_cast<ZELKinMachine*>(nullptr));
     EXPECT_TRUE(std::isnan(solver.GetSingularityMargin(ZELMathVector(0, 0, 1))));
 }
+
+TEST(ZELKinRBRSolver, TheTipReachOfEachWristJointRunsAlongThePivotsBelowItToTheTip)
+{
+    // The gantry's pivots stand at 0, -150 and -300 mm on Z and its tip at
+    // -330 mm: 30 mm below the second roll's, 180 below the bend's, 330
+    // below the first roll's.
+    ConfiguredGantry configured;
+    EXPECT_TRUE(ZELTest::SameDouble(30.0, configured.solver.GetTipReach(configured.gantry.c1), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(180.0, configured.solver.GetTipReach(configured.gantry.a), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(330.0, configured.solver.GetTipReach(configured.gantry.c), ZELTest::kTight));
+    EXPECT_TRUE(std::isnan(configured.solver.GetTipReach(configured.gantry.x)));
+    EXPECT_TRUE(std::isnan(configured.solver.GetTipReach(nullptr)));
+}
+
+TEST(ZELKinRBRSolver, TheTipReachAddsThePivotsDistancesWhereTheyStandOffTheLine)
+{
+    // The tip 40 mm to the side of the second roll's pivot: 50 mm from it;
+    // the bend's pivot 150 mm above that pivot and 80 mm to the side of the
+    // first roll's: 170 mm from it.
+    ConfiguredGantry configured;
+    configured.solver.Configure(QStringLiteral("tip-point: 40,0,-330"));
+    EXPECT_TRUE(ZELTest::SameDouble(50.0, configured.solver.GetTipReach(configured.gantry.c1), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(200.0, configured.solver.GetTipReach(configured.gantry.a), ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(350.0, configured.solver.GetTipReach(configured.gantry.c), ZELTest::kTight));
+}

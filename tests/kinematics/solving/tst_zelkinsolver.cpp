@@ -363,3 +363,10 @@ TEST_F(ZELKinSolverTest, SolvingARollLayupProcedureWithoutAToolPathProcedurePrin
 }
 
 #include "tst_zelkinsolver.moc"
+
+TEST_F(ZELKinSolverTest, KnowsNoTipReachOfItsOwn)
+{
+    const TestSolver solver(machine);
+    EXPECT_TRUE(std::isnan(solver.GetTipReach(x)));
+    EXPECT_TRUE(std::isnan(solver.GetTipReach(nullptr)));
+}

@@ -129,6 +129,35 @@ TEST(ZELKinPostCommand, ThePlyFileLaysTheCourseWithItsTowsAddedAndCut)
     EXPECT_EQ(lines.at(lines.size() - 2), QStringLiteral("M02"));
 }
 
+TEST(ZELKinPostCommand, ALinkEndingAboveTheCourseComesDownToItsApproachPointOnALineOfItsOwn)
+{
+    // The toolpath's approach link ends 300 mm over the part at X 2800, its
+    // course's approach 100 mm over it at X 2900, as a CAM system may write
+    // them. Every line commands the roller centre, 30 mm above its point;
+    // the N1 line writes every word, and each line after it the words that
+    // moved from what the controller holds. The approach point, an off-part
+    // point of a course of 13 on-part points, is N15, with the exact stop
+    // of a course's first command; the touch-down at 2950 (index -1) and
+    // the roll-in point at 3000 (index 0) are both N1. U counts the path
+    // from the approach point: 111.8034 mm down to 2950, 50 more to 3000.
+    const Posting posting;
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+    ASSERT_EQ(posting.Post(output).exitCode, 0);
+
+    const QStringList lines = LinesOf(output + QStringLiteral("/flat-test/flat-test#0101.PPF"));
+    const qsizetype approach = lines.indexOf(
+        QStringLiteral("N1G641 ADIS=OFF_PART X110.2362Y137.7953Z-46.0630C0.0000A0.0000C1=0.0000F393.701; Last off "
+                       "part point"));
+    ASSERT_GE(approach, 0);
+    const qsizetype courseMode = lines.indexOf(QStringLiteral("COURSE_MODE"), approach);
+    ASSERT_GT(courseMode, approach);
+    EXPECT_EQ(lines.mid(courseMode, 4),
+              QStringList({QStringLiteral("COURSE_MODE"),
+                           QStringLiteral("N15G1G9X114.1732Z-53.9370;First point in course"),
+                           QStringLiteral("N1G1X116.1417Z-57.8740U111.8034"),
+                           QStringLiteral("N1M69G1X118.1102U161.8034F236.22")}));
+}
+
 TEST(ZELKinPostCommand, TheSameInputsAndSourceDateGiveTheSameBytes)
 {
     const Posting posting;

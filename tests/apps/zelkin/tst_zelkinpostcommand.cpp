@@ -6,10 +6,12 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 #include <QMap>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStringList>
+#include <QTemporaryDir>
 
 #include <string>
 
@@ -246,6 +248,40 @@ TEST(ZELKinPostCommand, AProcedureThatCannotBeSolvedStopsThePostWithStatusThreeA
                        "omitted from the program.\n")))
         << run.standardOutput.toStdString();
     EXPECT_EQ(ContentsBelow(output), before);
+}
+
+TEST(ZELKinPostCommand, AMachineThatCannotReachThreePliesOfFourPostsNone)
+{
+    // The example machine with its second roll limited to +-40 deg: the 0
+    // deg ply is laid with C1 at 0, the +-45 and 90 deg plies would need C1
+    // at 45 deg and more (or C turned half a turn, which the bend cannot
+    // then follow).
+    QTemporaryDir directory;
+    QFile example(GetExampleMachinePath());
+    ASSERT_TRUE(example.open(QIODevice::ReadOnly));
+    QString description = QString::fromUtf8(example.readAll());
+    const QString secondRoll = QStringLiteral("name=\"C1\" type=\"rotary\" minimum=\"-185.5\" maximum=\"185.5\"");
+    ASSERT_TRUE(description.contains(secondRoll));
+    description.replace(secondRoll, QStringLiteral("name=\"C1\" type=\"rotary\" minimum=\"-40\" maximum=\"40\""));
+    const QString machine = WriteFile(directory, QStringLiteral("narrow-c1.xml"), description);
+    const QString toolpath = QDir(directory.path()).filePath(QStringLiteral("cylinder.json"));
+    ASSERT_EQ(RunZelkin({QStringLiteral("generate-toolpath"), QStringLiteral("--part"), QStringLiteral("cylinder"),
+                         QStringLiteral("--plies"), QStringLiteral("0,45,-45,90"), QStringLiteral("--courses"),
+                         QStringLiteral("2"), QStringLiteral("-o"), toolpath})
+                  .exitCode,
+              0);
+    const QString output = QDir(directory.path()).filePath(QStringLiteral("nc"));
+
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), machine,
+                                         QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output});
+
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList{QStringLiteral("zelkin: error: procedure 'Ply 2 +45', course 1, point 1: no wrist "
+                                         "configuration within the machine's limits reaches this point: the procedure "
+                                         "cannot be solved (3 problems in all); nothing was written")})
+        << run.standardError.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(output));
 }
 
 TEST(ZELKinPostCommand, KeepGoingWritesTheProceduresWithoutProblemsAndStillExitsWithStatusThree)

@@ -55,6 +55,10 @@ public:
         ZELKinPlyDescription ply;
         ply.SetName(QStringLiteral("P1"));
         ply.SetMaterial(QStringLiteral("IM7"));
+        // The ply table prints the angle and the area; a ply made without
+        // them has NaN, which the writer refuses.
+        ply.SetAngle(0.0);
+        ply.SetArea(1.0e6);
         procedure->AddPlyDefinition(ply);
         for (int course = 0; count < positions; ++course) {
             AddLink(course);

@@ -76,7 +76,9 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
     m_program = translator.Translate(toolpath);
     m_program->SetOriginalFileName(toolpath->GetName());
     m_program->SetRevisionNumber(toolpath->GetRevision());
-    m_findings = ZELKinProgramCheck(m_solver.get()).Check(m_program, translator.GetOmissions());
+    ZELKinProgramCheck check(m_solver.get());
+    check.SetThreadCount(QThread::idealThreadCount());
+    m_findings = check.Check(m_program, translator.GetOmissions());
 }
 
 void ZELKinTranslationJob::RequireDeliverable(bool keepGoing)

@@ -42,6 +42,9 @@ public:
     Q_DISABLE_COPY(ZELKinCountedLink)
 
     T* Get() const { return m_object.data(); }
+    //! Whether the link stands for `object` (never for null); see
+    //! ZELGeoLinks::Guarded::Is.
+    bool Is(const T* object) const { return m_object.Is(object); }
 
     void Set(T* object)
     {

@@ -16,7 +16,7 @@ ZELKinPositionPrivate::VariableValues::const_iterator ZELKinPositionPrivate::Fin
     if (!variable)
         return variableValues.cend();
     return std::find_if(variableValues.cbegin(), variableValues.cend(),
-                        [variable](const VariableValue& entry) { return entry.variable.Get() == variable; });
+                        [variable](const VariableValue& entry) { return entry.variable.Is(variable); });
 }
 
 void ZELKinPositionPrivate::StoreValue(ZELKinVariable* variable, double value)

@@ -19,6 +19,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
+#include <future>
 
 namespace {
 
@@ -96,6 +98,19 @@ void ZELKinProgramCheckPrivate::Gathering::Add(const ZELKinProgramCheck::Problem
         findings.procedures.append(problem.procedure);
 }
 
+void ZELKinProgramCheckPrivate::Gathering::Merge(const Gathering& later)
+{
+    for (const ZELKinProgramCheck::Problem& problem : later.findings.first) {
+        if (findings.first.size() < listed)
+            findings.first.append(problem);
+    }
+    findings.count += later.findings.count;
+    for (const QString& procedure : later.findings.procedures) {
+        if (findings.procedures.isEmpty() || findings.procedures.last() != procedure)
+            findings.procedures.append(procedure);
+    }
+}
+
 ZELKinProgramCheck::Problem ZELKinProgramCheckPrivate::OmissionProblem(const ZELKinTranslator::Omission& omission)
 {
     ZELKinProgramCheck::Problem problem{omission.procedure, QString(), omission.point, QString()};
@@ -111,6 +126,18 @@ ZELKinProgramCheck::Problem ZELKinProgramCheckPrivate::OmissionProblem(const ZEL
         : ZELKinProgramCheck::tr("no wrist configuration within the machine's limits reaches this point: the "
                                  "procedure cannot be solved");
     return problem;
+}
+
+ZELKinProgramCheckPrivate::Gathering ZELKinProgramCheckPrivate::CheckProcedure(const ZELKinProcedure* procedure,
+                                                                                int listed) const
+{
+    Gathering gathering;
+    gathering.listed = listed;
+    if (const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure))
+        CheckLayup(layup, gathering);
+    else if (const auto* probing = qobject_cast<const ZELKinProbeProcedure*>(procedure))
+        CheckProbing(probing, gathering);
+    return gathering;
 }
 
 void ZELKinProgramCheckPrivate::CheckLayup(const ZELKinRollLayupProcedure* procedure, Gathering& gathering) const
@@ -159,13 +186,18 @@ void ZELKinProgramCheckPrivate::CheckProbing(const ZELKinProbeProcedure* procedu
 void ZELKinProgramCheckPrivate::CheckLayupPosition(ZELKinPosition* position, const Place& place,
                                                    Gathering& gathering) const
 {
+    // Each value is read once: a position holds no NaN, so NaN reads as no
+    // value at all.
     QStringList missing;
     QStringList notFinite;
-    for (const ZELKinVariable* variable : driving) {
-        if (!position->IsVariableDefined(variable))
+    ZELKinSolution values;
+    for (ZELKinVariable* variable : driving) {
+        const double value = position->GetVariableValue(variable);
+        if (std::isnan(value))
             missing.append(variable->GetLabel());
-        else if (!std::isfinite(position->GetVariableValue(variable)))
+        else if (!std::isfinite(value))
             notFinite.append(variable->GetLabel());
+        values.SetVariableValue(variable, value);
     }
     const auto add = [&](const QString& message) {
         gathering.Add({place.procedure, place.script, place.point, message});
@@ -184,7 +216,8 @@ void ZELKinProgramCheckPrivate::CheckLayupPosition(ZELKinPosition* position, con
     }
     // Under TRAORI the linear words place the tool tip; the slides stand
     // where the solver's conversion puts them.
-    const ZELKinSolution slides = solver->FromTraori(ZELKinSolution(position));
+    values.SetTraori(true);
+    const ZELKinSolution slides = solver->FromTraori(values);
     for (ZELKinVariable* variable : driving)
         CheckLimit(variable, slides.GetVariableValue(variable), variable->GetType() == ZELKinVariable::Linear, place,
                    gathering);
@@ -193,12 +226,10 @@ void ZELKinProgramCheckPrivate::CheckLayupPosition(ZELKinPosition* position, con
 void ZELKinProgramCheckPrivate::CheckLimits(const ZELKinPosition* position, const Place& place,
                                             Gathering& gathering) const
 {
-    const ZELKinMachine* machine = solver ? solver->GetMachine() : nullptr;
-    if (!machine)
-        return;
-    for (const ZELKinVariable* variable : machine->GetVariables()) {
-        if (variable && position->IsVariableDefined(variable))
-            CheckLimit(variable, position->GetVariableValue(variable), false, place, gathering);
+    for (const ZELKinVariable* variable : variables) {
+        const double value = position->GetVariableValue(variable);
+        if (!std::isnan(value))
+            CheckLimit(variable, value, false, place, gathering);
     }
 }
 
@@ -236,10 +267,23 @@ ZELKinProgramCheck::ZELKinProgramCheck(const ZELKinSolver* solver)
 ZELKinProgramCheck::ZELKinProgramCheck(ZELKinProgramCheckPrivate* d)
     : d_ptr(d)
 {
-    d->driving = DrivingVariables(d->solver ? d->solver->GetMachine() : nullptr);
+    const ZELKinMachine* machine = d->solver ? d->solver->GetMachine() : nullptr;
+    d->driving = DrivingVariables(machine);
+    if (machine) {
+        for (ZELKinVariable* variable : machine->GetVariables()) {
+            if (variable)
+                d->variables.append(variable);
+        }
+    }
 }
 
 ZELKinProgramCheck::~ZELKinProgramCheck() = default;
+
+void ZELKinProgramCheck::SetThreadCount(int count)
+{
+    Q_D(ZELKinProgramCheck);
+    d->threadCount = std::max(1, count);
+}
 
 ZELKinProgramCheck::Findings ZELKinProgramCheck::Check(const ZELKinProgram* program,
                                                        const QList<ZELKinTranslator::Omission>& omissions,
@@ -251,11 +295,18 @@ ZELKinProgramCheck::Findings ZELKinProgramCheck::Check(const ZELKinProgram* prog
     for (const ZELKinTranslator::Omission& omission : omissions)
         gathering.Add(ZELKinProgramCheckPrivate::OmissionProblem(omission));
     const QList<ZELKinProcedure*> procedures = program ? program->GetProcedures() : QList<ZELKinProcedure*>();
-    for (const ZELKinProcedure* procedure : procedures) {
-        if (const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure))
-            d->CheckLayup(layup, gathering);
-        else if (const auto* probing = qobject_cast<const ZELKinProbeProcedure*>(procedure))
-            d->CheckProbing(probing, gathering);
+    // Up to threadCount procedures are checked at once; their problems are
+    // gathered in the procedures' order.
+    std::deque<std::future<ZELKinProgramCheckPrivate::Gathering>> running;
+    qsizetype next = 0;
+    while (next < procedures.size() || !running.empty()) {
+        while (next < procedures.size() && running.size() < std::size_t(d->threadCount)) {
+            const ZELKinProcedure* procedure = procedures.at(next++);
+            running.push_back(std::async(d->threadCount > 1 ? std::launch::async : std::launch::deferred,
+                                         [d, procedure, listed] { return d->CheckProcedure(procedure, listed); }));
+        }
+        gathering.Merge(running.front().get());
+        running.pop_front();
     }
     return gathering.findings;
 }

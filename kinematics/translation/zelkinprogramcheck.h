@@ -77,6 +77,13 @@ public:
     explicit ZELKinProgramCheck(const ZELKinSolver* solver);
     virtual ~ZELKinProgramCheck();
 
+    //! Checks up to `count` procedures at once, each on a thread of its
+    //! own; 1 (the default, and what anything less is taken as) checks them
+    //! one after the other on the calling thread. The solver must be safe to
+    //! call from several threads, as the translator asks of it too. The
+    //! findings are the same whatever the count.
+    void SetThreadCount(int count);
+
     //! Checks `program` and the procedures that its translation took out
     //! of it, listing at most `listed` problems. Throws nothing.
     Findings Check(const ZELKinProgram* program, const QList<ZELKinTranslator::Omission>& omissions,

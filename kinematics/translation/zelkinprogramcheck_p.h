@@ -6,6 +6,7 @@
 #include <QList>
 
 class ZELKinPosition;
+class ZELKinProcedure;
 class ZELKinProbeProcedure;
 class ZELKinRollLayupProcedure;
 class ZELKinScript;
@@ -30,6 +31,8 @@ public:
         int listed = 0;
 
         void Add(const ZELKinProgramCheck::Problem& problem);
+        //! Adds what `later` gathered, as if its problems came after these.
+        void Merge(const Gathering& later);
     };
 
     //! Where a position stands: its procedure, script and number there.
@@ -41,6 +44,8 @@ public:
     };
 
     static ZELKinProgramCheck::Problem OmissionProblem(const ZELKinTranslator::Omission& omission);
+    //! The problems of one procedure, at most `listed` of them listed.
+    Gathering CheckProcedure(const ZELKinProcedure* procedure, int listed) const;
     void CheckLayup(const ZELKinRollLayupProcedure* procedure, Gathering& gathering) const;
     //! Numbers the positions of `script` from 1 and checks each.
     void CheckScript(const ZELKinScript* script, const QString& procedure, Gathering& gathering) const;
@@ -59,6 +64,10 @@ public:
     //! The variables that drive the machine's joints, in the machine's
     //! order: every layup position needs a value for each.
     QList<ZELKinVariable*> driving;
+    //! Every variable of the machine, in its order.
+    QList<ZELKinVariable*> variables;
+    //! How many procedures are checked at once.
+    int threadCount = 1;
 };
 
 #endif // ZELKINPROGRAMCHECK_P_H

@@ -35,6 +35,11 @@ public:
     }
 
     T* data() const { return qobject_cast<T*>(m_object.data()); }
+    //! Whether the target is `object`, still a T: the same as data() ==
+    //! object for a non-null `object`, but the cast is paid for only by
+    //! the target that matches, which keeps a search through many links
+    //! cheap.
+    bool Is(const T* object) const { return object && m_object.data() == object && data() == object; }
     T* operator->() const { return data(); }
     explicit operator bool() const { return data() != nullptr; }
     void swap(Guarded& other) noexcept { m_object.swap(other.m_object); }

@@ -95,6 +95,27 @@ TEST(ZELKinCountedLink, ReadsNullOnceItsTargetIsDestroyedAndCanBeSetAgain)
     EXPECT_EQ(next->GetReferenceCount(), 0);
 }
 
+TEST(ZELKinCountedLink, APositionFindsAVariableByItsOwnLinkOnlyWhileTheVariableLives)
+{
+    ZELGeoContainer container;
+    ZELKinAFPMachine* machine = ZELKinTestAccess::CreateMachine(&container);
+    ZELKinVariable* x = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"));
+    ZELKinVariable* y = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Y"));
+    ZELKinVariable* unset = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Z"));
+    auto* position = new ZELKinPosition(&container, ZELGeoGeometryRef());
+    position->SetVariableValue(x, 1.5);
+    position->SetVariableValue(y, -2.5);
+    EXPECT_TRUE(ZELTest::SameDouble(1.5, position->GetVariableValue(x), ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(-2.5, position->GetVariableValue(y), ZELTest::kExact));
+    EXPECT_FALSE(position->IsVariableDefined(unset));
+    EXPECT_FALSE(position->IsVariableDefined(nullptr));
+    container.DeleteGeometry(x);
+    // The link to X reads null now; Y is still found behind it.
+    EXPECT_TRUE(ZELTest::SameDouble(-2.5, position->GetVariableValue(y), ZELTest::kExact));
+    position->SetVariableValue(unset, 4.0);
+    EXPECT_TRUE(ZELTest::SameDouble(4.0, position->GetVariableValue(unset), ZELTest::kExact));
+}
+
 TEST(ZELKinCountedLink, LinksMovedWithinAListOfValuesKeepTheirReferences)
 {
     ZELGeoContainer container;

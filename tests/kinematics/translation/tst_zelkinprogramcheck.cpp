@@ -183,6 +183,32 @@ TEST_F(ZELKinProgramCheckTest, CountsEveryProblemAndListsOnlyTheFirst)
     EXPECT_EQ(findings.procedures, (QStringList{QStringLiteral("ply one"), QStringLiteral("ply two")}));
 }
 
+TEST_F(ZELKinProgramCheckTest, ChecksProceduresSideBySideWithTheSameFindings)
+{
+    // Three procedures, the middle one inside X's limit and the others not.
+    Shape inside;
+    inside.startX = 2000.0;
+    builder.AddFlatLayup(QStringLiteral("ply one"));
+    builder.AddFlatLayup(QStringLiteral("ply two"), {inside});
+    builder.AddFlatLayup(QStringLiteral("ply three"));
+    Limits limits;
+    limits.xMaximum = 3000.0;
+    const ZELKinProgramCheck::Findings alone = TranslateAndCheck(limits, 20);
+    ZELKinProgramCheck check(solver.get());
+    check.SetThreadCount(3);
+    const ZELKinProgramCheck::Findings sideBySide = check.Check(program, omissions, 20);
+
+    EXPECT_EQ(alone.count, 2 * 13);
+    EXPECT_EQ(sideBySide.count, alone.count);
+    EXPECT_EQ(sideBySide.procedures, (QStringList{QStringLiteral("ply one"), QStringLiteral("ply three")}));
+    EXPECT_EQ(sideBySide.procedures, alone.procedures);
+    ASSERT_EQ(sideBySide.first.size(), 20);
+    ASSERT_EQ(alone.first.size(), 20);
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(sideBySide.first.at(i).GetText(), alone.first.at(i).GetText()) << i;
+    EXPECT_EQ(sideBySide.first.last().procedure, QStringLiteral("ply three"));
+}
+
 TEST_F(ZELKinProgramCheckTest, NamesTheAxesAPositionHasNoValueForAndTheValuesThatAreNotFinite)
 {
     builder.AddFlatLayup(QStringLiteral("ply one"));

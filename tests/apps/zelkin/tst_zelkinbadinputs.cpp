@@ -1,4 +1,4 @@
-// Every case of tests/bad-inputs/cases.txt: zelkin refuses the input with
+// Every case of the tests/bad-inputs/cases*.txt files: zelkin refuses the input with
 // the case's exit status and one "zelkin: error:" line that names the
 // problem, never crashes, and leaves nothing in the case's output folder.
 
@@ -36,14 +36,24 @@ QString CorpusPath(const QString& relative)
     return QDir(QStringLiteral(ZELKIN_BAD_INPUTS_DIR)).filePath(relative);
 }
 
+// Each theme has a file of its own; the cases of all of them run as one
+// table, file by file in name order.
+QStringList CaseLines()
+{
+    QStringList lines;
+    const QDir folder(QStringLiteral(ZELKIN_BAD_INPUTS_DIR));
+    for (const QString& name : folder.entryList({QStringLiteral("cases*.txt")}, QDir::Files, QDir::Name)) {
+        QFile file(folder.filePath(name));
+        if (file.open(QIODevice::ReadOnly | QIODevice::Text))
+            lines += QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    }
+    return lines;
+}
+
 std::vector<BadInputCase> ReadCases()
 {
     std::vector<BadInputCase> cases;
-    QFile file(CorpusPath(QStringLiteral("cases.txt")));
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return cases;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
-    for (const QString& line : lines) {
+    for (const QString& line : CaseLines()) {
         if (line.trimmed().isEmpty() || line.startsWith(QLatin1Char('#')))
             continue;
         const QStringList fields = line.split(QLatin1Char('|'));

@@ -378,7 +378,8 @@ ZELMathPoint ReadPosition(const Value& value)
 
 ZELMathVector ReadVector(const Value& value)
 {
-    const std::array<double, 3> triple = ReadTriple(value, [](const Value& component) { return component.GetNumber(); });
+    const std::array<double, 3> triple =
+        ReadTriple(value, [](const Value& component) { return component.GetNumber(); });
     return ZELMathVector(triple[0], triple[1], triple[2]);
 }
 
@@ -489,8 +490,7 @@ void RequireTowsOfCourse(const Value& value, const ZELCompTowMask& laid, const Z
 
 // The tows a course lays lie side by side under its roller: from the first
 // of them to the last they span no more tows than the roller is wide.
-void RequireRollerCovers(const Value& value, const ZELCompTowMask& mask,
-                         const ZELTPMachineConfiguration& configuration)
+void RequireRollerCovers(const Value& value, const ZELCompTowMask& mask, const ZELTPMachineConfiguration& configuration)
 {
     int first = 0;
     int last = 0;

@@ -103,7 +103,7 @@ public:
         const QString name = m_parsed.GetValue(NameOption);
         if (!ZELTPFileName::IsValid(name))
             throw ZELKinUsageError(QStringLiteral("invalid program name '%1': it must not be empty or hold '/', "
-                                                  "'\\', '..' or control characters")
+                                                  "'\\', '..', '\"' or control characters")
                                        .arg(name),
                                    m_command);
         return name;

@@ -40,8 +40,6 @@ namespace {
 
 // Forced rates closer than this are the same rate.
 constexpr double RateTolerance = 0.001;
-// Keeps a roller exactly n tows wide from counting n - 1 tows by rounding.
-constexpr double RollerWidthAllowance = 0.001;
 // A segment end that stands for the trajectory's second to last point: its
 // last point is the next trajectory's first and is taken there.
 constexpr int DefaultEnd = -1;
@@ -62,17 +60,6 @@ QString AuthorFromEnvironment()
 double FeedrateOf(const ZELTPTrajectory* trajectory)
 {
     return trajectory ? trajectory->GetFeedrate() : std::numeric_limits<double>::quiet_NaN();
-}
-
-int RollerTows(const ZELTPMachineConfiguration& configuration)
-{
-    const double tows = std::floor((configuration.GetTool().GetWidth() + RollerWidthAllowance)
-                                   / configuration.GetHead().GetTowWidth());
-    // A head without a tow width gives no count; no roller presses more tows
-    // than a mask holds.
-    if (!std::isfinite(tows))
-        return 0;
-    return int(std::clamp(tows, 0.0, double(ZELCompTowMask::MaximumTows)));
 }
 
 // The N index that the NC program numbers a course position by: on-part
@@ -146,15 +133,16 @@ QDateTime ZELKinTranslatorPrivate::GetProgramDate() const
     return currentDateTime.isNull() ? QDateTime::currentDateTime() : currentDateTime;
 }
 
-void ZELKinTranslatorPrivate::TranslateProcedure(ZELKinProgram* program, const ZELTPProcedure* source) const
+void ZELKinTranslatorPrivate::TranslateProcedure(ZELKinProgram* program, const ZELTPProcedure* source, int index) const
 {
     if (const auto* layup = qobject_cast<const ZELTPRollLayupProcedure*>(source))
-        TranslateRollLayup(program, layup);
+        TranslateRollLayup(program, layup, index);
     else if (const auto* probing = qobject_cast<const ZELTPProbingProcedure*>(source))
         TranslateProbing(program, probing);
 }
 
-void ZELKinTranslatorPrivate::TranslateRollLayup(ZELKinProgram* program, const ZELTPRollLayupProcedure* source) const
+void ZELKinTranslatorPrivate::TranslateRollLayup(ZELKinProgram* program, const ZELTPRollLayupProcedure* source,
+                                                 int index) const
 {
     auto* procedure = ZELKinTranslator::Create<ZELKinRollLayupProcedure>(program, source->GetAddingFeedrate(),
                                                                          source->GetCuttingFeedrate());
@@ -166,6 +154,7 @@ void ZELKinTranslatorPrivate::TranslateRollLayup(ZELKinProgram* program, const Z
     // A damaged toolpath may lead back to a link already walked; the path
     // ends there instead of running round for ever.
     QSet<const ZELTPCourseLink*> walked;
+    CoursePlace place{index, source->GetName(), 0};
     // A course that is not laid with tows is passed over together with the
     // link into it, so that each link the procedure keeps leads into the
     // course after it and the moves stay in path order.
@@ -178,8 +167,9 @@ void ZELKinTranslatorPrivate::TranslateRollLayup(ZELKinProgram* program, const Z
         if (!course)
             break;
         if (towCourse)
-            TranslateTowCourse(procedure, towCourse);
+            TranslateTowCourseAt(procedure, towCourse, place);
         link = course->GetRetractLink();
+        ++place.course;
     }
 }
 
@@ -227,13 +217,31 @@ void ZELKinTranslatorPrivate::AddToolChange(ZELKinCourseLink* link, const ZELTPT
     ZELKinTranslator::Create<ZELKinToolChange>(link, next.GetTool().GetName(), headChanges ? head : QString());
 }
 
+void ZELKinTranslatorPrivate::TranslateTowCourseAt(ZELKinRollLayupProcedure* procedure, const ZELTPTowCourse* source,
+                                                   const CoursePlace& place) const
+{
+    // What goes wrong in a course is only of use with where the course is:
+    // the toolpath's path to it and the names its author knows it by.
+    try {
+        TranslateTowCourse(procedure, source);
+    } catch (const ZELSysException& error) {
+        throw ZELSysException(
+            ZELKinTranslator::tr("$.program.procedures[%1].courses[%2]: procedure '%3', course %4: %5")
+                .arg(place.procedure)
+                .arg(place.course)
+                .arg(place.procedureName)
+                .arg(place.course + 1)
+                .arg(error.GetMessage()));
+    }
+}
+
 void ZELKinTranslatorPrivate::TranslateTowCourse(ZELKinRollLayupProcedure* procedure,
                                                  const ZELTPTowCourse* source) const
 {
     auto* course = ZELKinTranslator::Create<ZELKinTowCourse>(procedure, source->GetUsedTowMask());
     course->SetToolPathCourse(source);
     const ZELTPMachineConfiguration configuration = source->GetMachineConfiguration();
-    course->SetRollerTows(RollerTows(configuration));
+    course->SetRollerTows(configuration.GetRollerTows());
     course->SetRoller(configuration.GetTool().GetName());
     SetTowLengths(course, source);
     AddCoursePositions(course, source);
@@ -489,7 +497,7 @@ ZELKinProgram* ZELKinTranslator::Translate(const ZELTPProgram* program) const
     result->SetDate(d->GetProgramDate());
     const int numProcedures = program ? program->GetNumProcedures() : 0;
     for (int i = 0; i < numProcedures; ++i)
-        d->TranslateProcedure(result, program->GetProcedure(i));
+        d->TranslateProcedure(result, program->GetProcedure(i), i);
     PrintLine(tr("Solving kinematics"));
     d->Solve(result);
     return result;

@@ -116,7 +116,12 @@ public:
         between a course's roll-in and roll-out does not lay tows, and what
         the program objects throw for a toolpath that does not fit the
         machine (for instance "tow mask size does not match machine tow mask
-        size"). What was built up to a throw stays in the container.
+        size"). Such a message is prefixed with where the course stands in
+        the toolpath, as the toolpath reader's JSON path to it, the toolpath
+        procedure's name and the course's number from 1 among the
+        procedure's courses: "$.program.procedures[1].courses[3]: procedure
+        'Ply 2', course 4: not a tow trajectory". What was built up to a
+        throw stays in the container.
     */
     ZELKinProgram* Translate(const ZELTPProgram* program) const;
 

@@ -67,14 +67,29 @@ public:
         ZELKinVariable* z;
     };
 
+    //! Where a course stands in the toolpath program: its procedure's index
+    //! and name, and its own index among the procedure's courses (all of
+    //! them, those laid with tows or not), each index from 0.
+    struct CoursePlace
+    {
+        int procedure;
+        QString procedureName;
+        int course;
+    };
+
     QDateTime GetProgramDate() const;
 
-    void TranslateProcedure(ZELKinProgram* program, const ZELTPProcedure* source) const;
-    void TranslateRollLayup(ZELKinProgram* program, const ZELTPRollLayupProcedure* source) const;
+    //! Translates the toolpath procedure at `index` of its program.
+    void TranslateProcedure(ZELKinProgram* program, const ZELTPProcedure* source, int index) const;
+    void TranslateRollLayup(ZELKinProgram* program, const ZELTPRollLayupProcedure* source, int index) const;
     void AddPlies(ZELKinRollLayupProcedure* procedure, const ZELTPRollLayupProcedure* source) const;
     void TranslateLink(ZELKinRollLayupProcedure* procedure, const ZELTPCourseLink* source) const;
     void AddToolChange(ZELKinCourseLink* link, const ZELTPToolChangeLink* source) const;
 
+    //! Translates the course at `place`; a ZELSysException on the way comes
+    //! out as one whose message begins with the place.
+    void TranslateTowCourseAt(ZELKinRollLayupProcedure* procedure, const ZELTPTowCourse* source,
+                              const CoursePlace& place) const;
     void TranslateTowCourse(ZELKinRollLayupProcedure* procedure, const ZELTPTowCourse* source) const;
     void SetTowLengths(ZELKinTowCourse* course, const ZELTPTowCourse* source) const;
     void AddCoursePositions(ZELKinTowCourse* course, const ZELTPTowCourse* source) const;

@@ -1,5 +1,7 @@
 #include "zeltpfilename.h"
 
+#include "zeltptext.h"
+
 #include <QCoreApplication>
 
 namespace {
@@ -9,11 +11,6 @@ QString Tr(const char* text)
     return QCoreApplication::translate("ZELTPFileName", text);
 }
 
-QString CodePoint(QChar character)
-{
-    return QString::number(character.unicode(), 16).toUpper().rightJustified(4, QLatin1Char('0'));
-}
-
 } // namespace
 
 QString ZELTPFileName::GetProblem(const QString& name)
@@ -21,10 +18,9 @@ QString ZELTPFileName::GetProblem(const QString& name)
     if (name.isEmpty())
         return Tr("name is empty");
     for (const QChar character : name) {
-        if (character.unicode() == 0)
-            return Tr("name contains a NUL character");
-        if (character.category() == QChar::Other_Control)
-            return Tr("name contains the control character U+%1").arg(CodePoint(character));
+        const QString unfit = ZELTPText::DescribeUnfitCharacter(character);
+        if (!unfit.isEmpty())
+            return Tr("name contains %1").arg(unfit);
         if (character == QLatin1Char('/') || character == QLatin1Char('\\'))
             return Tr("name contains the path separator '%1'").arg(character);
     }

@@ -13,9 +13,10 @@
     It names the document (its file name, or the name the caller gave the
     data), where in the document the problem is, and the problem itself. The
     message reads "<source>: <location>: <problem>", for example
-    "part.json: $.program.procedures[0].addingFeedrate: expected a number > 0,
-    found 0"; without a location, "<source>: <problem>". A location is a JSON
-    path from the root "$" (".key" for a member, "[i]" for an array entry).
+    "part.json: $.program.procedures[0].addingFeedrate: expected a number
+    from 1 to 200000, found 0"; without a location, "<source>: <problem>". A
+    location is a JSON path from the root "$" (".key" for a member, "[i]"
+    for an array entry).
 */
 class ZELTOOLPATH_EXPORT ZELTPFormatException : public ZELSysException
 {

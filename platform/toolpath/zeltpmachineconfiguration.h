@@ -26,6 +26,12 @@ public:
     ZELTPRoller GetTool() const { return m_tool; }
     ZELTPAFPHead GetHead() const { return m_head; }
 
+    //! How many whole tows of the head lie side by side under the roller:
+    //! its width over the tow width, where a roller within 0.001 mm of n
+    //! tows counts n. 0 for a head without a tow width; never more than a
+    //! tow mask holds (ZELCompTowMask::MaximumTows).
+    ZELTOOLPATH_EXPORT int GetRollerTows() const;
+
 private:
     ZELTPRoller m_tool;
     ZELTPAFPHead m_head;

@@ -8,6 +8,7 @@
 #include "zeltpprobingprocedure.h"
 #include "zeltpprogram.h"
 #include "zeltprolllayupprocedure.h"
+#include "zeltptext.h"
 #include "zeltptoolchangelink.h"
 #include "zeltptowcourse.h"
 #include "zeltptowtrajectory.h"
@@ -15,6 +16,8 @@
 #include <zelgeocontainer.h>
 
 #include <QFile>
+#include <QLocale>
+#include <QStringList>
 
 #include <simdjson.h>
 
@@ -50,12 +53,55 @@ constexpr std::size_t MaximumDepth = simdjson::DEFAULT_MAX_DEPTH;
 constexpr std::size_t SaturatedCount = 0xFFFFFF;
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
+/*
+    The range a number of the format lies in, both ends included. Each holds
+    what any part and machine need by far, and keeps what the NC programs
+    print of the number short and finite.
+*/
+struct Range
+{
+    double minimum;
+    double maximum;
+};
+
+// mm: a part within 100 m of its origin.
+constexpr Range CoordinateRange{-100000.0, 100000.0};
+// mm/min: up to 200 m/min; no slower than 1 mm/min, which the NC programs
+// still write in plain decimals.
+constexpr Range FeedrateRange{1.0, 200000.0};
+// Degrees: a tool leans from the normal at most square to it.
+constexpr Range TiltRange{-90.0, 90.0};
+constexpr Range SmoothingAngleRange{0.0, 180.0};
+constexpr Range OrientationRange{-360.0, 360.0};
+// mm: roller and tow widths, probe sphere diameters.
+constexpr Range WidthRange{0.1, 5000.0};
+// mm: a tow of one course, and all the tows of one procedure.
+constexpr Range TowLengthRange{0.0, 1e6};
+constexpr Range MaterialLengthRange{0.0, 1e9};
+// A forced tow's feed as a fraction of the trajectory's feed rate.
+constexpr Range ForcedRateRange{0.0, 10.0};
+
+// A character that would break the message's one line, as an escape.
+QString Printable(const QString& text)
+{
+    QString printable;
+    printable.reserve(text.size());
+    for (const QChar character : text) {
+        if (character != QLatin1Char('"') && !ZELTPText::DescribeUnfitCharacter(character).isEmpty())
+            printable += QStringLiteral("\\u")
+                + QString::number(character.unicode(), 16).toUpper().rightJustified(4, QLatin1Char('0'));
+        else
+            printable += character;
+    }
+    return printable;
+}
+
 QString Quoted(std::string_view text)
 {
     QString string = QString::fromUtf8(text.data(), qsizetype(text.size()));
     if (string.size() > QuotedLength)
         string = string.left(QuotedLength) + QStringLiteral("...");
-    return QLatin1Char('\'') + string + QLatin1Char('\'');
+    return QLatin1Char('\'') + Printable(string) + QLatin1Char('\'');
 }
 
 QString Number(double value)
@@ -250,46 +296,66 @@ void ForEachEntry(const Value& array, Function&& function)
 // ---------------------------------------------------------------------------
 // Values of the format
 
-double ReadPositive(const Value& value)
+// A range's end as the document would write it.
+QString Bound(double value)
 {
-    const double number = value.GetNumber();
-    if (!(number > 0.0))
-        value.Fail(ZELTPProgramReader::tr("expected a number > 0, found %1").arg(Number(number)));
-    return number;
+    return QString::number(value, 'g', 15);
 }
 
-double ReadNonNegative(const Value& value)
+// A number that reads back as the same double, so that one just outside a
+// range is not shown rounded to its end.
+QString Exactly(double value)
+{
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+double ReadNumberIn(const Value& value, const Range& range)
 {
     const double number = value.GetNumber();
-    if (!(number >= 0.0))
-        value.Fail(ZELTPProgramReader::tr("expected a number >= 0, found %1").arg(Number(number)));
+    if (!(number >= range.minimum && number <= range.maximum))
+        value.Fail(ZELTPProgramReader::tr("expected a number from %1 to %2, found %3")
+                       .arg(Bound(range.minimum), Bound(range.maximum), Exactly(number)));
     return number;
 }
 
 // An angle given in degrees, in rad; NaN when the document does not give it.
-double ReadOptionalAngle(const Value& object, const char* key)
+double ReadOptionalAngle(const Value& object, const char* key, const Range& range)
 {
     const std::optional<Value> angle = object.FindMember(key);
-    return angle ? angle->GetNumber() * RadiansPerDegree : std::numeric_limits<double>::quiet_NaN();
+    return angle ? ReadNumberIn(*angle, range) * RadiansPerDegree : std::numeric_limits<double>::quiet_NaN();
 }
 
-QString ReadOptionalString(const Value& object, const char* key, const QString& fallback)
+// A string that `problemOf` finds no problem with.
+QString ReadStringFit(const Value& value, QString (*problemOf)(const QString&))
 {
-    const std::optional<Value> text = object.FindMember(key);
-    return text ? text->GetString() : fallback;
-}
-
-// A name that becomes part of file names.
-QString ReadName(const Value& value)
-{
-    const QString name = value.GetString();
-    const QString problem = ZELTPFileName::GetProblem(name);
+    const QString text = value.GetString();
+    const QString problem = problemOf(text);
     if (!problem.isEmpty())
         value.Fail(problem);
-    return name;
+    return text;
 }
 
-std::array<double, 3> ReadTriple(const Value& value)
+// A text that the NC programs may quote.
+QString ReadText(const Value& value)
+{
+    return ReadStringFit(value, ZELTPText::GetProblem);
+}
+
+QString ReadOptionalText(const Value& object, const char* key, const QString& fallback)
+{
+    const std::optional<Value> text = object.FindMember(key);
+    return text ? ReadText(*text) : fallback;
+}
+
+// A name that becomes part of file names, and is quoted as a text.
+QString ReadName(const Value& value)
+{
+    return ReadStringFit(value, ZELTPFileName::GetProblem);
+}
+
+// Three numbers, each read by `read`.
+template <typename Read>
+std::array<double, 3> ReadTriple(const Value& value, Read read)
 {
     const simdjson::dom::array array = value.GetArray();
     if (array.size() != 3)
@@ -297,7 +363,7 @@ std::array<double, 3> ReadTriple(const Value& value)
     std::array<double, 3> triple{};
     qsizetype index = 0;
     for (const simdjson::dom::element element : array) {
-        triple[std::size_t(index)] = value.GetEntry(element, index).GetNumber();
+        triple[std::size_t(index)] = read(value.GetEntry(element, index));
         ++index;
     }
     return triple;
@@ -305,13 +371,15 @@ std::array<double, 3> ReadTriple(const Value& value)
 
 ZELMathPoint ReadPosition(const Value& value)
 {
-    const std::array<double, 3> triple = ReadTriple(value);
+    const std::array<double, 3> triple =
+        ReadTriple(value, [](const Value& coordinate) { return ReadNumberIn(coordinate, CoordinateRange); });
     return ZELMathPoint(triple[0], triple[1], triple[2]);
 }
 
 ZELMathVector ReadVector(const Value& value)
 {
-    const std::array<double, 3> triple = ReadTriple(value);
+    const std::array<double, 3> triple =
+        ReadTriple(value, [](const Value& component) { return component.GetNumber(); });
     return ZELMathVector(triple[0], triple[1], triple[2]);
 }
 
@@ -352,8 +420,7 @@ ZELMathPlane ReadSafetyPlane(const Value& value)
 
 ZELTPMaterialDescription ReadMaterial(const Value& value)
 {
-    return ZELTPMaterialDescription(value.GetMember("id").GetString(),
-                                    ReadOptionalString(value, "name", QString()));
+    return ZELTPMaterialDescription(ReadText(value.GetMember("id")), ReadOptionalText(value, "name", QString()));
 }
 
 ZELTPMachineConfiguration ReadMachineConfiguration(const Value& value)
@@ -361,8 +428,8 @@ ZELTPMachineConfiguration ReadMachineConfiguration(const Value& value)
     const Value roller = value.GetMember("roller");
     const Value head = value.GetMember("head");
     return ZELTPMachineConfiguration(
-        ZELTPRoller(roller.GetMember("name").GetString(), ReadPositive(roller.GetMember("width"))),
-        ZELTPAFPHead(head.GetMember("name").GetString(), ReadPositive(head.GetMember("towWidth"))));
+        ZELTPRoller(ReadText(roller.GetMember("name")), ReadNumberIn(roller.GetMember("width"), WidthRange)),
+        ZELTPAFPHead(ReadText(head.GetMember("name")), ReadNumberIn(head.GetMember("towWidth"), WidthRange)));
 }
 
 // A string of '0' and '1', tow 1 first.
@@ -399,6 +466,53 @@ ZELCompTowMask ReadTowMaskOf(const Value& value, int numTows, const QString& who
     return mask;
 }
 
+// The tows a mask enables, numbered from 1 as the document numbers them:
+// "1, 2, 15".
+QString TowNumbers(const ZELCompTowMask& mask)
+{
+    QStringList numbers;
+    for (int tow = 1; tow <= mask.GetNumTows(); ++tow) {
+        if (mask.IsTowEnabled(tow))
+            numbers.append(QString::number(tow));
+    }
+    return numbers.join(QStringLiteral(", "));
+}
+
+// A trajectory lays only tows of its course's mask: the course tells the
+// machine which tows to have ready.
+void RequireTowsOfCourse(const Value& value, const ZELCompTowMask& laid, const ZELCompTowMask& course)
+{
+    const ZELCompTowMask outside = laid - course;
+    if (outside.GetNumEnabled() > 0)
+        value.Fail(ZELTPProgramReader::tr("tow mask lays tows that the course's towMask leaves out: %1")
+                       .arg(TowNumbers(outside)));
+}
+
+// The tows a course lays lie side by side under its roller: from the first
+// of them to the last they span no more tows than the roller is wide.
+void RequireRollerCovers(const Value& value, const ZELCompTowMask& mask, const ZELTPMachineConfiguration& configuration)
+{
+    int first = 0;
+    int last = 0;
+    for (int tow = 1; tow <= mask.GetNumTows(); ++tow) {
+        if (!mask.IsTowEnabled(tow))
+            continue;
+        if (first == 0)
+            first = tow;
+        last = tow;
+    }
+    const int span = first == 0 ? 0 : last - first + 1;
+    const int rollerTows = configuration.GetRollerTows();
+    if (span > rollerTows)
+        value.Fail(ZELTPProgramReader::tr("the tows laid span %1 tows (%2 to %3), more than the %4 tows of %5 mm "
+                                          "that the roller of %6 mm holds")
+                       .arg(span)
+                       .arg(first)
+                       .arg(last)
+                       .arg(rollerTows)
+                       .arg(Number(configuration.GetHead().GetTowWidth()), Number(configuration.GetTool().GetWidth())));
+}
+
 // One number per tow of a mask; each read by `read`.
 template <typename Read>
 QList<double> ReadPerTow(const Value& value, int numTows, const QString& what, Read read)
@@ -416,7 +530,7 @@ QList<double> ReadTowLengths(const Value& value, int numTows)
 {
     return ReadPerTow(value, numTows,
                       ZELTPProgramReader::tr("expected %1 tow lengths (one per tow of the course's towMask), found %2"),
-                      ReadNonNegative);
+                      [](const Value& length) { return ReadNumberIn(length, TowLengthRange); });
 }
 
 // Missing or empty: no tow is forced.
@@ -428,7 +542,7 @@ QList<double> ReadForcedRates(const Value& trajectory, int numTows)
     return ReadPerTow(*rates, numTows,
                       ZELTPProgramReader::tr("expected %1 forced rates (one per tow of the trajectory's towMask), "
                                              "found %2"),
-                      [](const Value& rate) { return rate.GetNumber(); });
+                      [](const Value& rate) { return ReadNumberIn(rate, ForcedRateRange); });
 }
 
 struct PropagationName
@@ -462,8 +576,9 @@ QList<ZELTPPlyDescription> ReadPlies(const Value& value)
 {
     QList<ZELTPPlyDescription> plies;
     ForEachEntry(value, [&](const Value& ply) {
-        plies.append(ZELTPPlyDescription(ply.GetMember("name").GetString(),
-                                         ply.GetMember("orientation").GetNumber() * RadiansPerDegree,
+        plies.append(ZELTPPlyDescription(ReadText(ply.GetMember("name")),
+                                         ReadNumberIn(ply.GetMember("orientation"), OrientationRange)
+                                             * RadiansPerDegree,
                                          ReadPropagation(ply.GetMember("propagation"))));
     });
     return plies;
@@ -682,9 +797,10 @@ private:
     ZELTPTowCourse* BuildCourse(const Value& course);
 
     void ReadOffPartChain(const Value& trajectories);
-    void ReadCourseChain(const Value& trajectories, int numTows);
-    TrajectoryRecord ReadTrajectory(const Value& trajectory, Role role, int numTows, bool joinsPrevious);
-    void ReadTowFields(const Value& trajectory, int numTows, TrajectoryRecord& record) const;
+    void ReadCourseChain(const Value& trajectories, const ZELCompTowMask& courseMask);
+    TrajectoryRecord ReadTrajectory(const Value& trajectory, Role role, const ZELCompTowMask& courseMask,
+                                    bool joinsPrevious);
+    void ReadTowFields(const Value& trajectory, const ZELCompTowMask& courseMask, TrajectoryRecord& record) const;
     void JoinPoint(const PointRecord& copy, const Value& point);
     void CreatePoints(std::size_t indexOrigin);
     template <typename Owner>
@@ -715,7 +831,7 @@ ZELTPProgram* ProgramBuilder::Build(const Value& root)
     ReadVersion(root.GetMember("version"));
     const Value program = root.GetMember("program");
     const QString name = ReadName(program.GetMember("name"));
-    const QString revision = ReadOptionalString(program, "revision", QStringLiteral("0"));
+    const QString revision = ReadOptionalText(program, "revision", QStringLiteral("0"));
     const Value procedures = program.GetMember("procedures");
     procedures.GetArray();
 
@@ -744,10 +860,10 @@ ZELTPRollLayupProcedure* ProgramBuilder::BuildRollLayup(const Value& procedure)
 {
     const QString name = ReadName(procedure.GetMember("name"));
     const ZELMathPlane safetyPlane = ReadSafetyPlane(procedure.GetMember("safetyPlane"));
-    const double addingFeedrate = ReadPositive(procedure.GetMember("addingFeedrate"));
-    const double cuttingFeedrate = ReadPositive(procedure.GetMember("cuttingFeedrate"));
+    const double addingFeedrate = ReadNumberIn(procedure.GetMember("addingFeedrate"), FeedrateRange);
+    const double cuttingFeedrate = ReadNumberIn(procedure.GetMember("cuttingFeedrate"), FeedrateRange);
     const ZELTPMaterialDescription material = ReadMaterial(procedure.GetMember("material"));
-    const double totalMaterialLength = ReadNonNegative(procedure.GetMember("totalMaterialLength"));
+    const double totalMaterialLength = ReadNumberIn(procedure.GetMember("totalMaterialLength"), MaterialLengthRange);
     const QList<ZELTPPlyDescription> plies = ReadPlies(procedure.GetMember("plies"));
     const Value links = procedure.GetMember("links");
     const Value courses = procedure.GetMember("courses");
@@ -755,6 +871,9 @@ ZELTPRollLayupProcedure* ProgramBuilder::BuildRollLayup(const Value& procedure)
     const simdjson::dom::array courseArray = courses.GetArray();
     const qsizetype numCourses = CountEntries(courseArray);
     const qsizetype numLinks = CountEntries(linkArray);
+    // The NC program of a layup starts from its first course.
+    if (numCourses == 0)
+        courses.Fail(ZELTPProgramReader::tr("roll layup procedure '%1' has no course (expected at least 1)").arg(name));
     if (numLinks != numCourses + 1)
         links.Fail(ZELTPProgramReader::tr("expected %1 links, one more than courses (%2), found %3")
                        .arg(numCourses + 1)
@@ -801,7 +920,7 @@ ZELTPProbingProcedure* ProgramBuilder::BuildProbing(const Value& procedure)
                               .arg(numTrajectories));
     QList<ZELTPProbingPoint> targets;
     ForEachEntry(probingPoints, [&](const Value& target) {
-        targets.append(ZELTPProbingPoint(ReadPositive(target.GetMember("diameter"))));
+        targets.append(ZELTPProbingPoint(ReadNumberIn(target.GetMember("diameter"), WidthRange)));
     });
     ReadOffPartChain(trajectories);
     CreatePoints(0);
@@ -816,7 +935,7 @@ ZELTPProbingProcedure* ProgramBuilder::BuildProbing(const Value& procedure)
 
 ZELTPCourseLink* ProgramBuilder::BuildLink(const Value& link)
 {
-    const QString name = ReadOptionalString(link, "name", QString());
+    const QString name = ReadOptionalText(link, "name", QString());
     const ZELTPCourseLink::PointsDetail detail = ReadPointsDetail(link);
     ReadOffPartChain(link.GetMember("trajectories"));
 
@@ -849,12 +968,14 @@ ZELTPCourseLink* ProgramBuilder::BuildLink(const Value& link)
 
 ZELTPTowCourse* ProgramBuilder::BuildCourse(const Value& course)
 {
-    const QString name = ReadOptionalString(course, "name", QString());
-    const ZELCompTowMask usedTowMask = ReadTowMask(course.GetMember("towMask"));
+    const QString name = ReadOptionalText(course, "name", QString());
+    const Value towMask = course.GetMember("towMask");
+    const ZELCompTowMask usedTowMask = ReadTowMask(towMask);
     const ZELTPMachineConfiguration configuration =
         ReadMachineConfiguration(course.GetMember("machineConfiguration"));
+    RequireRollerCovers(towMask, usedTowMask, configuration);
     const QList<double> towLengths = ReadTowLengths(course.GetMember("towLengths"), usedTowMask.GetNumTows());
-    ReadCourseChain(course.GetMember("trajectories"), usedTowMask.GetNumTows());
+    ReadCourseChain(course.GetMember("trajectories"), usedTowMask);
 
     const TrajectoryRecord& rollIn = m_trajectories[1];
     const TrajectoryRecord& rollOut = m_trajectories[m_trajectories.size() - 2];
@@ -883,12 +1004,12 @@ void ProgramBuilder::ReadOffPartChain(const Value& trajectories)
     m_points.clear();
     m_trajectories.clear();
     ForEachEntry(trajectories, [&](const Value& trajectory) {
-        m_trajectories.push_back(ReadTrajectory(trajectory, Role::OffPart, 0, false));
+        m_trajectories.push_back(ReadTrajectory(trajectory, Role::OffPart, ZELCompTowMask(), false));
     });
     DeriveMissingDirections(m_points);
 }
 
-void ProgramBuilder::ReadCourseChain(const Value& trajectories, int numTows)
+void ProgramBuilder::ReadCourseChain(const Value& trajectories, const ZELCompTowMask& courseMask)
 {
     const qsizetype count = CountEntries(trajectories.GetArray());
     if (count < MinimumCourseTrajectories)
@@ -901,25 +1022,26 @@ void ProgramBuilder::ReadCourseChain(const Value& trajectories, int numTows)
     qsizetype index = 0;
     ForEachEntry(trajectories, [&](const Value& trajectory) {
         const Role role = index == 0 ? Role::Approach : index == count - 1 ? Role::Retract : Role::OnPart;
-        m_trajectories.push_back(ReadTrajectory(trajectory, role, numTows, index > 0));
+        m_trajectories.push_back(ReadTrajectory(trajectory, role, courseMask, index > 0));
         ++index;
     });
     DeriveMissingDirections(m_points);
 }
 
-TrajectoryRecord ProgramBuilder::ReadTrajectory(const Value& trajectory, Role role, int numTows, bool joinsPrevious)
+TrajectoryRecord ProgramBuilder::ReadTrajectory(const Value& trajectory, Role role, const ZELCompTowMask& courseMask,
+                                                bool joinsPrevious)
 {
     TrajectoryRecord record;
     record.kind = ReadTrajectoryKind(trajectory.GetMember("kind"), role);
-    record.feedrate = ReadPositive(trajectory.GetMember("feedrate"));
+    record.feedrate = ReadNumberIn(trajectory.GetMember("feedrate"), FeedrateRange);
     const bool onPart = record.kind != TrajectoryKind::OffPart;
     if (onPart) {
-        record.forwardTilt = ReadOptionalAngle(trajectory, "forwardTilt");
-        record.sideTilt = ReadOptionalAngle(trajectory, "sideTilt");
-        record.smoothingAngle = ReadOptionalAngle(trajectory, "smoothingAngle");
+        record.forwardTilt = ReadOptionalAngle(trajectory, "forwardTilt", TiltRange);
+        record.sideTilt = ReadOptionalAngle(trajectory, "sideTilt", TiltRange);
+        record.smoothingAngle = ReadOptionalAngle(trajectory, "smoothingAngle", SmoothingAngleRange);
     }
     if (record.kind == TrajectoryKind::Tow)
-        ReadTowFields(trajectory, numTows, record);
+        ReadTowFields(trajectory, courseMask, record);
 
     const Value points = trajectory.GetMember("points");
     const std::size_t minimum = record.kind == TrajectoryKind::Tow ? 2 : 1;
@@ -939,10 +1061,13 @@ TrajectoryRecord ProgramBuilder::ReadTrajectory(const Value& trajectory, Role ro
     return record;
 }
 
-void ProgramBuilder::ReadTowFields(const Value& trajectory, int numTows, TrajectoryRecord& record) const
+void ProgramBuilder::ReadTowFields(const Value& trajectory, const ZELCompTowMask& courseMask,
+                                   TrajectoryRecord& record) const
 {
-    record.towMask =
-        ReadTowMaskOf(trajectory.GetMember("towMask"), numTows, ZELTPProgramReader::tr("the course's towMask"));
+    const int numTows = courseMask.GetNumTows();
+    const Value towMask = trajectory.GetMember("towMask");
+    record.towMask = ReadTowMaskOf(towMask, numTows, ZELTPProgramReader::tr("the course's towMask"));
+    RequireTowsOfCourse(towMask, record.towMask, courseMask);
     const std::optional<Value> forcedMask = trajectory.FindMember("forcedMask");
     record.forcedMask = forcedMask ? ReadTowMaskOf(*forcedMask, numTows,
                                                    ZELTPProgramReader::tr("the trajectory's towMask"))

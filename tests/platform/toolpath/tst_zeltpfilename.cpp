@@ -43,7 +43,12 @@ INSTANTIATE_TEST_SUITE_P(
         NameCase{"Escape", QStringLiteral("wing\x1B[2J"), "name contains the control character U+001B"},
         NameCase{"Tab", QStringLiteral("wing\tskin"), "name contains the control character U+0009"},
         NameCase{"Delete", QStringLiteral("wing\x7F"), "name contains the control character U+007F"},
-        NameCase{"NextLine", QString(QChar(0x85)), "name contains the control character U+0085"},
+        NameCase{"NextLine", QString(QChar(0x85)), "name contains the line end U+0085"},
+        NameCase{"LineFeed", QStringLiteral("wing\nskin"), "name contains the line end U+000A"},
+        NameCase{"CarriageReturn", QStringLiteral("wing\rskin"), "name contains the line end U+000D"},
+        NameCase{"LineSeparator", QStringLiteral("wing") + QChar(0x2028), "name contains the line end U+2028"},
+        NameCase{"DoubleQuote", QStringLiteral("wing\"skin"), "name contains a double quote"},
+        NameCase{"SingleQuote", QStringLiteral("wing's skin"), ""},
         // The first problem in reading order is the one named.
         NameCase{"SlashThenControl", QStringLiteral("../\x01"), "name contains the path separator '/'"}),
     [](const ::testing::TestParamInfo<NameCase>& info) { return std::string(info.param.name); });

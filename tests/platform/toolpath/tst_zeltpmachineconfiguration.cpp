@@ -72,3 +72,41 @@ TEST(ZELTPMachineConfiguration, AHeadCutOffByTheEndOfTheDataReadsEmpty)
     EXPECT_TRUE(ZELTest::SameDouble(0.0, configuration.GetHead().GetTowWidth(), ZELTest::kExact));
     EXPECT_EQ(in.status(), QDataStream::ReadPastEnd);
 }
+
+namespace {
+
+struct RollerTowsCase
+{
+    const char* name;
+    double rollerWidth;
+    double towWidth;
+    int rollerTows;
+};
+ZELTEST_PRINT_CASE_BY_NAME(RollerTowsCase);
+
+class ZELTPMachineConfigurationRollerTows : public ::testing::TestWithParam<RollerTowsCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELTPMachineConfigurationRollerTows, CountsTheWholeTowsUnderTheRoller)
+{
+    const RollerTowsCase& c = GetParam();
+    const ZELTPMachineConfiguration configuration(ZELTPRoller(QStringLiteral("R"), c.rollerWidth),
+                                                  ZELTPAFPHead(QStringLiteral("H"), c.towWidth));
+    EXPECT_EQ(configuration.GetRollerTows(), c.rollerTows);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Widths, ZELTPMachineConfigurationRollerTows,
+    ::testing::Values(RollerTowsCase{"SixteenTowsWide", 101.6, 6.35, 16},
+                      RollerTowsCase{"EightTowsWide", 50.8, 6.35, 8},
+                      RollerTowsCase{"WithinTheAllowanceBelowEightTows", 50.7995, 6.35, 8},
+                      RollerTowsCase{"BeyondTheAllowanceBelowEightTows", 50.79, 6.35, 7},
+                      RollerTowsCase{"NarrowerThanOneTow", 6.3, 6.35, 0},
+                      RollerTowsCase{"WiderThanAnyMask", 5000.0, 0.1, 64},
+                      RollerTowsCase{"HeadWithoutTowWidth", 50.8, 0.0, 0},
+                      RollerTowsCase{"NoRollerOnNoHead", 0.0, 0.0, 0},
+                      RollerTowsCase{"NegativeTowWidth", 50.8, -6.35, 0}),
+    [](const ::testing::TestParamInfo<RollerTowsCase>& info) { return std::string(info.param.name); });

@@ -530,7 +530,7 @@ TEST(ZELTPProgramReader, FailedReadLeavesTheContainerAsItWas)
         EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).ReadData(data, QStringLiteral("part.json")),
                              ZELTPFormatException,
                              "part.json: $.program.procedures[1].probingPoints[1].diameter: "
-                             "expected a number > 0, found -25.4");
+                             "expected a number from 0.1 to 5000, found -25.4");
         EXPECT_EQ(container.GetGeometries(), QList<ZELGeoGeometry*>({earlier}));
         EXPECT_EQ(container.IsModified(), modified);
     }
@@ -874,6 +874,9 @@ const MalformedCase kMalformed[] = {
            "case.json: $.program.procedures[1]: expected an object, found null"),
     Change("UnknownProcedureKind", "program.procedures[0].kind", QStringLiteral("drill"),
            "case.json: $.program.procedures[0].kind: unknown procedure kind 'drill'"),
+    // The message stays on one line whatever the document quotes in it.
+    Change("UnknownProcedureKindWithLineEnds", "program.procedures[0].kind", QStringLiteral("roll\nLayup\r"),
+           "case.json: $.program.procedures[0].kind: unknown procedure kind 'roll\\u000ALayup\\u000D'"),
     Change("ProbingNameEmpty", "program.procedures[1].name", QString(),
            "case.json: $.program.procedures[1].name: name is empty"),
 
@@ -881,11 +884,12 @@ const MalformedCase kMalformed[] = {
     Change("SafetyPlaneNormalZero", "program.procedures[0].safetyPlane.normal", Triple(0, 0, 0),
            "case.json: $.program.procedures[0].safetyPlane.normal: expected a non-zero vector"),
     Change("AddingFeedrateZero", "program.procedures[0].addingFeedrate", 0,
-           "case.json: $.program.procedures[0].addingFeedrate: expected a number > 0, found 0"),
+           "case.json: $.program.procedures[0].addingFeedrate: expected a number from 1 to 200000, found 0"),
     Change("CuttingFeedrateMissing", "program.procedures[0].cuttingFeedrate", kRemoved,
            "case.json: $.program.procedures[0]: missing field 'cuttingFeedrate'"),
     Change("TotalMaterialLengthNegative", "program.procedures[0].totalMaterialLength", -5,
-           "case.json: $.program.procedures[0].totalMaterialLength: expected a number >= 0, found -5"),
+           "case.json: $.program.procedures[0].totalMaterialLength: "
+           "expected a number from 0 to 1000000000, found -5"),
     Change("MaterialWithoutId", "program.procedures[0].material", QJsonObject{{QStringLiteral("name"), QStringLiteral("carbon")}},
            "case.json: $.program.procedures[0].material: missing field 'id'"),
     Change("UnknownPropagation", "program.procedures[0].plies[0].propagation", QStringLiteral("spiral"),
@@ -893,6 +897,9 @@ const MalformedCase kMalformed[] = {
            "'angle', 'offset', 'geodesicOffset', 'parallel', 'geodesic' or 'userDefined')"),
     Change("PlyOrientationNotANumber", "program.procedures[0].plies[0].orientation", QStringLiteral("45"),
            "case.json: $.program.procedures[0].plies[0].orientation: expected a number, found a string"),
+    Change("LayupWithoutCourses", "program.procedures[0].courses", QJsonArray(),
+           "case.json: $.program.procedures[0].courses: roll layup procedure 'Ply 1' has no course (expected at "
+           "least 1)"),
     Change("OneLinkTooFew", "program.procedures[0].links[1]", kRemoved,
            "case.json: $.program.procedures[0].links: expected 2 links, one more than courses (1), found 1"),
     Change("OneLinkTooMany", "program.procedures[0].links[2]", QJsonObject(),
@@ -916,7 +923,7 @@ const MalformedCase kMalformed[] = {
            "index 1 is outside the link's points (0 to 0)"),
     Change("ToolChangeRollerWidthZero", "program.procedures[0].links[1].toolChange", ToolChange(0, 0),
            "case.json: $.program.procedures[0].links[1].toolChange.next.roller.width: "
-           "expected a number > 0, found 0"),
+           "expected a number from 0.1 to 5000, found 0"),
 
     // Courses.
     CourseChange("CourseTowMaskMissing", "towMask", kRemoved,
@@ -928,13 +935,20 @@ const MalformedCase kMalformed[] = {
     CourseChange("CourseTowMaskWithOtherCharacters", "towMask", QStringLiteral("11x1111111111111"),
                  "case.json: $.program.procedures[0].courses[0].towMask: "
                  "expected a tow mask of '0' and '1' characters, found '11x1111111111111'"),
+    CourseChange("SixteenTowsOnAnEightTowRoller", "machineConfiguration.roller.width", 50.8,
+                 "case.json: $.program.procedures[0].courses[0].towMask: the tows laid span 16 tows (1 to 16), more "
+                 "than the 8 tows of 6.35 mm that the roller of 50.8 mm holds"),
+    CourseChange("RollerNarrowerThanATow", "machineConfiguration.roller.width", 6.3,
+                 "case.json: $.program.procedures[0].courses[0].towMask: the tows laid span 16 tows (1 to 16), more "
+                 "than the 0 tows of 6.35 mm that the roller of 6.3 mm holds"),
     CourseChange("HeadMissing", "machineConfiguration.head", kRemoved,
                  "case.json: $.program.procedures[0].courses[0].machineConfiguration: missing field 'head'"),
     CourseChange("TowLengthsOnePerTow", "towLengths", QJsonArray{40, 40},
                  "case.json: $.program.procedures[0].courses[0].towLengths: "
                  "expected 16 tow lengths (one per tow of the course's towMask), found 2"),
     CourseChange("TowLengthNegative", "towLengths[3]", -1,
-                 "case.json: $.program.procedures[0].courses[0].towLengths[3]: expected a number >= 0, found -1"),
+                 "case.json: $.program.procedures[0].courses[0].towLengths[3]: "
+                 "expected a number from 0 to 1000000, found -1"),
     CourseChange("ThreeTrajectories", "trajectories", QJsonArray{QJsonObject(), QJsonObject(), QJsonObject()},
                  "case.json: $.program.procedures[0].courses[0].trajectories: "
                  "expected at least 4 trajectories (approach, roll-in, roll-out, retract), found 3"),
@@ -961,6 +975,10 @@ const MalformedCase kMalformed[] = {
     CourseChange("TowMaskOfTwelveTows", "trajectories[2].towMask", QStringLiteral("111111111111"),
                  "case.json: $.program.procedures[0].courses[0].trajectories[2].towMask: "
                  "tow mask has 12 tows, expected 16 (the course's towMask)"),
+    Rewritten("TowTrajectoryLaysTowsTheCourseLeavesOut", "\"towMask\":\"1111111111111111\",\"trajectories\"",
+              "\"towMask\":\"0000111111110001\",\"trajectories\"",
+              "case.json: $.program.procedures[0].courses[0].trajectories[2].towMask: "
+              "tow mask lays tows that the course's towMask leaves out: 1, 2, 3, 4, 13, 14, 15"),
     CourseChange("ForcedMaskOfTwoTows", "trajectories[2].forcedMask", QStringLiteral("11"),
                  "case.json: $.program.procedures[0].courses[0].trajectories[2].forcedMask: "
                  "tow mask has 2 tows, expected 16 (the trajectory's towMask)"),
@@ -994,9 +1012,9 @@ const MalformedCase kMalformed[] = {
     CourseChange("JunctionCopiesApart", "trajectories[3].points[0].origin", Triple(35.5, 0, 0),
                  "case.json: $.program.procedures[0].courses[0].trajectories[3].points[0].origin: "
                  "origin is 0.5 mm from the previous trajectory's last point (at most 0.001 mm)"),
-    CourseChange("JunctionCopyAt1e308", "trajectories[1].points[0].origin", Triple(1e308, 0, 0),
-                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[0].origin: "
-                 "origin is 1e+308 mm from the previous trajectory's last point (at most 0.001 mm)"),
+    CourseChange("JunctionCopyFarOutside", "trajectories[1].points[0].origin", Triple(1e308, 0, 0),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[0].origin[0]: "
+                 "expected a number from -100000 to 100000, found 1e+308"),
     CourseChange("RollInPointPastTheRollIn", "rollInPoint", 2,
                  "case.json: $.program.procedures[0].courses[0].rollInPoint: "
                  "index 2 is outside the roll-in trajectory's points (0 to 1)"),
@@ -1075,6 +1093,245 @@ TEST_P(ZELTPProgramReaderMalformed, RefusedWithOneExactMessageAndNothingLeftInTh
 
 INSTANTIATE_TEST_SUITE_P(Cases, ZELTPProgramReaderMalformed, ::testing::ValuesIn(kMalformed),
                          [](const ::testing::TestParamInfo<MalformedCase>& info) { return info.param.name; });
+
+// ---------------------------------------------------------------------------
+// Texts and numbers a posted program would print
+
+// One value of the valid document replaced: `path` ("program.revision") is
+// the value's path, and the reader names it as "$." `path` `within`, where
+// `within` leads into the value when it is an array ("[3]").
+struct FieldCase
+{
+    const char* name;
+    const char* path;
+    QJsonValue value;
+    const char* problem;
+    const char* within = "";
+};
+ZELTEST_PRINT_CASE_BY_NAME(FieldCase);
+
+class ZELTPProgramReaderUnfitField : public ::testing::TestWithParam<FieldCase>
+{
+};
+
+TEST_P(ZELTPProgramReaderUnfitField, IsRefusedNamingItsPathAndNothingIsLeftInTheContainer)
+{
+    const FieldCase& field = GetParam();
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).ReadData(Edited(QLatin1String(field.path), field.value),
+                                                                 QStringLiteral("case.json")),
+                         ZELTPFormatException,
+                         QStringLiteral("case.json: $.%1%2: %3")
+                             .arg(QLatin1String(field.path), QLatin1String(field.within),
+                                  QString::fromUtf8(field.problem)));
+    EXPECT_EQ(container.GetNumGeometries(), 0);
+}
+
+// The forced rates of the valid document's 16-tow trajectory: 1 for each
+// tow but the third, which has `rate`.
+QJsonArray ForcedRatesWithThird(double rate)
+{
+    QJsonArray rates;
+    for (int tow = 1; tow <= 16; ++tow)
+        rates.append(tow == 3 ? rate : 1.0);
+    return rates;
+}
+
+QString WithCharacter(char16_t character)
+{
+    return QStringLiteral("IM7") + QChar(character) + QStringLiteral("M30");
+}
+
+// Every text the NC programs may print, and every kind of character that
+// would end its line or its quotes there.
+const FieldCase kUnfitTexts[] = {
+    {"MaterialIdWithLineFeed", "program.procedures[0].material.id", WithCharacter(0x0A),
+     "text contains the line end U+000A"},
+    {"MaterialIdWithCarriageReturn", "program.procedures[0].material.id", WithCharacter(0x0D),
+     "text contains the line end U+000D"},
+    {"MaterialIdWithVerticalTab", "program.procedures[0].material.id", WithCharacter(0x0B),
+     "text contains the line end U+000B"},
+    {"MaterialIdWithFormFeed", "program.procedures[0].material.id", WithCharacter(0x0C),
+     "text contains the line end U+000C"},
+    {"MaterialIdWithNextLine", "program.procedures[0].material.id", WithCharacter(0x85),
+     "text contains the line end U+0085"},
+    {"MaterialIdWithLineSeparator", "program.procedures[0].material.id", WithCharacter(0x2028),
+     "text contains the line end U+2028"},
+    {"MaterialIdWithParagraphSeparator", "program.procedures[0].material.id", WithCharacter(0x2029),
+     "text contains the line end U+2029"},
+    {"MaterialIdWithDoubleQuote", "program.procedures[0].material.id", WithCharacter(u'"'),
+     "text contains a double quote"},
+    {"MaterialIdWithNul", "program.procedures[0].material.id", WithCharacter(0x00), "text contains a NUL character"},
+    {"MaterialIdWithEscape", "program.procedures[0].material.id", WithCharacter(0x1B),
+     "text contains the control character U+001B"},
+    {"MaterialIdWithTab", "program.procedures[0].material.id", WithCharacter(0x09),
+     "text contains the control character U+0009"},
+    {"MaterialIdWithDelete", "program.procedures[0].material.id", WithCharacter(0x7F),
+     "text contains the control character U+007F"},
+    {"MaterialIdWithC1Control", "program.procedures[0].material.id", WithCharacter(0x9B),
+     "text contains the control character U+009B"},
+    {"MaterialNameWithLineFeed", "program.procedures[0].material.name", WithCharacter(0x0A),
+     "text contains the line end U+000A"},
+    {"RevisionWithLineFeed", "program.revision", WithCharacter(0x0A), "text contains the line end U+000A"},
+    {"RevisionWithDoubleQuote", "program.revision", WithCharacter(u'"'), "text contains a double quote"},
+    {"PlyNameWithLineFeed", "program.procedures[0].plies[0].name", WithCharacter(0x0A),
+     "text contains the line end U+000A"},
+    {"PlyNameWithDoubleQuote", "program.procedures[0].plies[0].name", WithCharacter(u'"'),
+     "text contains a double quote"},
+    {"LinkNameWithLineFeed", "program.procedures[0].links[0].name", WithCharacter(0x0A),
+     "text contains the line end U+000A"},
+    {"CourseNameWithLineFeed", "program.procedures[0].courses[0].name", WithCharacter(0x0A),
+     "text contains the line end U+000A"},
+    {"RollerNameWithLineFeed", "program.procedures[0].courses[0].machineConfiguration.roller.name",
+     WithCharacter(0x0A), "text contains the line end U+000A"},
+    {"HeadNameWithDoubleQuote", "program.procedures[0].courses[0].machineConfiguration.head.name",
+     WithCharacter(u'"'), "text contains a double quote"},
+    {"ProgramNameWithLineFeed", "program.name", WithCharacter(0x0A), "name contains the line end U+000A"},
+    {"ProgramNameWithDoubleQuote", "program.name", WithCharacter(u'"'), "name contains a double quote"},
+    {"LayupNameWithLineSeparator", "program.procedures[0].name", WithCharacter(0x2028),
+     "name contains the line end U+2028"},
+    {"ProbingNameWithCarriageReturn", "program.procedures[1].name", WithCharacter(0x0D),
+     "name contains the line end U+000D"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Texts, ZELTPProgramReaderUnfitField, ::testing::ValuesIn(kUnfitTexts),
+                         [](const ::testing::TestParamInfo<FieldCase>& info) { return info.param.name; });
+
+// A tool change whose next roller has the width `width` and whose next
+// head has tows `towWidth` wide.
+QJsonObject ToolChangeTo(double width, double towWidth)
+{
+    QJsonObject change = ToolChange(0, width);
+    QJsonObject next = change.value(QStringLiteral("next")).toObject();
+    QJsonObject head = next.value(QStringLiteral("head")).toObject();
+    head.insert(QStringLiteral("towWidth"), towWidth);
+    next.insert(QStringLiteral("head"), head);
+    change.insert(QStringLiteral("next"), next);
+    return change;
+}
+
+// Every number just outside its range on either side, where the document
+// has both.
+const FieldCase kNumbersOutOfRange[] = {
+    {"SafetyPlaneOriginBelow", "program.procedures[0].safetyPlane.origin[2]", -100000.5,
+     "expected a number from -100000 to 100000, found -100000.5"},
+    {"PointOriginAbove", "program.procedures[0].links[0].trajectories[0].points[0].origin[0]", 1e300,
+     "expected a number from -100000 to 100000, found 1e+300"},
+    {"OnPartPointOriginBelow", "program.procedures[0].courses[0].trajectories[2].points[1].origin[1]", -2e5,
+     "expected a number from -100000 to 100000, found -2e+05"},
+    {"ProbingPointOriginAbove", "program.procedures[1].trajectories[0].points[0].origin[2]", 100001,
+     "expected a number from -100000 to 100000, found 100001"},
+    {"AddingFeedrateBelow", "program.procedures[0].addingFeedrate", 0.5,
+     "expected a number from 1 to 200000, found 0.5"},
+    {"CuttingFeedrateAbove", "program.procedures[0].cuttingFeedrate", 200001,
+     "expected a number from 1 to 200000, found 200001"},
+    {"TrajectoryFeedrateAbove", "program.procedures[0].courses[0].trajectories[2].feedrate", 1e300,
+     "expected a number from 1 to 200000, found 1e+300"},
+    {"TrajectoryFeedrateTiny", "program.procedures[1].trajectories[1].feedrate", 1e-300,
+     "expected a number from 1 to 200000, found 1e-300"},
+    {"ForwardTiltAbove", "program.procedures[0].courses[0].trajectories[1].forwardTilt", 1e6,
+     "expected a number from -90 to 90, found 1e+06"},
+    {"SideTiltBelow", "program.procedures[0].courses[0].trajectories[2].sideTilt", -90.5,
+     "expected a number from -90 to 90, found -90.5"},
+    {"SmoothingAngleBelow", "program.procedures[0].courses[0].trajectories[3].smoothingAngle", -1,
+     "expected a number from 0 to 180, found -1"},
+    {"SmoothingAngleAbove", "program.procedures[0].courses[0].trajectories[3].smoothingAngle", 181,
+     "expected a number from 0 to 180, found 181"},
+    {"PlyOrientationAbove", "program.procedures[0].plies[0].orientation", 360.5,
+     "expected a number from -360 to 360, found 360.5"},
+    {"PlyOrientationBelow", "program.procedures[0].plies[0].orientation", -1e6,
+     "expected a number from -360 to 360, found -1e+06"},
+    {"RollerWidthTiny", "program.procedures[0].courses[0].machineConfiguration.roller.width", 1e-300,
+     "expected a number from 0.1 to 5000, found 1e-300"},
+    {"RollerWidthAbove", "program.procedures[0].courses[0].machineConfiguration.roller.width", 5001,
+     "expected a number from 0.1 to 5000, found 5001"},
+    {"TowWidthBelow", "program.procedures[0].courses[0].machineConfiguration.head.towWidth", 0.05,
+     "expected a number from 0.1 to 5000, found 0.05"},
+    {"ProbingDiameterAbove", "program.procedures[1].probingPoints[0].diameter", 1e300,
+     "expected a number from 0.1 to 5000, found 1e+300"},
+    {"TowLengthAbove", "program.procedures[0].courses[0].towLengths[15]", 1000000.5,
+     "expected a number from 0 to 1000000, found 1000000.5"},
+    {"TotalMaterialLengthAbove", "program.procedures[0].totalMaterialLength", 1e300,
+     "expected a number from 0 to 1000000000, found 1e+300"},
+    {"ForcedRateBelow", "program.procedures[0].courses[0].trajectories[2].forcedRates", ForcedRatesWithThird(-0.5),
+     "expected a number from 0 to 10, found -0.5", "[2]"},
+    {"ForcedRateAbove", "program.procedures[0].courses[0].trajectories[2].forcedRates", ForcedRatesWithThird(10.5),
+     "expected a number from 0 to 10, found 10.5", "[2]"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Numbers, ZELTPProgramReaderUnfitField, ::testing::ValuesIn(kNumbersOutOfRange),
+                         [](const ::testing::TestParamInfo<FieldCase>& info) { return info.param.name; });
+
+// One value of the valid document replaced by a value the reader takes.
+struct FitFieldCase
+{
+    const char* name;
+    const char* path;
+    QJsonValue value;
+};
+ZELTEST_PRINT_CASE_BY_NAME(FitFieldCase);
+
+class ZELTPProgramReaderFitField : public ::testing::TestWithParam<FitFieldCase>
+{
+};
+
+TEST_P(ZELTPProgramReaderFitField, IsRead)
+{
+    const FitFieldCase& field = GetParam();
+    ZELGeoContainer container;
+    const ZELTPProgram* program = nullptr;
+    EXPECT_NO_THROW(program = ZELTPProgramReader(&container).ReadData(Edited(QLatin1String(field.path), field.value),
+                                                                      QStringLiteral("case.json")));
+    EXPECT_NE(program, nullptr);
+}
+
+// Every range's ends, and texts with characters that print on one line.
+const FitFieldCase kFitFields[] = {
+    {"SafetyPlaneOriginAtTheLowEnd", "program.procedures[0].safetyPlane.origin[2]", -100000},
+    {"PointOriginAtTheHighEnd", "program.procedures[0].links[0].trajectories[0].points[0].origin[0]", 100000},
+    {"FeedrateAtTheLowEnd", "program.procedures[0].addingFeedrate", 1},
+    {"FeedrateAtTheHighEnd", "program.procedures[0].links[0].trajectories[0].feedrate", 200000},
+    {"ForwardTiltAtTheHighEnd", "program.procedures[0].courses[0].trajectories[1].forwardTilt", 90},
+    {"SideTiltAtTheLowEnd", "program.procedures[0].courses[0].trajectories[2].sideTilt", -90},
+    {"SmoothingAngleAtTheLowEnd", "program.procedures[0].courses[0].trajectories[3].smoothingAngle", 0},
+    {"SmoothingAngleAtTheHighEnd", "program.procedures[0].courses[0].trajectories[3].smoothingAngle", 180},
+    {"PlyOrientationAtTheLowEnd", "program.procedures[0].plies[0].orientation", -360},
+    {"PlyOrientationAtTheHighEnd", "program.procedures[0].plies[0].orientation", 360},
+    {"RollerWidthAndTowWidthAtTheLowEnd", "program.procedures[0].links[1].toolChange", ToolChangeTo(0.1, 0.1)},
+    {"RollerWidthAndTowWidthAtTheHighEnd", "program.procedures[0].links[1].toolChange", ToolChangeTo(5000, 5000)},
+    {"CourseRollerAtTheHighEnd", "program.procedures[0].courses[0].machineConfiguration.roller.width", 5000},
+    {"ProbingDiameterAtTheLowEnd", "program.procedures[1].probingPoints[0].diameter", 0.1},
+    {"TowLengthAtTheHighEnd", "program.procedures[0].courses[0].towLengths[15]", 1000000},
+    {"TotalMaterialLengthAtTheLowEnd", "program.procedures[0].totalMaterialLength", 0},
+    {"TotalMaterialLengthAtTheHighEnd", "program.procedures[0].totalMaterialLength", 1e9},
+    {"ForcedRateAtTheLowEnd", "program.procedures[0].courses[0].trajectories[2].forcedRates", ForcedRatesWithThird(0)},
+    {"ForcedRateAtTheHighEnd", "program.procedures[0].courses[0].trajectories[2].forcedRates",
+     ForcedRatesWithThird(10)},
+    {"SixteenTowsOnARollerJustSixteenWide", "program.procedures[0].courses[0].machineConfiguration.roller.width",
+     101.5995},
+    {"TextWithQuotesOtherThanDouble", "program.procedures[0].material.id", QStringLiteral("IM7 1/4' `tow`")},
+    {"TextOfOtherScripts", "program.procedures[0].plies[0].name", QString::fromUtf8("\xC3\xA9paisseur \xE5\xB1\xA4")},
+    {"RevisionWithSpaces", "program.revision", QStringLiteral("Rev B 2")},
+};
+
+INSTANTIATE_TEST_SUITE_P(Edges, ZELTPProgramReaderFitField, ::testing::ValuesIn(kFitFields),
+                         [](const ::testing::TestParamInfo<FitFieldCase>& info) { return info.param.name; });
+
+TEST(ZELTPProgramReader, CourseOfEightTowsOnAnEightTowRollerLaysThem)
+{
+    QByteArray document = QJsonDocument::fromJson(kValid).toJson(QJsonDocument::Compact);
+    document.replace("\"towMask\":\"1111111111111111\"", "\"towMask\":\"0000111111110000\"");
+    document.replace("\"width\":101.6", "\"width\":50.8");
+    ZELGeoContainer container;
+    const ZELTPProgram* program = ZELTPProgramReader(&container).ReadData(document, QStringLiteral("case.json"));
+    ASSERT_NE(program, nullptr);
+    const auto* layup = qobject_cast<const ZELTPRollLayupProcedure*>(program->GetProcedure(0));
+    ASSERT_NE(layup, nullptr);
+    const ZELTPTowCourse* course = WalkPath(layup).courses.value(0);
+    ASSERT_NE(course, nullptr);
+    EXPECT_EQ(course->GetUsedTowMask().GetRawValue(), quint64(0x0FF0));
+    EXPECT_EQ(course->GetMachineConfiguration().GetRollerTows(), 8);
+}
 
 // Normals of any length are taken as directions, however large or small
 // their components.

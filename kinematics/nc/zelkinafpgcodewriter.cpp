@@ -202,6 +202,7 @@ void ZELKinAFPGCodeWriter::WriteSinglePly(ZELKinProgram* program) const
                                     });
     if (match == procedures.cend()) {
         qCritical("%s", qUtf8Printable(tr("Could not process %1: procedure not found").arg(InLatin1(chosen))));
+        chosenPlyMissing = true;
         return;
     }
     const QString name = program->GetOriginalFileName();

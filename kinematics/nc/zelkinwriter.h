@@ -106,6 +106,13 @@ public:
         ZELTPFileName names) before anything is written, when the program's
         original file name could not stay a single file name in `path`.
 
+        Throws ZELSysException "cannot write the NC: the ply name of
+        procedure 'P1' contains the line end U+000A" before anything is
+        written, when a text the files would print (the program's name,
+        revision and author, a layup procedure's name, its plies' names and
+        materials) holds a line end, another control character or a double
+        quote.
+
         Throws ZELSysException "cannot write the NC file '<file>': the
         <word> of line <n> is <nan|inf|-inf>, not a finite number" when a
         number to be written is a NaN or an infinity (the F of line 57, the

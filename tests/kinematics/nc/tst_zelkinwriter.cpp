@@ -436,6 +436,16 @@ TEST_F(ZELKinWriterTest, AToolingRetractThatIsNotANumberFailsTheProbingFile)
     EXPECT_FALSE(QFileInfo::exists(probingFile));
 }
 
+TEST_F(ZELKinWriterTest, ATextWithALineEndIsRefusedBeforeAnyFileIsWritten)
+{
+    f.BuildPart();
+    f.program->SetAuthor(QStringLiteral("jdoe\nM30"));
+    for (const QString& path : {Output(QStringLiteral("nc")), Output(QStringLiteral("PART.bun"))})
+        EXPECT_THROW_MESSAGE(Write(path), ZELSysException,
+                             "cannot write the NC: the author contains the line end U+000A");
+    EXPECT_EQ(EntriesOf(Output()), QStringList());
+}
+
 TEST_F(ZELKinWriterTest, AWriterWithoutAProgramWritesNothing)
 {
     ZELKinWriter writer(static_cast<ZELKinProgram*>(nullptr));

@@ -137,18 +137,15 @@ ZELKinMachineDescriptionCheckPrivate::Read(const QByteArray& description)
     std::optional<StartLines> startLines;
     QString declaredEncoding;
     Outline outline;
+    // What each element open around the reader opens; the loader's bound
+    // on nesting keeps this short.
     QList<Opens> open;
-    int inVariableLists = 0;
-    int inJointLists = 0;
     while (!reader.atEnd()) {
         const QXmlStreamReader::TokenType token = reader.readNext();
         if (token == QXmlStreamReader::StartDocument)
             declaredEncoding = reader.documentEncoding().toString();
-        if (token == QXmlStreamReader::EndElement) {
-            const Opens closed = open.takeLast();
-            inVariableLists -= closed == Opens::VariableList ? 1 : 0;
-            inJointLists -= closed == Opens::JointList ? 1 : 0;
-        }
+        if (token == QXmlStreamReader::EndElement)
+            open.removeLast();
         if (token != QXmlStreamReader::StartElement)
             continue;
         if (!startLines)
@@ -164,13 +161,11 @@ ZELKinMachineDescriptionCheckPrivate::Read(const QByteArray& description)
         } else if (element.tag == kJoints) {
             opens = Opens::JointList;
             ++outline.jointLists;
-        } else if (element.tag == kVariable && inVariableLists > 0) {
+        } else if (element.tag == kVariable && open.contains(Opens::VariableList)) {
             outline.variables.append(element);
-        } else if (element.tag == kJoint && inJointLists > 0) {
+        } else if (element.tag == kJoint && open.contains(Opens::JointList)) {
             outline.joints.append(element);
         }
-        inVariableLists += opens == Opens::VariableList ? 1 : 0;
-        inJointLists += opens == Opens::JointList ? 1 : 0;
         open.append(opens);
     }
     if (reader.hasError())

@@ -10,6 +10,7 @@
 #include <QXmlStreamReader>
 
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -181,8 +182,8 @@ void ZELKinMachineDescriptionCheckPrivate::CheckRoot(const Element& root)
 
 void ZELKinMachineDescriptionCheckPrivate::CheckVariable(const Element& variable)
 {
-    CheckFinite(variable, kMinimum);
-    CheckFinite(variable, kMaximum);
+    CheckLimit(variable, kMinimum, -std::numeric_limits<double>::infinity());
+    CheckLimit(variable, kMaximum, std::numeric_limits<double>::infinity());
     CheckPositive(variable, kMaxSpeed);
     CheckPositive(variable, kMaxAccel);
 }
@@ -223,6 +224,22 @@ std::optional<double> ZELKinMachineDescriptionCheckPrivate::CheckFinite(const El
     if (!problem.isEmpty())
         throw ZELSysException(element.Describe(QStringLiteral("%1 '%2' %3").arg(attribute, Shown(text), problem)));
     return value;
+}
+
+void ZELKinMachineDescriptionCheckPrivate::CheckLimit(const Element& element, const QString& attribute,
+                                                      double unlimited)
+{
+    if (!element.Has(attribute))
+        return;
+    const QString text = element.Get(attribute);
+    const std::optional<double> value = ReadNumber(text);
+    if (!value)
+        throw ZELSysException(
+            element.Describe(QStringLiteral("%1 '%2' %3").arg(attribute, Shown(text), ProblemOf(value))));
+    if (!std::isfinite(*value) && *value != unlimited)
+        throw ZELSysException(element.Describe(
+            ZELKinMachineDescriptionCheck::tr("%1 '%2' is neither a finite number nor %3 (no limit)")
+                .arg(attribute, Shown(text), unlimited < 0.0 ? QStringLiteral("-inf") : QStringLiteral("inf"))));
 }
 
 void ZELKinMachineDescriptionCheckPrivate::CheckPositive(const Element& element, const QString& attribute)

@@ -23,9 +23,11 @@ class ZELKinMachineDescriptionCheckPrivate;
 
     - a number attribute the loader reads that is not a finite number: the
       root's "head-travel", "cut-distance", "add-pinch", "add-distance",
-      "tow-width" and "roller-radius", a variable's "minimum", "maximum",
-      "max-speed" and "max-accel", and each of the three numbers of a
-      joint's "vector" and "pivot";
+      "tow-width" and "roller-radius", a variable's "max-speed" and
+      "max-accel", and each of the three numbers of a joint's "vector" and
+      "pivot";
+    - a variable's "minimum" or "maximum" that is not a finite number,
+      except "-inf" as minimum and "inf" as maximum, which limit nothing;
     - a "max-speed" or "max-accel" that is not greater than 0;
     - a joint "vector" of length 0;
     - a second variable, or a second joint, of a name already taken.

@@ -62,6 +62,9 @@ public:
     //! The value of `attribute`, when present, read as the loader reads it;
     //! throws when it is not a finite number.
     static std::optional<double> CheckFinite(const Element& element, const QString& attribute);
+    //! A limit may also be the infinity `unlimited` on its own side, which
+    //! limits nothing, as a limit left out does.
+    static void CheckLimit(const Element& element, const QString& attribute, double unlimited);
     static void CheckPositive(const Element& element, const QString& attribute);
     //! Checks the three numbers of a triple (`vector`, `pivot`) of three or
     //! more parts and returns them; none when the attribute is missing or

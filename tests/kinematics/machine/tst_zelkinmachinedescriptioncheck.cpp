@@ -95,8 +95,14 @@ const std::vector<RefusedCase> kRefusedCases{
      "machine description line 1: <machine>: cut-distance '76,2' is not a number"},
     {"MaximumWithItsUnit", 4, "maximum", "24384 mm",
      "machine description line 4: <variable name='X'>: maximum '24384 mm' is not a number"},
-    {"MinimumMinusInfinity", 5, "minimum", "-inf",
-     "machine description line 5: <variable name='Y'>: minimum '-inf' is not a finite number"},
+    {"MinimumPlusInfinity", 5, "minimum", "inf",
+     "machine description line 5: <variable name='Y'>: minimum 'inf' is neither a finite number nor -inf (no limit)"},
+    {"MaximumMinusInfinity", 5, "maximum", "-inf",
+     "machine description line 5: <variable name='Y'>: maximum '-inf' is neither a finite number nor inf (no limit)"},
+    {"MinimumNaN", 6, "minimum", "nan",
+     "machine description line 6: <variable name='C'>: minimum 'nan' is neither a finite number nor -inf (no limit)"},
+    {"MinimumBeyondADouble", 4, "minimum", "1e999",
+     "machine description line 4: <variable name='X'>: minimum '1e999' is neither a finite number nor -inf (no limit)"},
     {"MaxSpeedNotANumber", 5, "max-speed", "abc",
      "machine description line 5: <variable name='Y'>: max-speed 'abc' is not a number"},
     {"MaxSpeedZero", 6, "max-speed", "0",
@@ -168,6 +174,15 @@ TEST(ZELKinMachineDescriptionCheck, NumbersWithBlanksAroundThemAndAVectorOfFourP
     QStringList lines = kMachineLines;
     lines[3] = R"(    <variable name="X" minimum=" 0 " maximum="2.4384e4" max-speed=" 40" max-accel="2 "/>)";
     lines[9] = R"(    <joint name="X" type="translation" vector="1,0,0,5" variables="X"/>)";
+    EXPECT_NO_THROW(Check(Join(lines)));
+}
+
+TEST(ZELKinMachineDescriptionCheck, InfiniteLimitsOnTheirOwnSidesLimitNothingAndPass)
+{
+    QStringList lines = kMachineLines;
+    lines[3] = R"(    <variable name="X" minimum="-inf" maximum="+inf" max-speed="40" max-accel="2"/>)";
+    lines[5]
+        = R"(    <variable name="C" type="rotary" minimum="-INF" maximum="Inf" max-speed="7200" max-accel="720"/>)";
     EXPECT_NO_THROW(Check(Join(lines)));
 }
 

@@ -1,6 +1,7 @@
 #include "zelkinmachinefile.h"
 
 #include <zelkinafpmachine.h>
+#include <zelkinmachinedescriptioncheck.h>
 #include <zelkinmachineloader.h>
 #include <zelsysexception.h>
 
@@ -54,6 +55,9 @@ ZELKinAFPMachine* ZELKinMachineFile::Load(ZELGeoContainer* container, const QStr
 {
     QByteArray text = ReadFile(path);
     RequireWellFormed(path, text);
+    // The loader builds numbers it cannot read as 0 and joints without a
+    // direction; such a machine would post NC that moves where nobody asked.
+    ZELKinMachineDescriptionCheck().Check(text);
 
     QBuffer buffer(&text);
     buffer.open(QIODevice::ReadOnly);

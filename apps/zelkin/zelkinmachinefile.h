@@ -20,6 +20,9 @@ namespace ZELKinMachineFile {
 //! - "cannot read <path>: <reason>" for a file that cannot be read;
 //! - "<path>:<line>:<column>: <parser message>" for text that is not
 //!   well-formed XML;
+//! - ZELKinMachineDescriptionCheck's messages for a description that the
+//!   loader would build but no machine could have ("machine description
+//!   line 29: <variable name='Y'>: max-speed 'abc' is not a number");
 //! - "not an AFP machine description" when the root's "type" is not "AFP";
 //! - whatever the loader throws for a description that breaks its rules.
 //! The loader ends the process through Qt's fatal message handler on some

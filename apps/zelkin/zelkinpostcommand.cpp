@@ -7,6 +7,7 @@
 #include "zelkintranslationjob.h"
 
 #include <zelkinwriter.h>
+#include <zelsysexception.h>
 
 #include <optional>
 
@@ -24,6 +25,9 @@ const QString KeepGoingOption = QStringLiteral("keep-going");
 
 // The one dialect the writer knows; any other name would write nothing.
 const QString AFPGCodeFormat = QStringLiteral("AFPGCode");
+// The one ply-to-process word the writer knows; it would take any other
+// for "every ply".
+const QString SinglePly = QStringLiteral("ONEPLY");
 
 QString FormatOf(const ZELKinArguments& arguments, const QString& command)
 {
@@ -34,6 +38,27 @@ QString FormatOf(const ZELKinArguments& arguments, const QString& command)
         throw ZELKinUsageError(QStringLiteral("unknown NC format '%1' (known: %2)").arg(format, AFPGCodeFormat),
                                command);
     return format;
+}
+
+// The writer would ignore an unknown key and write a value it cannot read as
+// 0: what it would not use as written is a usage error.
+QString OptionsOf(const ZELKinArguments& arguments, const QString& command)
+{
+    const QString options = arguments.GetValue(OptionsOption);
+    try {
+        ZELKinWriter::CheckOptions(options);
+    } catch (const ZELSysException& error) {
+        throw ZELKinUsageError(error.GetMessage(), command);
+    }
+    return options;
+}
+
+QString PlyToProcessOf(const ZELKinArguments& arguments, const QString& command)
+{
+    const QString ply = arguments.GetValue(PlyOption);
+    if (arguments.IsSet(PlyOption) && ply != SinglePly)
+        throw ZELKinUsageError(QStringLiteral("unknown ply to process '%1' (known: %2)").arg(ply, SinglePly), command);
+    return ply;
 }
 
 // The trace CSV: one row per motion line, naming the position it came from
@@ -115,12 +140,14 @@ QString ZELKinPostCommand::GetDescription() const
         "  --output PATH          Where the NC files go (see above).\n"
         "  --format NAME          The NC dialect; only AFPGCode (the default).\n"
         "  --options TEXT         Writer options, \"key: value\" items separated by ';':\n"
-        "                         tooling-retract, pinch-max-length,\n"
-        "                         pinch-release-length (mm).\n"
-        "  --ply-to-process TEXT  ONEPLY: list the plies on stderr, read the padded ply\n"
-        "                         number to write from standard input, write it alone\n"
-        "                         to PATH_procedures and, for a bundle, replace that\n"
-        "                         ply's section in the existing bundle.\n"
+        "                         tooling-retract (0 to 1000 mm), pinch-max-length\n"
+        "                         and pinch-release-length (above 0, to 100000 mm,\n"
+        "                         both or neither). Anything else is a usage error.\n"
+        "  --ply-to-process TEXT  ONEPLY, the only value: list the plies on stderr,\n"
+        "                         read the padded ply number to write from standard\n"
+        "                         input, write it alone to PATH_procedures and, for a\n"
+        "                         bundle, replace that ply's section in the existing\n"
+        "                         bundle. A number no ply has writes nothing and fails.\n"
         "  --debug-path DIR       Write path-solving diagnostic files under DIR.\n"
         "  --trace FILE.csv       Write, for every motion line of the ply files, its\n"
         "                         file and line beside the procedure, script and index\n"
@@ -148,6 +175,8 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     parsed.RequireAtMostPositionals(0);
     const QString format = FormatOf(parsed, GetName());
     const QString output = parsed.GetRequiredValue(OutputOption);
+    const QString options = OptionsOf(parsed, GetName());
+    QString ply = PlyToProcessOf(parsed, GetName());
     // Kept from the start, so that a post that fails leaves as quickly as
     // one that writes.
     ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(
@@ -158,7 +187,6 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
 
     ZELKinWriter writer(job.GetProgram());
     writer.SetCurrentDateTime(ZELKinClock::Now());
-    QString ply = parsed.GetValue(PlyOption);
     writer.SetPlyToProcess(ply);
     std::optional<LineTraceCsv> trace;
     if (parsed.IsSet(TraceOption)) {
@@ -167,7 +195,10 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
             trace->Trace(file, line, position);
         });
     }
-    writer.Write(output, format, parsed.GetValue(OptionsOption));
+    writer.Write(output, format, options);
+    if (writer.IsChosenPlyMissing())
+        throw ZELSysException(QStringLiteral("the ply number read from standard input is not one of the program's; "
+                                             "nothing was written"));
     if (trace)
         trace->Commit();
     job.ThrowIfIncomplete();

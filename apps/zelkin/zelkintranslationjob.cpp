@@ -9,16 +9,22 @@
 #include <zelkinprogram.h>
 #include <zelkinsolver.h>
 #include <zelkintranslator.h>
+#include <zelsysexception.h>
+#include <zeltpcourselink.h>
 #include <zeltpprocedure.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramreader.h>
-#include <zelsysexception.h>
+#include <zeltprolllayupprocedure.h>
+#include <zeltptowcourse.h>
 
 #include <QFileInfo>
+#include <QSet>
 #include <QThread>
+#include <QtDebug>
 
 #include <unistd.h>
 
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -58,6 +64,57 @@ void RequireMemoryFor(const QString& toolpathPath)
                               .arg(toolpathPath, gib(size), gib(size * kMemoryPerToolpathByte), gib(available)));
 }
 
+// The machine's tow width sizes the plies' areas, the toolpath's head the
+// roller's tow count: a toolpath made for another head deserves a word,
+// once, naming the first course that differs.
+constexpr double kTowWidthTolerance = 0.001; // mm
+
+struct TowWidthDifference
+{
+    QString path;
+    double width = 0.0;
+    int count = 0;
+};
+
+// Courses are numbered as the toolpath file lists them: in path order.
+void FindTowWidthDifferences(const ZELTPRollLayupProcedure& procedure, int index, double machineWidth,
+                             TowWidthDifference& found)
+{
+    QSet<const ZELTPCourseLink*> walked;
+    const ZELTPCourseLink* link = procedure.GetApproachLink();
+    for (int course = 0; link && link->GetToCourse() && !walked.contains(link); ++course) {
+        walked.insert(link);
+        const auto* towCourse = qobject_cast<const ZELTPTowCourse*>(link->GetToCourse());
+        link = link->GetToCourse()->GetRetractLink();
+        const double width = towCourse ? towCourse->GetMachineConfiguration().GetHead().GetTowWidth() : machineWidth;
+        if (std::abs(width - machineWidth) <= kTowWidthTolerance)
+            continue;
+        if (found.count == 0) {
+            found.path = QStringLiteral("$.program.procedures[%1].courses[%2].machineConfiguration.head.towWidth")
+                             .arg(index)
+                             .arg(course);
+            found.width = width;
+        }
+        ++found.count;
+    }
+}
+
+void WarnOfAnotherTowWidth(const ZELTPProgram& toolpath, const ZELKinAFPMachine& machine)
+{
+    TowWidthDifference found;
+    for (int i = 0; i < toolpath.GetNumProcedures(); ++i) {
+        if (const auto* procedure = qobject_cast<const ZELTPRollLayupProcedure*>(toolpath.GetProcedure(i)))
+            FindTowWidthDifferences(*procedure, i, machine.GetTowWidth(), found);
+    }
+    if (found.count == 0)
+        return;
+    const QString count = found.count > 1 ? QStringLiteral("; %1 courses differ in all").arg(found.count) : QString();
+    qWarning().noquote() << QStringLiteral("the toolpath's tow width %1 mm at %2 differs from the machine's %3 mm (the "
+                                           "tow-width attribute of the machine description's root element)%4")
+                                .arg(QString::number(found.width), found.path, QString::number(machine.GetTowWidth()),
+                                     count);
+}
+
 } // namespace
 
 ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
@@ -66,6 +123,7 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
 {
     RequireMemoryFor(input.toolpathPath);
     const ZELTPProgram* toolpath = ZELTPProgramReader(&m_container).Read(input.toolpathPath);
+    WarnOfAnotherTowWidth(*toolpath, *m_machine);
     m_solver->SetDebugPath(input.debugPath);
 
     ZELKinTranslator translator(m_solver.get());

@@ -5,6 +5,7 @@
 #include "zelkinafpgcodeprobing_p.h"
 #include "zelkinafpgcodeprogramset_p.h"
 #include "zelkinncstream_p.h"
+#include "zelkinnctextcheck_p.h"
 #include "zelkinprobeprocedure.h"
 #include "zelkinprogram.h"
 #include "zelkinrolllayupprocedure.h"
@@ -129,6 +130,7 @@ void ZELKinAFPGCodeWriter::SetLineTrace(ZELKinWriter::LineTrace trace)
 
 void ZELKinAFPGCodeWriter::Write(ZELKinProgram* program) const
 {
+    ZELKinNCTextCheck::Check(program);
     ZELKinAFPGCodePlies::Number(program);
     if (plyToProcess == kSinglePly)
         WriteSinglePly(program);
@@ -202,6 +204,7 @@ void ZELKinAFPGCodeWriter::WriteSinglePly(ZELKinProgram* program) const
                                     });
     if (match == procedures.cend()) {
         qCritical("%s", qUtf8Printable(tr("Could not process %1: procedure not found").arg(InLatin1(chosen))));
+        chosenPlyMissing = true;
         return;
     }
     const QString name = program->GetOriginalFileName();

@@ -66,6 +66,9 @@ public:
     void SetLineTrace(ZELKinWriter::LineTrace trace);
 
     void Write(ZELKinProgram* program) const;
+    //! Whether the last Write, in single-ply mode, was given a ply number
+    //! that no ply has, and so wrote nothing.
+    bool IsChosenPlyMissing() const { return chosenPlyMissing; }
 
 private:
     using TextWriter = std::function<void(ZELKinNCStream& out)>;
@@ -95,6 +98,8 @@ private:
     QString plyToProcess;
     QDateTime now;
     ZELKinWriter::LineTrace lineTrace;
+    //! Set by the write itself, which changes nothing else of the writer.
+    mutable bool chosenPlyMissing = false;
 };
 
 #endif // ZELKINAFPGCODEWRITER_P_H

@@ -7,6 +7,102 @@
 #include <zelsysexception.h>
 #include <zeltpfilename.h>
 
+#include <QSet>
+#include <QStringList>
+
+#include <cmath>
+
+namespace {
+
+// What the options text may give: each key with the lengths it takes (mm).
+struct OptionRange
+{
+    const char* key;
+    bool zeroAllowed;
+    double maximum;
+};
+
+// Splitting a pinch takes both lengths; one without the other does nothing.
+constexpr const char* kPinchMaxLength = "pinch-max-length";
+constexpr const char* kPinchReleaseLength = "pinch-release-length";
+
+// The probe's retract stays within a machine's reach, and a pinch is split
+// along stretches no longer than a course.
+constexpr OptionRange kOptions[] = {
+    {"tooling-retract", true, 1000.0},
+    {kPinchMaxLength, false, 100000.0},
+    {kPinchReleaseLength, false, 100000.0},
+};
+
+const OptionRange* FindOption(const QString& key)
+{
+    for (const OptionRange& option : kOptions) {
+        if (key == QLatin1String(option.key))
+            return &option;
+    }
+    return nullptr;
+}
+
+QString KnownOptions()
+{
+    QStringList keys;
+    for (const OptionRange& option : kOptions)
+        keys.append(QLatin1String(option.key));
+    return keys.join(QStringLiteral(", "));
+}
+
+ZELSysException OptionError(const QString& key, const QString& problem)
+{
+    return ZELSysException(QStringLiteral("writer option '%1'%2").arg(key, problem));
+}
+
+void CheckOptionValue(const OptionRange& option, const QString& text)
+{
+    const QString key = QLatin1String(option.key);
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    if (!isNumber && !std::isinf(value))
+        throw OptionError(key, QStringLiteral(": '%1' is not a number").arg(text));
+    if (!std::isfinite(value))
+        throw OptionError(key, QStringLiteral(": '%1' is not a finite number").arg(text));
+    const bool aboveMinimum = option.zeroAllowed ? value >= 0.0 : value > 0.0;
+    if (!aboveMinimum || value > option.maximum)
+        throw OptionError(key,
+                          QStringLiteral(": '%1' is outside the range 0 %2 length <= %3 mm")
+                              .arg(text, option.zeroAllowed ? QStringLiteral("<=") : QStringLiteral("<"),
+                                   QString::number(option.maximum)));
+}
+
+void RequireBoth(const QSet<QString>& given, const QString& one, const QString& other)
+{
+    if (given.contains(one) && !given.contains(other))
+        throw OptionError(one, QStringLiteral(" does nothing without '%1'").arg(other));
+}
+
+} // namespace
+
+void ZELKinWriter::CheckOptions(const QString& options)
+{
+    QSet<QString> given;
+    for (const QString& item : options.split(QLatin1Char(';'))) {
+        if (item.simplified().isEmpty())
+            continue;
+        const qsizetype colon = item.indexOf(QLatin1Char(':'));
+        const QString key = item.left(colon).simplified();
+        const OptionRange* option = FindOption(key);
+        if (!option)
+            throw ZELSysException(QStringLiteral("unknown writer option '%1' (known: %2)").arg(key, KnownOptions()));
+        if (colon < 0)
+            throw OptionError(key, QStringLiteral(" has no value"));
+        CheckOptionValue(*option, item.mid(colon + 1).simplified());
+        if (given.contains(key))
+            throw OptionError(key, QStringLiteral(" is given twice"));
+        given.insert(key);
+    }
+    RequireBoth(given, QLatin1String(kPinchMaxLength), QLatin1String(kPinchReleaseLength));
+    RequireBoth(given, QLatin1String(kPinchReleaseLength), QLatin1String(kPinchMaxLength));
+}
+
 ZELKinWriter::ZELKinWriter(ZELKinWriterPrivate* d)
     : d_ptr(d)
 {
@@ -40,6 +136,7 @@ void ZELKinWriter::SetLineTrace(LineTrace trace)
 void ZELKinWriter::Write(const QString& path, const QString& format, const QString& options)
 {
     Q_D(ZELKinWriter);
+    d->chosenPlyMissing = false;
     if (format != QLatin1String("AFPGCode") || !d->program)
         return;
     // The name becomes a folder and the base of every file name: one that
@@ -57,4 +154,11 @@ void ZELKinWriter::Write(const QString& path, const QString& format, const QStri
         writer.SetCurrentDateTime(d->currentDateTime);
     writer.SetLineTrace(d->lineTrace);
     writer.Write(d->program);
+    d->chosenPlyMissing = writer.IsChosenPlyMissing();
+}
+
+bool ZELKinWriter::IsChosenPlyMissing() const
+{
+    Q_D(const ZELKinWriter);
+    return d->chosenPlyMissing;
 }

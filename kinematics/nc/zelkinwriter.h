@@ -44,6 +44,10 @@ public:
     //! and writes only that ply; in a bundle it then replaces the ply's
     //! section. Empty by default: every procedure is written.
     void SetPlyToProcess(QString& ply);
+    //! Whether the last Write ran the "ONEPLY" mode and read a ply number
+    //! that no ply has: it then logged the critical message "Could not
+    //! process <number>: procedure not found" and wrote nothing.
+    bool IsChosenPlyMissing() const;
     //! The local date and time that the files print as the time they were
     //! made (the program-set file's "CPP DATE/TIME", the probing file's
     //! "Tool Point File processed at"), so that a run can be reproduced.
@@ -65,6 +69,27 @@ public:
     void SetLineTrace(LineTrace trace);
 
     /*!
+        Checks an options text for Write before anything is read, so that a
+        host can refuse what Write would quietly ignore or read as 0.
+        Throws ZELSysException naming the first problem:
+
+        - "unknown writer option 'bogus' (known: tooling-retract,
+          pinch-max-length, pinch-release-length)";
+        - "writer option 'tooling-retract' has no value";
+        - "writer option 'tooling-retract': 'abc' is not a number", or
+          "... 'nan' is not a finite number";
+        - "writer option 'tooling-retract': '1e300' is outside the range
+          0 <= length <= 1000 mm"; pinch-max-length and
+          pinch-release-length take 0 < length <= 100000 mm;
+        - "writer option 'tooling-retract' is given twice";
+        - "writer option 'pinch-max-length' does nothing without
+          'pinch-release-length'", and the other way round.
+
+        Items are read as Write reads them (see Write); empty items pass.
+    */
+    static void CheckOptions(const QString& options);
+
+    /*!
         Writes the program in `format`; a format other than
         "AFPGCode" (case-sensitive) writes nothing and reports
         nothing, and so does a writer without a program.
@@ -80,6 +105,13 @@ public:
         '<name>': its name contains '..'" (or another of the problems that
         ZELTPFileName names) before anything is written, when the program's
         original file name could not stay a single file name in `path`.
+
+        Throws ZELSysException "cannot write the NC: the ply name of
+        procedure 'P1' contains the line end U+000A" before anything is
+        written, when a text the files would print (the program's name,
+        revision and author, a layup procedure's name, its plies' names and
+        materials) holds a line end, another control character or a double
+        quote.
 
         Throws ZELSysException "cannot write the NC file '<file>': the
         <word> of line <n> is <nan|inf|-inf>, not a finite number" when a

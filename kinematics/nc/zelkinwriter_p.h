@@ -25,6 +25,7 @@ public:
     //! The time the files print; the current time while null.
     QDateTime currentDateTime;
     ZELKinWriter::LineTrace lineTrace;
+    bool chosenPlyMissing = false;
 };
 
 #endif // ZELKINWRITER_P_H

@@ -8,6 +8,7 @@
 #include "zelkinprobecommand.h"
 #include "zelkinprobeprocedure.h"
 #include "zelkinprogram.h"
+#include "zelkinprogramtext_p.h"
 #include "zelkinrolllayupposition.h"
 #include "zelkinrolllayupprocedure.h"
 #include "zelkinsolver.h"
@@ -51,10 +52,22 @@ void PrintLine(const QString& line)
     ZELKinSolverPrivate::PrintLine(line);
 }
 
+// The NC files print the author in comments and headers: a strange login
+// name is refused here, naming the variable to fix, rather than written.
 QString AuthorFromEnvironment()
 {
-    const QString user = qEnvironmentVariable("USER");
-    return user.isEmpty() ? qEnvironmentVariable("USERNAME") : user;
+    const char* variable = "USER";
+    QString author = qEnvironmentVariable(variable);
+    if (author.isEmpty()) {
+        variable = "USERNAME";
+        author = qEnvironmentVariable(variable);
+    }
+    const QString problem = ZELKinProgramText::GetProblem(author);
+    if (!problem.isEmpty())
+        throw ZELSysException(ZELKinTranslator::tr("the author's name from the environment variable %1 contains %2; "
+                                                   "set %1 to a name without control characters or double quotes")
+                                  .arg(QLatin1String(variable), problem));
+    return author;
 }
 
 double FeedrateOf(const ZELTPTrajectory* trajectory)
@@ -491,9 +504,10 @@ ZELKinProgram* ZELKinTranslator::Translate(const ZELTPProgram* program) const
 {
     Q_D(const ZELKinTranslator);
     d->omissions.clear();
+    const QString author = AuthorFromEnvironment();
     PrintLine(tr("Translating the program"));
     auto* result = Create<ZELKinProgram>(d->solver->GetMachine());
-    result->SetAuthor(AuthorFromEnvironment());
+    result->SetAuthor(author);
     result->SetDate(d->GetProgramDate());
     const int numProcedures = program ? program->GetNumProcedures() : 0;
     for (int i = 0; i < numProcedures; ++i)

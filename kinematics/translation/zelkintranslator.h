@@ -34,7 +34,9 @@ class ZELTPProgram;
     the toolpath procedure's name.
 
     The program's author is the environment variable USER, or USERNAME when
-    USER is empty; its date is the one given to SetCurrentDateTime.
+    USER is empty; its date is the one given to SetCurrentDateTime. The NC
+    files print the author, so an author that holds a control character or
+    a double quote is refused before anything is translated.
 
     Lengths are in mm and angles in rad throughout, as in both models.
 */
@@ -111,6 +113,13 @@ public:
         A link position's feed rate is that of its point's trajectory
         (ZELTPPoint::GetTrajectory). On a tool change link the tool change
         follows the first position of the tool-remove point.
+
+        Throws ZELSysException "the author's name from the environment
+        variable USER contains the line end U+000A; set USER to a name
+        without control characters or double quotes" (USERNAME when that is
+        the variable read) before anything is printed or built, when the
+        author holds a line end, another control character or a double
+        quote.
 
         Throws ZELSysException "not a tow trajectory" when a trajectory
         between a course's roll-in and roll-out does not lay tows, and what

@@ -216,6 +216,109 @@ TEST(ZELKinPostCommand, OnePlyModeReadsThePlyFromStandardInputAndReplacesItsSect
     EXPECT_EQ(ReadAll(bundle), before);
 }
 
+TEST(ZELKinPostCommand, OnePlyModeGivenANumberNoPlyHasFailsAndWritesNothing)
+{
+    const Posting posting;
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+
+    const ZELKinToolRun run = posting.Post(output, {QStringLiteral("--ply-to-process"), QStringLiteral("ONEPLY")},
+                                           QByteArrayLiteral("0109\n"));
+
+    EXPECT_EQ(run.exitCode, 1);
+    const QStringList lines = run.GetErrorLines();
+    EXPECT_TRUE(lines.contains(QStringLiteral("zelkin: error: the ply number read from standard input is not one of "
+                                              "the program's; nothing was written")))
+        << run.standardError.toStdString();
+    EXPECT_TRUE(run.standardError.contains(QStringLiteral("Could not process 0109: procedure not found")));
+    EXPECT_FALSE(QFileInfo::exists(output + QStringLiteral("_procedures")));
+    EXPECT_FALSE(QFileInfo::exists(output));
+}
+
+TEST(ZELKinPostCommand, AnAuthorWithALineEndFromTheEnvironmentWritesNothing)
+{
+    const Posting posting;
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+    QProcessEnvironment environment = ReproducibleEnvironment();
+    environment.insert(QStringLiteral("USER"), QStringLiteral("jdoe\nM30"));
+
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), posting.toolpath, QStringLiteral("--output"),
+                                         output},
+                                        environment);
+
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(
+        run.GetErrorLines(),
+        QStringList({QStringLiteral("zelkin: error: the author's name from the environment variable USER contains "
+                                    "the line end U+000A; set USER to a name without control characters or "
+                                    "double quotes")}));
+    EXPECT_EQ(FilesBelow(posting.directory.path()), QStringList({QStringLiteral("flat.json")}));
+}
+
+namespace {
+
+// The toolpath document `document` with every tow width given as `width`.
+QString WithTowWidth(QString document, const QString& width)
+{
+    return document.replace(QStringLiteral("\"towWidth\": 6.35"), QStringLiteral("\"towWidth\": ") + width);
+}
+
+QStringList WarningLines(const ZELKinToolRun& run)
+{
+    QStringList warnings;
+    for (const QString& line : run.GetErrorLines()) {
+        if (line.startsWith(QLatin1String("zelkin: warning: ")))
+            warnings.append(line);
+    }
+    return warnings;
+}
+
+} // namespace
+
+TEST(ZELKinPostCommand, ATowWidthOtherThanTheMachinesIsOneWarningNamingBoth)
+{
+    const Posting posting(WithTowWidth(ZELKinTestToolpath::Document(), QStringLiteral("3.175")));
+
+    const ZELKinToolRun run = posting.Post(posting.PathOf(QStringLiteral("nc")));
+
+    EXPECT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_EQ(WarningLines(run),
+              QStringList({QStringLiteral(
+                  "zelkin: warning: the toolpath's tow width 3.175 mm at "
+                  "$.program.procedures[0].courses[0].machineConfiguration.head.towWidth differs from the machine's "
+                  "6.35 mm (the tow-width attribute of the machine description's root element)")}));
+}
+
+TEST(ZELKinPostCommand, TowWidthsOtherThanTheMachinesInSeveralCoursesAreOneWarningForThePost)
+{
+    using namespace ZELKinTestToolpath;
+    const Posting posting(
+        WithTowWidth(ProgramDocument(QStringLiteral("flat-test"), QStringLiteral("B"),
+                                     QJsonArray{ProbingProcedure(), LayupProcedure(QStringLiteral("ply one"), false),
+                                                LayupProcedure(QStringLiteral("ply two"), false)}),
+                     QStringLiteral("6.5")));
+
+    const ZELKinToolRun run = posting.Post(posting.PathOf(QStringLiteral("nc")));
+
+    EXPECT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_EQ(WarningLines(run),
+              QStringList({QStringLiteral(
+                  "zelkin: warning: the toolpath's tow width 6.5 mm at "
+                  "$.program.procedures[1].courses[0].machineConfiguration.head.towWidth differs from the machine's "
+                  "6.35 mm (the tow-width attribute of the machine description's root element); 2 courses differ in "
+                  "all")}));
+}
+
+TEST(ZELKinPostCommand, ATowWidthWithinAThousandthOfAMillimetreOfTheMachinesIsNoWarning)
+{
+    const Posting posting(WithTowWidth(ZELKinTestToolpath::Document(), QStringLiteral("6.3505")));
+
+    const ZELKinToolRun run = posting.Post(posting.PathOf(QStringLiteral("nc")));
+
+    EXPECT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_EQ(WarningLines(run), QStringList());
+}
+
 namespace {
 
 // The toolpath's one layup turns over at its course's point 8: the wrist
@@ -413,14 +516,30 @@ INSTANTIATE_TEST_SUITE_P(
                   {QStringLiteral("--machine"), QStringLiteral("m.xml"), QStringLiteral("--toolpath"),
                    QStringLiteral("t.json")},
                   "missing the option --output"},
-        UsageCase{"NoMachine", {QStringLiteral("--toolpath"), QStringLiteral("t.json"), QStringLiteral("--output"),
-                                QStringLiteral("out")},
-                  "missing the option --machine"},
+        UsageCase{
+            "NoMachine",
+            {QStringLiteral("--toolpath"), QStringLiteral("t.json"), QStringLiteral("--output"), QStringLiteral("out")},
+            "missing the option --machine"},
         UsageCase{"UnknownFormat",
                   {QStringLiteral("--machine"), QStringLiteral("m.xml"), QStringLiteral("--toolpath"),
                    QStringLiteral("t.json"), QStringLiteral("--output"), QStringLiteral("out"),
                    QStringLiteral("--format"), QStringLiteral("VendorAFPGCode")},
-                  "unknown NC format 'VendorAFPGCode' (known: AFPGCode)"}),
+                  "unknown NC format 'VendorAFPGCode' (known: AFPGCode)"},
+        UsageCase{"UnknownWriterOption",
+                  {QStringLiteral("--machine"), QStringLiteral("m.xml"), QStringLiteral("--toolpath"),
+                   QStringLiteral("t.json"), QStringLiteral("--output"), QStringLiteral("out"),
+                   QStringLiteral("--options"), QStringLiteral("tooling-retract: 25.4; retract: 1")},
+                  "unknown writer option 'retract' (known: tooling-retract, pinch-max-length, pinch-release-length)"},
+        UsageCase{"WriterOptionNotFinite",
+                  {QStringLiteral("--machine"), QStringLiteral("m.xml"), QStringLiteral("--toolpath"),
+                   QStringLiteral("t.json"), QStringLiteral("--output"), QStringLiteral("out"),
+                   QStringLiteral("--options"), QStringLiteral("tooling-retract: inf")},
+                  "writer option 'tooling-retract': 'inf' is not a finite number"},
+        UsageCase{"UnknownPlyToProcess",
+                  {QStringLiteral("--machine"), QStringLiteral("m.xml"), QStringLiteral("--toolpath"),
+                   QStringLiteral("t.json"), QStringLiteral("--output"), QStringLiteral("out"),
+                   QStringLiteral("--ply-to-process"), QStringLiteral("0101")},
+                  "unknown ply to process '0101' (known: ONEPLY)"}),
     [](const ::testing::TestParamInfo<UsageCase>& info) { return std::string(info.param.name); });
 
 TEST(ZELKinPostCommand, TheSameInputsAndSourceDateGiveTheSameFilesInAFolderSolvedOnEveryCore)

@@ -3,6 +3,12 @@
 
 #include "zelkinnctestprograms.h"
 
+#include <zelsysexception.h>
+
+#include <QFileInfo>
+
+#include <limits>
+
 using ZELTest::NCFixture;
 
 namespace {
@@ -82,6 +88,23 @@ TEST_F(ZELKinAFPGCodeTowEventsTest, TheAddPinchGrowsWithTheLargestTowRate)
     EXPECT_EQ(Events(),
               QStringList({kStart, Event("0.000A/B[0001]"), Event("10.000A/B[0002]"), Event("22.700A/E[0002]"),
                            Event("31.750A/E[0001]")}));
+}
+
+// Line 34 of a ply file without plies: 3 head lines, 21 start-up lines,
+// the message, the retract model, the material, 4 more lines, the course
+// record and the "G400U0" line come before it.
+TEST_F(ZELKinAFPGCodeTowEventsTest, AnEventAtAUThatIsNotFiniteFailsThePlyFile)
+{
+    Position();
+    f.AddCoursePosition(
+        course, ++n, {10.0, 0.0, 0.0, ZELTest::kNaN, ZELTest::kNaN, std::numeric_limits<double>::infinity()}, 2540.0);
+    Tow(ZELKinTowCommand::Add, 0x3);
+    Position();
+    const QString plyFile = QDir(f.output.path()).filePath(QStringLiteral("PART/PART#0101.PPF"));
+    EXPECT_THROW_MESSAGE(
+        f.WriteAndRead(QStringLiteral("PART#0101.PPF")), ZELSysException,
+        QStringLiteral("cannot write the NC file '%1': the U of line 34 is inf, not a finite number").arg(plyFile));
+    EXPECT_FALSE(QFileInfo::exists(plyFile));
 }
 
 TEST_F(ZELKinAFPGCodeTowEventsTest, CutForceAndReleaseGiveOneEventEach)

@@ -101,13 +101,15 @@ protected:
         writer.Write(path, format, options);
     }
 
-    void WriteOnePly(const QString& path)
+    //! Whether the writer found the chosen ply missing.
+    bool WriteOnePly(const QString& path)
     {
         ZELKinWriter writer(f.program);
         QString ply = QStringLiteral("ONEPLY");
         writer.SetPlyToProcess(ply);
         writer.SetCurrentDateTime(NCFixture::Now());
         writer.Write(path, kFormat, QString());
+        return writer.IsChosenPlyMissing();
     }
 
     QString Output(const QString& relative = QString()) const
@@ -434,6 +436,16 @@ TEST_F(ZELKinWriterTest, AToolingRetractThatIsNotANumberFailsTheProbingFile)
     EXPECT_FALSE(QFileInfo::exists(probingFile));
 }
 
+TEST_F(ZELKinWriterTest, ATextWithALineEndIsRefusedBeforeAnyFileIsWritten)
+{
+    f.BuildPart();
+    f.program->SetAuthor(QStringLiteral("jdoe\nM30"));
+    for (const QString& path : {Output(QStringLiteral("nc")), Output(QStringLiteral("PART.bun"))})
+        EXPECT_THROW_MESSAGE(Write(path), ZELSysException,
+                             "cannot write the NC: the author contains the line end U+000A");
+    EXPECT_EQ(EntriesOf(Output()), QStringList());
+}
+
 TEST_F(ZELKinWriterTest, AWriterWithoutAProgramWritesNothing)
 {
     ZELKinWriter writer(static_cast<ZELKinProgram*>(nullptr));
@@ -483,6 +495,73 @@ TEST_P(ZELKinWriterOptionsTest, ToolingRetractIsReadFromTheOptionsText)
 }
 
 INSTANTIATE_TEST_SUITE_P(Options, ZELKinWriterOptionsTest, ::testing::ValuesIn(kOptionsCases));
+
+// Checking an options text before writing
+
+namespace {
+
+struct CheckedOptionsCase
+{
+    const char* name;
+    const char* options;
+    //! Empty for a text the check accepts.
+    const char* message;
+};
+ZELTEST_PRINT_CASE_BY_NAME(CheckedOptionsCase);
+
+class ZELKinWriterCheckOptionsTest : public ::testing::TestWithParam<CheckedOptionsCase>
+{
+};
+
+const CheckedOptionsCase kCheckedOptionsCases[] = {
+    {"NoOptions", "", ""},
+    {"EmptyItemsAndBlanks", " ; ;tooling-retract: 25.4;", ""},
+    {"EveryKeyOnce", "tooling-retract: 0; pinch-max-length: 300; pinch-release-length: 100000", ""},
+    {"SpacesAroundKeyAndValue", "  tooling-retract :\t1000 ", ""},
+    {"UnknownKey", "bogus: 3",
+     "unknown writer option 'bogus' (known: tooling-retract, pinch-max-length, pinch-release-length)"},
+    {"KeyInAnotherCase", "Tooling-Retract: 25.4",
+     "unknown writer option 'Tooling-Retract' (known: tooling-retract, pinch-max-length, pinch-release-length)"},
+    {"EmptyKey", ": 25.4", "unknown writer option '' (known: tooling-retract, pinch-max-length, pinch-release-length)"},
+    {"KeyWithoutAValue", "tooling-retract", "writer option 'tooling-retract' has no value"},
+    {"EmptyValue", "tooling-retract:", "writer option 'tooling-retract': '' is not a number"},
+    {"ValueWithAUnit", "tooling-retract: 1 in", "writer option 'tooling-retract': '1 in' is not a number"},
+    {"TwoValues", "tooling-retract: 1: 2", "writer option 'tooling-retract': '1: 2' is not a number"},
+    {"NaN", "tooling-retract: nan", "writer option 'tooling-retract': 'nan' is not a finite number"},
+    {"Infinity", "pinch-max-length: inf; pinch-release-length: 1",
+     "writer option 'pinch-max-length': 'inf' is not a finite number"},
+    {"BeyondADouble", "tooling-retract: 1e999", "writer option 'tooling-retract': '1e999' is not a finite number"},
+    {"RetractAboveItsRange", "tooling-retract: 1e300",
+     "writer option 'tooling-retract': '1e300' is outside the range 0 <= length <= 1000 mm"},
+    {"RetractJustAboveItsRange", "tooling-retract: 1000.001",
+     "writer option 'tooling-retract': '1000.001' is outside the range 0 <= length <= 1000 mm"},
+    {"RetractNegative", "tooling-retract: -1",
+     "writer option 'tooling-retract': '-1' is outside the range 0 <= length <= 1000 mm"},
+    {"PinchLengthZero", "pinch-max-length: 0; pinch-release-length: 1",
+     "writer option 'pinch-max-length': '0' is outside the range 0 < length <= 100000 mm"},
+    {"PinchReleaseAboveItsRange", "pinch-max-length: 1; pinch-release-length: 100001",
+     "writer option 'pinch-release-length': '100001' is outside the range 0 < length <= 100000 mm"},
+    {"KeyGivenTwice", "tooling-retract: 25.4; tooling-retract: 76.2", "writer option 'tooling-retract' is given twice"},
+    {"PinchMaxLengthAlone", "pinch-max-length: 300",
+     "writer option 'pinch-max-length' does nothing without 'pinch-release-length'"},
+    {"PinchReleaseLengthAlone", "tooling-retract: 1; pinch-release-length: 25",
+     "writer option 'pinch-release-length' does nothing without 'pinch-max-length'"},
+    {"FirstProblemIsNamed", "tooling-retract: x; bogus: 1", "writer option 'tooling-retract': 'x' is not a number"},
+};
+
+} // namespace
+
+TEST_P(ZELKinWriterCheckOptionsTest, NamesWhatTheWriterWouldNotUseAsWritten)
+{
+    const CheckedOptionsCase& c = GetParam();
+    const QString options = QString::fromUtf8(c.options);
+    if (QString::fromUtf8(c.message).isEmpty())
+        EXPECT_NO_THROW(ZELKinWriter::CheckOptions(options));
+    else
+        EXPECT_THROW_MESSAGE(ZELKinWriter::CheckOptions(options), ZELSysException, QString::fromUtf8(c.message));
+}
+
+INSTANTIATE_TEST_SUITE_P(Options, ZELKinWriterCheckOptionsTest, ::testing::ValuesIn(kCheckedOptionsCases));
 
 // Fatal paths
 
@@ -564,7 +643,9 @@ TEST_F(ZELKinWriterTest, ABundleFolderThatCannotBeMadeEndsTheProcess)
 }
 
 // Single-ply mode: the child of each death test reads the ply number from
-// a file put in place of its standard input.
+// a file put in place of its standard input, and exits with this status
+// when the writer says that no ply has it.
+constexpr int kChosenPlyMissing = 4;
 
 TEST_F(ZELKinWriterTest, OnePlyListsThePliesAndWritesOnlyTheChosenPlyFile)
 {
@@ -577,8 +658,7 @@ TEST_F(ZELKinWriterTest, OnePlyListsThePliesAndWritesOnlyTheChosenPlyFile)
         {
             // Spaces around the number and a carriage return do not count.
             FeedStandardInput(Output(), QStringLiteral("  0102 \r\n"));
-            WriteOnePly(Output(QStringLiteral("nc")));
-            std::_Exit(0);
+            std::_Exit(WriteOnePly(Output(QStringLiteral("nc"))) ? kChosenPlyMissing : 0);
         },
         ::testing::ExitedWithCode(0), ZELTest::Literally(prompt));
     EXPECT_EQ(EntriesOf(Output()), QStringList({QStringLiteral("nc_procedures"), QStringLiteral("stdin.txt")}));
@@ -602,8 +682,7 @@ TEST_F(ZELKinWriterTest, OnePlyReplacesItsSectionOfTheBundleAndKeepsTheRest)
     EXPECT_EXIT(
         {
             FeedStandardInput(Output(), QStringLiteral("0102\n"));
-            WriteOnePly(bundle);
-            std::_Exit(0);
+            std::_Exit(WriteOnePly(bundle) ? kChosenPlyMissing : 0);
         },
         ::testing::ExitedWithCode(0), "Enter PROCEDURE to process");
 
@@ -619,6 +698,28 @@ TEST_F(ZELKinWriterTest, OnePlyReplacesItsSectionOfTheBundleAndKeepsTheRest)
     EXPECT_FALSE(before.contains(QStringLiteral(";[PLY] PlyId=NEW,")));
 }
 
+TEST_F(ZELKinWriterTest, OnePlyReadFromAnEmptyStandardInputIsMissing)
+{
+    UseForkingDeathTests();
+    BuildTwoPlies(f);
+    EXPECT_EXIT(
+        {
+            FeedStandardInput(Output(), QString());
+            std::_Exit(WriteOnePly(Output(QStringLiteral("nc"))) ? kChosenPlyMissing : 0);
+        },
+        ::testing::ExitedWithCode(kChosenPlyMissing),
+        ZELTest::Literally(QStringLiteral("Could not process : procedure not found")));
+    EXPECT_EQ(EntriesOf(Output()), QStringList({QStringLiteral("stdin.txt")}));
+}
+
+TEST_F(ZELKinWriterTest, AWriteOfEveryPlyFindsNoChosenPlyMissing)
+{
+    BuildTwoPlies(f);
+    ZELKinWriter writer(f.program);
+    writer.Write(Output(QStringLiteral("nc")), kFormat, QString());
+    EXPECT_FALSE(writer.IsChosenPlyMissing());
+}
+
 TEST_F(ZELKinWriterTest, OnePlyOfAnUnknownNumberIsReportedAndWritesNothing)
 {
     UseForkingDeathTests();
@@ -629,10 +730,9 @@ TEST_F(ZELKinWriterTest, OnePlyOfAnUnknownNumberIsReportedAndWritesNothing)
     EXPECT_EXIT(
         {
             FeedStandardInput(Output(), QStringLiteral("0109\n"));
-            WriteOnePly(bundle);
-            std::_Exit(0);
+            std::_Exit(WriteOnePly(bundle) ? kChosenPlyMissing : 0);
         },
-        ::testing::ExitedWithCode(0),
+        ::testing::ExitedWithCode(kChosenPlyMissing),
         ZELTest::Literally(QStringLiteral("Could not process 0109: procedure not found")));
     EXPECT_EQ(NCFixture::ReadText(bundle), before);
     EXPECT_EQ(EntriesOf(Output()), QStringList({QStringLiteral("PART.bun"), QStringLiteral("stdin.txt")}));

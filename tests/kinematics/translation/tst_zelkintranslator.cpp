@@ -30,6 +30,7 @@
 #include <QSet>
 #include <QStringList>
 
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -39,6 +40,7 @@ namespace {
 
 // Positions lie on their toolpath points to a fraction of a micrometre.
 constexpr double kTip = 1e-6;
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 const QDateTime kDate(QDate(2024, 5, 17), QTime(8, 30, 15));
 
@@ -277,6 +279,62 @@ INSTANTIATE_TEST_SUITE_P(
                       AuthorCase{"NoUser", std::nullopt, QByteArray("grace"), QStringLiteral("grace")},
                       AuthorCase{"Neither", std::nullopt, std::nullopt, QString()}),
     CaseName<AuthorCase>);
+
+namespace {
+
+struct RefusedAuthorCase
+{
+    const char* name;
+    std::optional<QByteArray> user;
+    std::optional<QByteArray> userName;
+    QString message;
+};
+ZELTEST_PRINT_CASE_BY_NAME(RefusedAuthorCase);
+
+class ZELKinTranslatorRefusedAuthor : public ZELKinTranslatorTest,
+                                      public ::testing::WithParamInterface<RefusedAuthorCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinTranslatorRefusedAuthor, NamesTheVariableToFixBeforeAnythingIsPrinted)
+{
+    const EnvironmentGuard user("USER", GetParam().user);
+    const EnvironmentGuard userName("USERNAME", GetParam().userName);
+    builder.AddFlatLayup(QStringLiteral("ply one"));
+    EXPECT_THROW_MESSAGE(Translate(), ZELSysException, GetParam().message);
+    EXPECT_EQ(output, QString());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Environment, ZELKinTranslatorRefusedAuthor,
+    ::testing::Values(
+        RefusedAuthorCase{"LineFeedInUser", QByteArray("ada\nM30"), QByteArray("grace"),
+                          QStringLiteral("the author's name from the environment variable USER contains the line end "
+                                         "U+000A; set USER to a name without control characters or double quotes")},
+        RefusedAuthorCase{"CarriageReturnInUsername", QByteArray(""), QByteArray("grace\r"),
+                          QStringLiteral("the author's name from the environment variable USERNAME contains the line "
+                                         "end U+000D; set USERNAME to a name without control characters or double "
+                                         "quotes")},
+        RefusedAuthorCase{"EscapeInUser", QByteArray("a\x1b[2Jda"), std::nullopt,
+                          QStringLiteral("the author's name from the environment variable USER contains the control "
+                                         "character U+001B; set USER to a name without control characters or double "
+                                         "quotes")},
+        RefusedAuthorCase{"DoubleQuoteInUsername", std::nullopt, QByteArray("gr\"ace"),
+                          QStringLiteral("the author's name from the environment variable USERNAME contains a double "
+                                         "quote; set USERNAME to a name without control characters or double "
+                                         "quotes")},
+        RefusedAuthorCase{"LineSeparatorInUser", QByteArray("ada\xe2\x80\xa8"), std::nullopt,
+                          QStringLiteral("the author's name from the environment variable USER contains the line end "
+                                         "U+2028; set USER to a name without control characters or double quotes")}),
+    CaseName<RefusedAuthorCase>);
+
+TEST_F(ZELKinTranslatorTest, AnAuthorOfOtherLettersAndPunctuationIsKept)
+{
+    const EnvironmentGuard user("USER", QByteArray("j\xc3\xb6rg.o'neil-2"));
+    EXPECT_EQ(Translate()->GetAuthor(), QStringLiteral("j\u00f6rg.o'neil-2"));
+}
 
 TEST_F(ZELKinTranslatorTest, StampsTheProgramWithTheDateGiven)
 {
@@ -746,7 +804,9 @@ INSTANTIATE_TEST_SUITE_P(Widths, ZELKinTranslatorRollerTows,
                                            RollerCase{"TwelveTowsWide", 76.2, 6.35, 12},
                                            RollerCase{"WithinTheAllowanceBelowEightTows", 50.7995, 6.35, 8},
                                            RollerCase{"BeyondTheAllowanceBelowEightTows", 50.79, 6.35, 7},
-                                           RollerCase{"HeadWithoutTowWidth", 50.8, 0.0, 0}),
+                                           RollerCase{"HeadWithoutTowWidth", 50.8, 0.0, 0},
+                                           RollerCase{"TowWidthNotANumber", 50.8, ZELTest::kNaN, 0},
+                                           RollerCase{"RollerOfInfiniteWidth", kInfinity, 6.35, 0}),
                          CaseName<RollerCase>);
 
 // Course positions.

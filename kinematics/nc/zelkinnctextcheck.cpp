@@ -2,10 +2,10 @@
 
 #include "zelkinafpgcodeplies_p.h"
 #include "zelkinprogram.h"
-#include "zelkinprogramtext_p.h"
 #include "zelkinrolllayupprocedure.h"
 
 #include <zelsysexception.h>
+#include <zeltptext.h>
 
 void ZELKinNCTextCheck::Check(const ZELKinProgram* program)
 {
@@ -30,7 +30,7 @@ void ZELKinNCTextCheck::CheckProcedure(const ZELKinRollLayupProcedure* procedure
 
 void ZELKinNCTextCheck::CheckField(const QString& field, const QString& text)
 {
-    const QString problem = ZELKinProgramText::GetProblem(text);
+    const QString problem = ZELTPText::DescribeFirstUnfitCharacter(text);
     if (!problem.isEmpty())
         throw ZELSysException(QStringLiteral("cannot write the NC: the %1 contains %2").arg(field, problem));
 }

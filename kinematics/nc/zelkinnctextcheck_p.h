@@ -14,7 +14,8 @@ class ZELKinRollLayupProcedure;
     revision and author, and of each roll layup procedure its name and its
     plies' names and materials. A line end in one of them would start a
     line the controller runs as a block of its own; a double quote would end
-    a quoted string (GUD_EID="...") early. The rule is ZELKinProgramText's.
+    a quoted string (GUD_EID="...") early. The rule is the toolpath
+    reader's own (ZELTPText).
 */
 class ZELKINEMATICS_EXPORT ZELKinNCTextCheck
 {

@@ -8,7 +8,6 @@
 #include "zelkinprobecommand.h"
 #include "zelkinprobeprocedure.h"
 #include "zelkinprogram.h"
-#include "zelkinprogramtext_p.h"
 #include "zelkinrolllayupposition.h"
 #include "zelkinrolllayupprocedure.h"
 #include "zelkinsolver.h"
@@ -26,6 +25,7 @@
 #include <zeltprolllayupprocedure.h>
 #include <zeltptoolchangelink.h>
 #include <zeltptowcourse.h>
+#include <zeltptext.h>
 #include <zeltptowtrajectory.h>
 
 #include <QSet>
@@ -62,7 +62,7 @@ QString AuthorFromEnvironment()
         variable = "USERNAME";
         author = qEnvironmentVariable(variable);
     }
-    const QString problem = ZELKinProgramText::GetProblem(author);
+    const QString problem = ZELTPText::DescribeFirstUnfitCharacter(author);
     if (!problem.isEmpty())
         throw ZELSysException(ZELKinTranslator::tr("the author's name from the environment variable %1 contains %2; "
                                                    "set %1 to a name without control characters or double quotes")

@@ -36,12 +36,18 @@ QString ZELTPText::DescribeUnfitCharacter(QChar character)
     return QString();
 }
 
-QString ZELTPText::GetProblem(const QString& text)
+QString ZELTPText::DescribeFirstUnfitCharacter(const QString& text)
 {
     for (const QChar character : text) {
-        const QString unfit = DescribeUnfitCharacter(character);
+        QString unfit = DescribeUnfitCharacter(character);
         if (!unfit.isEmpty())
-            return Tr("text contains %1").arg(unfit);
+            return unfit;
     }
     return QString();
+}
+
+QString ZELTPText::GetProblem(const QString& text)
+{
+    const QString unfit = DescribeFirstUnfitCharacter(text);
+    return unfit.isEmpty() ? QString() : Tr("text contains %1").arg(unfit);
 }

@@ -23,6 +23,9 @@ public:
     //! a NUL character", "text contains the control character U+001B");
     //! empty when the text is fit. The first unfit character is named.
     static QString GetProblem(const QString& text);
+    //! The first unfit character of `text` as a problem phrase (as
+    //! DescribeUnfitCharacter gives it); empty when the text is fit.
+    static QString DescribeFirstUnfitCharacter(const QString& text);
     static bool IsValid(const QString& text) { return GetProblem(text).isEmpty(); }
 
     //! `character` as a problem phrase ("the line end U+000A", "a double

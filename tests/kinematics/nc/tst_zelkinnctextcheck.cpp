@@ -75,7 +75,7 @@ const std::vector<SpoiledTextCase> kSpoiledTextCases{
     {"EscapeInAMaterial", Field::Material, With("IM", 0x001B, "7"),
      "cannot write the NC: the material of procedure 'Ply A' contains the control character U+001B"},
     {"NulInTheRevision", Field::Revision, With("B", 0x0000, ""),
-     "cannot write the NC: the revision contains the control character U+0000"},
+     "cannot write the NC: the revision contains a NUL character"},
     {"TabInAPlyName", Field::PlyName, With("P", u'\t', "3"),
      "cannot write the NC: the ply name of procedure 'Ply A' contains the control character U+0009"},
     {"DeleteInTheProgramName", Field::ProgramName, With("PART", 0x007F, ""),

@@ -182,8 +182,7 @@ void ZELKinAFPGCodeWriter::WriteDirectory(ZELKinProgram* program) const
     MakeOutputDirectory(outputPath);
     ZELKinStagingFolder staging(outputPath, name);
     if (!staging.Create())
-        Fail(WithReason(tr("Could not create the part output directory '%1'").arg(InLatin1(name)),
-                        staging.GetErrorString()));
+        FailPartFolder(name, staging.GetErrorString());
     const QDir target(QDir(outputPath).filePath(name));
     const QDir stagingFolder(staging.GetPath());
     const auto staged = [&](const QString& fileName) {
@@ -201,8 +200,7 @@ void ZELKinAFPGCodeWriter::WriteDirectory(ZELKinProgram* program) const
                       ProbingText(probe));
     }
     if (!staging.Publish())
-        Fail(WithReason(tr("Could not create the part output directory '%1'").arg(InLatin1(name)),
-                        staging.GetErrorString()));
+        FailPartFolder(name, staging.GetErrorString());
 }
 
 void ZELKinAFPGCodeWriter::WriteBundle(ZELKinProgram* program) const
@@ -315,9 +313,13 @@ QString ZELKinAFPGCodeWriter::MakePartFolder(const QString& directory, const QSt
     std::error_code error;
     std::filesystem::create_directory(NativePath(folder), error);
     if (error)
-        Fail(WithReason(tr("Could not create the part output directory '%1'").arg(InLatin1(name)),
-                        qt_error_string(error.value())));
+        FailPartFolder(name, qt_error_string(error.value()));
     return folder;
+}
+
+void ZELKinAFPGCodeWriter::FailPartFolder(const QString& name, const QString& reason)
+{
+    Fail(WithReason(tr("Could not create the part output directory '%1'").arg(InLatin1(name)), reason));
 }
 
 ZELKinAFPGCodeWriter::OutputFile ZELKinAFPGCodeWriter::InPlace(const QString& fileName)

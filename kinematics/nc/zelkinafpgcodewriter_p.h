@@ -95,6 +95,7 @@ private:
     static void MakeOutputDirectory(const QString& directory);
     //! Makes `directory` and its folder `name`; returns the folder's path.
     static QString MakePartFolder(const QString& directory, const QString& name);
+    [[noreturn]] static void FailPartFolder(const QString& name, const QString& reason);
     //! Writes the file in full through `write`, then puts it in place.
     //! `failure` is the fatal message, "%1" standing for the file name.
     void WriteFile(const OutputFile& target, const QString& failure, const TextWriter& write) const;

@@ -2,11 +2,16 @@
 
 #include "zelkinarguments.h"
 #include "zelkinclock.h"
+#include "zelkinconsole.h"
 #include "zelkinoutputfile.h"
 #include "zelkinpositioncsv.h"
 #include "zelkintranslationjob.h"
 
+#include <zelkinprogram.h>
 #include <zelkinwriter.h>
+
+#include <QDir>
+#include <QFileInfo>
 
 #include <optional>
 
@@ -24,6 +29,25 @@ const QString KeepGoingOption = QStringLiteral("keep-going");
 
 // The one dialect the writer knows; any other name would write nothing.
 const QString AFPGCodeFormat = QStringLiteral("AFPGCode");
+const QString BundleSuffix = QStringLiteral("bun");
+const QString AptsourceSuffix = QStringLiteral("aptsource");
+const QString SinglePly = QStringLiteral("ONEPLY");
+
+// The file the writer writes for `output`: a path ending in .aptsource
+// writes the bundle beside it.
+QString WrittenFile(const QString& output)
+{
+    if (QFileInfo(output).suffix() != AptsourceSuffix)
+        return output;
+    return output.left(output.lastIndexOf(QLatin1Char('.')) + 1) + BundleSuffix;
+}
+
+// Whether the post replaces the folder of the program in `output` whole.
+bool ReplacesAFolder(const QString& output, const QString& ply)
+{
+    const QString suffix = QFileInfo(output).suffix();
+    return suffix != BundleSuffix && suffix != AptsourceSuffix && ply != SinglePly;
+}
 
 QString FormatOf(const ZELKinArguments& arguments, const QString& command)
 {
@@ -148,6 +172,10 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     parsed.RequireAtMostPositionals(0);
     const QString format = FormatOf(parsed, GetName());
     const QString output = parsed.GetRequiredValue(OutputOption);
+    const QStringList inputs{MachineOption, ToolpathOption};
+    parsed.RequirePaths(inputs + QStringList{OutputOption, DebugPathOption, TraceOption});
+    parsed.RequireNotAnInput(OutputOption, WrittenFile(output), inputs);
+    parsed.RequireNotAnInput(TraceOption, parsed.GetValue(TraceOption), inputs);
     // Kept from the start, so that a post that fails leaves as quickly as
     // one that writes.
     ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(
@@ -155,10 +183,12 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
                                                                            parsed.GetRequiredValue(ToolpathOption),
                                                                            parsed.GetValue(DebugPathOption)}));
     job.RequireDeliverable(parsed.IsSet(KeepGoingOption));
+    QString ply = parsed.GetValue(PlyOption);
+    if (ReplacesAFolder(output, ply))
+        parsed.RequireOutside(OutputOption, QDir(output).filePath(job.GetProgram()->GetOriginalFileName()), inputs);
 
     ZELKinWriter writer(job.GetProgram());
     writer.SetCurrentDateTime(ZELKinClock::Now());
-    QString ply = parsed.GetValue(PlyOption);
     writer.SetPlyToProcess(ply);
     std::optional<LineTraceCsv> trace;
     if (parsed.IsSet(TraceOption)) {
@@ -167,6 +197,9 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
             trace->Trace(file, line, position);
         });
     }
+    // Progress lines that were lost (a full disk, a closed stdout) fail the
+    // post while it has written nothing yet.
+    ZELKinConsole::FlushStandardOutput();
     writer.Write(output, format, parsed.GetValue(OptionsOption));
     if (trace)
         trace->Commit();

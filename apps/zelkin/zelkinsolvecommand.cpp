@@ -83,6 +83,8 @@ int ZELKinSolveCommand::Run(const QStringList& arguments)
                                   QCommandLineOption(CsvOption, QString(), QStringLiteral("FILE")),
                                   QCommandLineOption(KeepGoingOption)});
     parsed.RequireAtMostPositionals(0);
+    parsed.RequirePaths({MachineOption, ToolpathOption, CsvOption});
+    parsed.RequireNotAnInput(CsvOption, parsed.GetValue(CsvOption), {MachineOption, ToolpathOption});
     ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(std::make_unique<ZELKinTranslationJob>(
         ZELKinTranslationJob::Input{parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
                                     QString()}));

@@ -1,6 +1,7 @@
 #include "zelkinsolvecommand.h"
 
 #include "zelkinarguments.h"
+#include "zelkinconsole.h"
 #include "zelkinoutputfile.h"
 #include "zelkinpositioncsv.h"
 #include "zelkintranslationjob.h"
@@ -61,6 +62,8 @@ QString ZELKinSolveCommand::GetDescription() const
 void ZELKinSolveCommand::WriteCsv(const ZELKinProgram& program, const ZELKinArguments& parsed)
 {
     if (parsed.IsSet(CsvOption)) {
+        // Progress lines that were lost fail the command before it writes.
+        ZELKinConsole::FlushStandardOutput();
         ZELKinOutputFile csv(parsed.GetValue(CsvOption));
         if (!ZELKinPositionCsv::Write(program, csv.GetDevice()))
             csv.ThrowWriteError();

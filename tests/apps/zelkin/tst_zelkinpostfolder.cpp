@@ -16,6 +16,9 @@
 
 #include <iostream>
 #include <random>
+#include <string>
+
+#include <unistd.h>
 
 namespace {
 
@@ -65,7 +68,7 @@ protected:
     {
         folder = new QTemporaryDir;
         // Long enough to post that kills land in every part of the work.
-        large = MakePrograms(QStringLiteral("large"), QStringLiteral("10"), QStringLiteral("2500"));
+        large = MakePrograms(QStringLiteral("large"), QStringLiteral("10"), QStringLiteral("1500"));
         // Short, so that two posts end close together.
         small = MakePrograms(QStringLiteral("small"), QStringLiteral("4"), QStringLiteral("100"));
     }
@@ -173,7 +176,7 @@ TEST_F(ZELKinPostFolder, APostKilledAtAnyMomentLeavesTheOldSetOrTheNewSetWhole)
     ASSERT_TRUE(HoldsOneCompleteSet(output, large));
 
     constexpr unsigned kSeed = 20260117;
-    constexpr int kKills = 24;
+    constexpr int kKills = 20;
     std::mt19937 random(kSeed);
     std::uniform_int_distribution<qint64> moment(0, duration);
     std::cout << "kill moments drawn with seed " << kSeed << " over " << duration << " ms\n";
@@ -231,3 +234,77 @@ TEST_F(ZELKinPostFolder, TwoPostsOfOneProgramAtOnceLeaveOneCompleteSetAndNoStagi
             << "round " << round;
     }
 }
+
+TEST_F(ZELKinPostFolder, AToolpathKeptInsideTheProgramFolderIsRefusedAndTheFolderKept)
+{
+    const QString output = folder->filePath(QStringLiteral("inside"));
+    PutSetAt(output, small.oldSet);
+    const QString toolpath = QDir(output).filePath(kProgram + QStringLiteral("/toolpath.json"));
+    ASSERT_TRUE(QFile::copy(small.newToolpath, toolpath));
+    QMap<QString, QByteArray> before = small.oldSet;
+    before.insert(QStringLiteral("toolpath.json"),
+                  ContentsOf(QDir(output).filePath(kProgram)).value(QStringLiteral("toolpath.json")));
+
+    const ZELKinToolRun run = RunZelkin(PostArguments(toolpath, output), ReproducibleEnvironment());
+
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.GetErrorLines().first(),
+              QStringLiteral("zelkin: error: --toolpath reads a file inside '%1', which --output replaces")
+                  .arg(QDir(output).filePath(kProgram)));
+    EXPECT_EQ(ContentsOf(QDir(output).filePath(kProgram)), before);
+    EXPECT_EQ(HiddenEntriesOf(output), QStringList());
+}
+
+namespace {
+
+struct OtherNameCase
+{
+    const char* name;
+    bool (*make)(const QString& file, const QString& otherName);
+};
+
+void PrintTo(const OtherNameCase& c, std::ostream* out)
+{
+    *out << c.name;
+}
+
+class ZELKinPostOntoTheToolpath : public ::testing::TestWithParam<OtherNameCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinPostOntoTheToolpath, IsRefusedBeforeAnythingIsReadAndTheToolpathKept)
+{
+    QTemporaryDir directory;
+    const QString toolpath = directory.filePath(QStringLiteral("wing.json"));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/minimal.json"), toolpath));
+    const QString bundle = directory.filePath(QStringLiteral("wing.bun"));
+    ASSERT_TRUE(GetParam().make(toolpath, bundle));
+    const QMap<QString, QByteArray> before = ContentsOf(directory.path());
+
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), bundle});
+
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.standardOutput, QString()) << "the toolpath was read";
+    EXPECT_EQ(
+        run.GetErrorLines().first(),
+        QStringLiteral("zelkin: error: --output would overwrite the file that --toolpath reads: '%1'").arg(bundle));
+    EXPECT_EQ(ContentsOf(directory.path()), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, ZELKinPostOntoTheToolpath,
+                         ::testing::Values(OtherNameCase{"HardLink",
+                                                         [](const QString& file, const QString& otherName) {
+                                                             return ::link(QFile::encodeName(file).constData(),
+                                                                           QFile::encodeName(otherName).constData())
+                                                                 == 0;
+                                                         }},
+                                           OtherNameCase{"SymbolicLink",
+                                                         [](const QString& file, const QString& otherName) {
+                                                             return QFile::link(file, otherName);
+                                                         }}),
+                         [](const ::testing::TestParamInfo<OtherNameCase>& info) {
+                             return std::string(info.param.name);
+                         });

@@ -417,6 +417,7 @@ TEST_F(ZELKinWriterTest, ANumberThatIsNotFiniteFailsTheWriteAndLeavesTheOldFileW
     EXPECT_EQ(NCFixture::ReadText(plyFile), before);
     EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc/PART"))),
               QStringList({QStringLiteral("PART#0101.PPF"), QStringLiteral("PART.PPSF")}));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc"))), QStringList({QStringLiteral("PART")}));
 }
 
 TEST_F(ZELKinWriterTest, InABundleANumberThatIsNotFiniteIsNamedByTheBundlesLineAndTheBundleStaysWhole)

@@ -16,6 +16,8 @@
 
 int main(int argc, char* argv[])
 {
+    // Before anything opens a file that could take a descriptor left free.
+    ZELKinConsole::KeepStandardStreamsOpen();
     // Before anything can log: the loader reports some broken descriptions
     // through Qt's messages.
     ZELKinConsole::InstallMessageHandler();

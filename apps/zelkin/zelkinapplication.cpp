@@ -27,7 +27,12 @@ ZELKinApplication::ZELKinApplication(const ZELKinCommandRegistry& registry, cons
 int ZELKinApplication::Run(const QStringList& arguments) const
 {
     try {
-        return Dispatch(arguments);
+        const int status = Dispatch(arguments);
+        // Results that never arrived are no success. A command that failed
+        // has said why already, in its one error line.
+        if (!ZELKinConsole::HasReportedError())
+            ZELKinConsole::FlushStandardOutput();
+        return status;
     } catch (const ZELKinUsageError& error) {
         ReportUsageError(error);
         return ZELKinExitStatus::Usage;

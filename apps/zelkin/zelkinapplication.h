@@ -16,7 +16,10 @@ class ZELKinUsageError;
     - success: status 0;
     - a ZELKinUsageError: "zelkin: error: <message>", a hint line pointing at
       the help, status 2;
-    - any other exception: "zelkin: error: <message>", status 1.
+    - any other exception: "zelkin: error: <message>", status 1;
+    - output that could not all be written to stdout, by a command that
+      reported no error of its own: "zelkin: error: cannot write the
+      standard output: <reason>", status 1.
 */
 class ZELKinApplication
 {

@@ -2,6 +2,11 @@
 
 #include "zelkincommand.h"
 
+#include <QFile>
+#include <QFileInfo>
+
+#include <sys/stat.h>
+
 namespace {
 
 const QString EndOfOptions = QStringLiteral("--");
@@ -23,6 +28,28 @@ QString AsPhrase(const QString& sentence)
     if (!phrase.isEmpty())
         phrase[0] = phrase.at(0).toLower();
     return phrase;
+}
+
+QString NeedsAPath(const QString& what)
+{
+    return QStringLiteral("%1 needs a path, not an empty text").arg(what);
+}
+
+// One file, however it is named: through links, "..", or another hard link.
+bool IsSameFile(const QString& path, const QString& other)
+{
+    struct stat first;
+    struct stat second;
+    return ::stat(QFile::encodeName(path).constData(), &first) == 0
+        && ::stat(QFile::encodeName(other).constData(), &second) == 0 && S_ISREG(first.st_mode)
+        && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+bool IsInside(const QString& path, const QString& folder)
+{
+    const QString canonicalFolder = QFileInfo(folder).canonicalFilePath();
+    return !canonicalFolder.isEmpty()
+        && QFileInfo(path).canonicalFilePath().startsWith(canonicalFolder + QLatin1Char('/'));
 }
 
 } // namespace
@@ -65,6 +92,8 @@ QString ZELKinArguments::GetSinglePositional(const QString& what) const
     const QStringList positionals = GetPositionals();
     if (positionals.isEmpty())
         throw ZELKinUsageError(QStringLiteral("missing the %1").arg(what), m_command);
+    if (positionals.first().isEmpty())
+        throw ZELKinUsageError(NeedsAPath(QStringLiteral("the ") + what), m_command);
     return positionals.first();
 }
 
@@ -73,6 +102,34 @@ void ZELKinArguments::RequireAtMostPositionals(int count) const
     const QStringList positionals = GetPositionals();
     if (positionals.size() > count)
         throw ZELKinUsageError(QStringLiteral("unexpected argument '%1'").arg(positionals.at(count)), m_command);
+}
+
+void ZELKinArguments::RequirePaths(const QStringList& options) const
+{
+    for (const QString& option : options) {
+        if (IsSet(option) && GetValue(option).isEmpty())
+            throw ZELKinUsageError(NeedsAPath(QStringLiteral("the option ") + AsTyped(option)), m_command);
+    }
+}
+
+void ZELKinArguments::RequireNotAnInput(const QString& output, const QString& path, const QStringList& inputs) const
+{
+    for (const QString& input : inputs) {
+        if (IsSet(input) && IsSameFile(path, GetValue(input)))
+            throw ZELKinUsageError(QStringLiteral("%1 would overwrite the file that %2 reads: '%3'")
+                                       .arg(AsTyped(output), AsTyped(input), path),
+                                   m_command);
+    }
+}
+
+void ZELKinArguments::RequireOutside(const QString& output, const QString& folder, const QStringList& inputs) const
+{
+    for (const QString& input : inputs) {
+        if (IsSet(input) && IsInside(GetValue(input), folder))
+            throw ZELKinUsageError(QStringLiteral("%1 reads a file inside '%2', which %3 replaces")
+                                       .arg(AsTyped(input), folder, AsTyped(output)),
+                                   m_command);
+    }
 }
 
 bool ZELKinArguments::AsksForHelp(const QStringList& arguments)

@@ -29,13 +29,28 @@ public:
     QString GetRequiredValue(const QString& option) const;
     //! The positional arguments, in order.
     QStringList GetPositionals() const;
-    //! The only positional argument. Throws ZELKinUsageError "missing the
-    //! <what>" when there is none and "unexpected argument '<argument>'" for
-    //! a second one.
+    //! The only positional argument, the path of a file. Throws
+    //! ZELKinUsageError "missing the <what>" when there is none, "the <what>
+    //! needs a path, not an empty text" for an empty one and "unexpected
+    //! argument '<argument>'" for a second one.
     QString GetSinglePositional(const QString& what) const;
     //! Throws ZELKinUsageError "unexpected argument '<argument>'" for the
     //! first positional argument beyond `count`.
     void RequireAtMostPositionals(int count) const;
+
+    //! Throws ZELKinUsageError "the option --<option> needs a path, not an
+    //! empty text" for the first of `options` given an empty value.
+    void RequirePaths(const QStringList& options) const;
+    //! Throws ZELKinUsageError "--<output> would overwrite the file that
+    //! --<input> reads: '<path>'" when `path`, which the option `output`
+    //! makes the command write, is the file of one of the `inputs` options:
+    //! the same file by any name, a hard link among them.
+    void RequireNotAnInput(const QString& output, const QString& path, const QStringList& inputs) const;
+    //! Throws ZELKinUsageError "--<input> reads a file inside '<folder>',
+    //! which --<output> replaces" when the file of one of the `inputs`
+    //! options lies below `folder`, which the option `output` makes the
+    //! command replace whole.
+    void RequireOutside(const QString& output, const QString& folder, const QStringList& inputs) const;
 
     //! Whether "--help" or "-h" stands among `arguments` before any "--".
     static bool AsksForHelp(const QStringList& arguments);

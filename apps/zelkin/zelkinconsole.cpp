@@ -2,14 +2,24 @@
 
 #include "zelkincommand.h"
 
+#include <zelsysexception.h>
+
 #include <QtGlobal>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
+
+const QString ErrorKind = QStringLiteral("error");
+
+bool errorReported = false;
+// The system's reason for the last failed write of Print; 0 while none failed.
+int printError = 0;
 
 QString KindOf(QtMsgType type)
 {
@@ -25,7 +35,7 @@ QString KindOf(QtMsgType type)
     case QtFatalMsg:
         break;
     }
-    return QStringLiteral("error");
+    return ErrorKind;
 }
 
 void HandleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& message)
@@ -44,13 +54,46 @@ void HandleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& m
 
 void ZELKinConsole::Print(const QString& text)
 {
-    std::fputs(text.toUtf8().constData(), stdout);
+    if (std::fputs(text.toUtf8().constData(), stdout) == EOF)
+        printError = errno;
 }
 
 void ZELKinConsole::Diagnose(const QString& kind, const QString& message)
 {
+    errorReported = errorReported || kind == ErrorKind;
     const QString line = QStringLiteral("zelkin: %1: %2\n").arg(kind, message);
     std::fputs(line.toUtf8().constData(), stderr);
+}
+
+bool ZELKinConsole::HasReportedError()
+{
+    return errorReported;
+}
+
+void ZELKinConsole::FlushStandardOutput()
+{
+    // The stream keeps only the fact of an earlier failure, not its reason:
+    // a flush that fails now, or a failed Print, tells the reason.
+    const bool lostEarlier = std::ferror(stdout) != 0;
+    const int error = std::fflush(stdout) == 0 ? printError : errno;
+    if (!lostEarlier && error == 0)
+        return;
+    const QString reason = error != 0 ? qt_error_string(error) : QStringLiteral("an earlier write failed");
+    throw ZELSysException(QStringLiteral("cannot write the standard output: %1").arg(reason));
+}
+
+void ZELKinConsole::KeepStandardStreamsOpen()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) != -1 || errno != EBADF)
+            continue;
+        // The lowest free descriptor: this one, as those before it are open.
+        const int opened = ::open("/dev/null", O_RDONLY);
+        if (opened >= 0 && opened != descriptor) {
+            ::dup2(opened, descriptor);
+            ::close(opened);
+        }
+    }
 }
 
 void ZELKinConsole::InstallMessageHandler()

@@ -15,6 +15,25 @@ void Print(const QString& text);
 
 //! Writes "zelkin: <kind>: <message>" and a line break to stderr.
 void Diagnose(const QString& kind, const QString& message);
+//! Whether a diagnostic of the kind "error" was written.
+bool HasReportedError();
+
+/*!
+    Flushes stdout and makes sure that everything written to it since the
+    start, by Print or by anything else that writes to stdout (the
+    libraries' progress lines, a QFile opened on it), reached it. Throws
+    ZELSysException "cannot write the standard output: <reason>" when
+    something was lost: a full disk, a closed descriptor. The reason is the
+    system's when it is known; a write whose caller dropped its error
+    leaves only "an earlier write failed".
+*/
+void FlushStandardOutput();
+
+//! Opens /dev/null in place of a standard stream that zelkin was started
+//! without, read-only for stdout and stderr, so that writing to them fails:
+//! a file that zelkin opens later must never take their descriptors and
+//! receive the tool's output lines.
+void KeepStandardStreamsOpen();
 
 //! Routes Qt's messages into diagnostics. A fatal message (the machine
 //! loader ends the process this way on some broken descriptions) becomes an

@@ -45,6 +45,7 @@ public:
         , m_parsed(command, arguments, GetOptions())
     {
         m_parsed.RequireAtMostPositionals(0);
+        m_parsed.RequirePaths({OutputOption});
     }
 
     QString GetRequired(const QString& option, const QString& what) const

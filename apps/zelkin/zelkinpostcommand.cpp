@@ -2,12 +2,17 @@
 
 #include "zelkinarguments.h"
 #include "zelkinclock.h"
+#include "zelkinconsole.h"
 #include "zelkinoutputfile.h"
 #include "zelkinpositioncsv.h"
 #include "zelkintranslationjob.h"
 
+#include <zelkinprogram.h>
 #include <zelkinwriter.h>
 #include <zelsysexception.h>
+
+#include <QDir>
+#include <QFileInfo>
 
 #include <optional>
 
@@ -28,6 +33,24 @@ const QString AFPGCodeFormat = QStringLiteral("AFPGCode");
 // The one ply-to-process word the writer knows; it would take any other
 // for "every ply".
 const QString SinglePly = QStringLiteral("ONEPLY");
+const QString BundleSuffix = QStringLiteral("bun");
+const QString AptsourceSuffix = QStringLiteral("aptsource");
+
+// The file the writer writes for `output`: a path ending in .aptsource
+// writes the bundle beside it.
+QString WrittenFile(const QString& output)
+{
+    if (QFileInfo(output).suffix() != AptsourceSuffix)
+        return output;
+    return output.left(output.lastIndexOf(QLatin1Char('.')) + 1) + BundleSuffix;
+}
+
+// Whether the post replaces the folder of the program in `output` whole.
+bool ReplacesAFolder(const QString& output, const QString& ply)
+{
+    const QString suffix = QFileInfo(output).suffix();
+    return suffix != BundleSuffix && suffix != AptsourceSuffix && ply != SinglePly;
+}
 
 QString FormatOf(const ZELKinArguments& arguments, const QString& command)
 {
@@ -132,7 +155,8 @@ QString ZELKinPostCommand::GetDescription() const
         "ending in .aptsource writes the bundle beside it (same name, .bun); any other\n"
         "path is a directory, which gets a folder named after the toolpath program\n"
         "with the program-set file (.PPSF), one ply file per layup procedure (.PPF)\n"
-        "and the probing file (.PTPF).\n"
+        "and the probing file (.PTPF). That folder is written whole under a hidden\n"
+        "name beside it and then replaces the earlier folder and everything in it.\n"
         "\n"
         "Options:\n"
         "  --machine M.xml        The machine description.\n"
@@ -177,6 +201,10 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     const QString output = parsed.GetRequiredValue(OutputOption);
     const QString options = OptionsOf(parsed, GetName());
     QString ply = PlyToProcessOf(parsed, GetName());
+    const QStringList inputs{MachineOption, ToolpathOption};
+    parsed.RequirePaths(inputs + QStringList{OutputOption, DebugPathOption, TraceOption});
+    parsed.RequireNotAnInput(OutputOption, WrittenFile(output), inputs);
+    parsed.RequireNotAnInput(TraceOption, parsed.GetValue(TraceOption), inputs);
     // Kept from the start, so that a post that fails leaves as quickly as
     // one that writes.
     ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(
@@ -184,6 +212,8 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
                                                                            parsed.GetRequiredValue(ToolpathOption),
                                                                            parsed.GetValue(DebugPathOption)}));
     job.RequireDeliverable(parsed.IsSet(KeepGoingOption));
+    if (ReplacesAFolder(output, ply))
+        parsed.RequireOutside(OutputOption, QDir(output).filePath(job.GetProgram()->GetOriginalFileName()), inputs);
 
     ZELKinWriter writer(job.GetProgram());
     writer.SetCurrentDateTime(ZELKinClock::Now());
@@ -195,6 +225,9 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
             trace->Trace(file, line, position);
         });
     }
+    // Progress lines that were lost (a full disk, a closed stdout) fail the
+    // post while it has written nothing yet.
+    ZELKinConsole::FlushStandardOutput();
     writer.Write(output, format, options);
     if (writer.IsChosenPlyMissing())
         throw ZELSysException(QStringLiteral("the ply number read from standard input is not one of the program's; "

@@ -83,6 +83,8 @@ int ZELKinReportCommand::Run(const QStringList& arguments)
     const ZELKinVerificationJob::Input input = ZELKinVerificationJob::GetInput(parsed, GetName());
     const ZELKinHtmlReport::Sources sources{input.machinePath, input.toolpathPath, input.ncPath};
     const QString reportPath = OutputPath(parsed, GetName());
+    parsed.RequirePaths({OutputOption});
+    parsed.RequireNotAnInput(OutputOption, reportPath, ZELKinVerificationJob::GetFileOptions());
 
     // Opened before the long verification, so that a folder that is not
     // there fails at once.

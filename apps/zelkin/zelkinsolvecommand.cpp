@@ -1,6 +1,7 @@
 #include "zelkinsolvecommand.h"
 
 #include "zelkinarguments.h"
+#include "zelkinconsole.h"
 #include "zelkinoutputfile.h"
 #include "zelkinpositioncsv.h"
 #include "zelkintranslationjob.h"
@@ -61,6 +62,8 @@ QString ZELKinSolveCommand::GetDescription() const
 void ZELKinSolveCommand::WriteCsv(const ZELKinProgram& program, const ZELKinArguments& parsed)
 {
     if (parsed.IsSet(CsvOption)) {
+        // Progress lines that were lost fail the command before it writes.
+        ZELKinConsole::FlushStandardOutput();
         ZELKinOutputFile csv(parsed.GetValue(CsvOption));
         if (!ZELKinPositionCsv::Write(program, csv.GetDevice()))
             csv.ThrowWriteError();
@@ -83,6 +86,8 @@ int ZELKinSolveCommand::Run(const QStringList& arguments)
                                   QCommandLineOption(CsvOption, QString(), QStringLiteral("FILE")),
                                   QCommandLineOption(KeepGoingOption)});
     parsed.RequireAtMostPositionals(0);
+    parsed.RequirePaths({MachineOption, ToolpathOption, CsvOption});
+    parsed.RequireNotAnInput(CsvOption, parsed.GetValue(CsvOption), {MachineOption, ToolpathOption});
     ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(std::make_unique<ZELKinTranslationJob>(
         ZELKinTranslationJob::Input{parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
                                     QString()}));

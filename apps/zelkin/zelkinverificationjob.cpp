@@ -98,8 +98,14 @@ QList<QCommandLineOption> ZELKinVerificationJob::GetOptions()
             QCommandLineOption(SingularityOption, QString(), valueName)};
 }
 
+QStringList ZELKinVerificationJob::GetFileOptions()
+{
+    return {MachineOption, ToolpathOption, NCOption};
+}
+
 ZELKinVerificationJob::Input ZELKinVerificationJob::GetInput(const ZELKinArguments& parsed, const QString& command)
 {
+    parsed.RequirePaths(GetFileOptions());
     Input input{parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
                 parsed.GetRequiredValue(NCOption), ZELKinVerifyGates()};
     input.gates.flip = AngleOption(parsed, FlipOption, input.gates.flip, command);

@@ -51,9 +51,11 @@ public:
     //! The options that say what to check: --machine, --toolpath, --nc,
     //! --flip-angle and --singularity-angle (in degrees).
     static QList<QCommandLineOption> GetOptions();
+    //! The options among them that name the files read.
+    static QStringList GetFileOptions();
     //! The input those options ask for. Throws ZELKinUsageError for
-    //! `command` when one of the three files is missing or an angle is not
-    //! above 0 and below 180 degrees.
+    //! `command` when one of the three files is missing or given an empty
+    //! path, or an angle is not above 0 and below 180 degrees.
     static Input GetInput(const ZELKinArguments& parsed, const QString& command);
 
     //! Throws ZELKinUnreadableInputError for a machine, toolpath or NC that

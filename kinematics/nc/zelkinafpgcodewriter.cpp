@@ -9,6 +9,7 @@
 #include "zelkinprobeprocedure.h"
 #include "zelkinprogram.h"
 #include "zelkinrolllayupprocedure.h"
+#include "zelkinstagingfolder_p.h"
 
 #include <zelsysexception.h>
 #include <zeltpprocedure.h>
@@ -22,8 +23,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <string>
+#include <system_error>
 
 namespace {
 
@@ -42,6 +45,28 @@ QString InLatin1(const QString& text)
 [[noreturn]] void Fatal(const QString& message)
 {
     qFatal("%s", qUtf8Printable(message));
+}
+
+// A folder or file that cannot be made or written. Write() ends the process
+// with its message once the stack, and with it any staging folder, is gone.
+struct WriteFailure
+{
+    QString message;
+};
+
+[[noreturn]] void Fail(const QString& message)
+{
+    throw WriteFailure{message};
+}
+
+QString WithReason(const QString& message, const QString& reason)
+{
+    return message + QStringLiteral(": ") + reason;
+}
+
+std::filesystem::path NativePath(const QString& path)
+{
+    return std::filesystem::path(QFile::encodeName(path).toStdString());
 }
 
 void PrintTo(FILE* stream, const QString& text)
@@ -132,12 +157,16 @@ void ZELKinAFPGCodeWriter::Write(ZELKinProgram* program) const
 {
     ZELKinNCTextCheck::Check(program);
     ZELKinAFPGCodePlies::Number(program);
-    if (plyToProcess == kSinglePly)
-        WriteSinglePly(program);
-    else if (IsBundle())
-        WriteBundle(program);
-    else
-        WriteDirectory(program);
+    try {
+        if (plyToProcess == kSinglePly)
+            WriteSinglePly(program);
+        else if (IsBundle())
+            WriteBundle(program);
+        else
+            WriteDirectory(program);
+    } catch (const WriteFailure& failure) {
+        Fatal(failure.message);
+    }
 }
 
 bool ZELKinAFPGCodeWriter::IsBundle() const
@@ -145,30 +174,42 @@ bool ZELKinAFPGCodeWriter::IsBundle() const
     return QFileInfo(outputPath).suffix() == kBundleSuffix;
 }
 
+// The files go to a staging folder, which then takes the part folder's
+// place whole: a reader, a kill or a second post of the program never
+// finds a mix of two posts' files, nor a ply file of an earlier post with
+// more plies.
 void ZELKinAFPGCodeWriter::WriteDirectory(ZELKinProgram* program) const
 {
     const QString name = program->GetOriginalFileName();
-    const QDir folder(MakePartFolder(outputPath, name));
-    WriteFile(folder.filePath(ProgramSetFileName(name)), tr("Could not open the PPSF file for writing at: '%1'"),
+    MakeOutputDirectory(outputPath);
+    ZELKinStagingFolder staging(outputPath, name);
+    if (!staging.Create())
+        FailPartFolder(name, staging.GetErrorString());
+    const QDir target(QDir(outputPath).filePath(name));
+    const QDir stagingFolder(staging.GetPath());
+    const auto staged = [&](const QString& fileName) {
+        return OutputFile{target.filePath(fileName), stagingFolder.filePath(fileName)};
+    };
+    WriteFile(staged(ProgramSetFileName(name)), tr("Could not open the PPSF file for writing at: '%1'"),
               ProgramSetText(program));
     for (const ZELKinProcedure* procedure : LiveProceduresOf(program)) {
         PrintProgress(procedure);
         if (const auto* rollLayup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure))
-            WriteFile(folder.filePath(PlyFileName(name, rollLayup)),
-                      tr("Could not open the PPF file for writing at: '%1'"), PlyText(rollLayup));
+            WriteFile(staged(PlyFileName(name, rollLayup)), tr("Could not open the PPF file for writing at: '%1'"),
+                      PlyText(rollLayup));
         else if (const auto* probe = qobject_cast<const ZELKinProbeProcedure*>(procedure))
-            WriteFile(folder.filePath(ProbingFileName(name)), tr("Could not open the PTPF file for writing at: '%1'"),
+            WriteFile(staged(ProbingFileName(name)), tr("Could not open the PTPF file for writing at: '%1'"),
                       ProbingText(probe));
     }
+    if (!staging.Publish())
+        FailPartFolder(name, staging.GetErrorString());
 }
 
 void ZELKinAFPGCodeWriter::WriteBundle(ZELKinProgram* program) const
 {
-    const QString directory = QFileInfo(outputPath).absolutePath();
-    if (!QDir().mkpath(directory))
-        Fatal(tr("Could not create the output directory '%1'").arg(InLatin1(directory)));
+    MakeOutputDirectory(QFileInfo(outputPath).absolutePath());
     const QString name = program->GetOriginalFileName();
-    WriteFile(outputPath, tr("Could not open the bundle file for writing at: '%1'"), [&](ZELKinNCStream& out) {
+    WriteFile(InPlace(outputPath), tr("Could not open the bundle file for writing at: '%1'"), [&](ZELKinNCStream& out) {
         out << "SetId|" << name << "|\n\n\n\n";
         out << SectionMarker(ProgramSetFileName(name)) << '\n';
         ProgramSetText(program)(out);
@@ -211,7 +252,7 @@ void ZELKinAFPGCodeWriter::WriteSinglePly(ZELKinProgram* program) const
     const QDir folder(MakePartFolder(outputPath + kSinglePlyFolderSuffix, name));
     const QString plyFile = folder.filePath(PlyFileName(name, *match));
     PrintProgress(*match);
-    WriteFile(plyFile, tr("Could not open the PPF file for writing at: '%1'"), PlyText(*match));
+    WriteFile(InPlace(plyFile), tr("Could not open the PPF file for writing at: '%1'"), PlyText(*match));
     if (IsBundle())
         ReplaceBundleSection(chosen, plyFile);
 }
@@ -220,10 +261,12 @@ void ZELKinAFPGCodeWriter::ReplaceBundleSection(const QString& plyNumber, const 
 {
     QFile oldBundle(outputPath);
     if (!oldBundle.open(QIODevice::ReadOnly | QIODevice::Text))
-        Fatal(tr("Could not open the old bundle file for reading: '%1'").arg(InLatin1(outputPath)));
+        Fail(WithReason(tr("Could not open the old bundle file for reading: '%1'").arg(InLatin1(outputPath)),
+                        oldBundle.errorString()));
     QFile ply(plyFile);
     if (!ply.open(QIODevice::ReadOnly | QIODevice::Text))
-        Fatal(tr("Could not open the procedure file for reading: '%1'").arg(InLatin1(plyFile)));
+        Fail(WithReason(tr("Could not open the procedure file for reading: '%1'").arg(InLatin1(plyFile)),
+                        ply.errorString()));
 
     // The section is found before anything is written, so that a bundle
     // without it is left as it is.
@@ -237,40 +280,62 @@ void ZELKinAFPGCodeWriter::ReplaceBundleSection(const QString& plyNumber, const 
         ++markerLine;
     }
     if (!found)
-        Fatal(tr("Could not find old procedure '%1' in file: '%2'").arg(InLatin1(plyNumber), InLatin1(outputPath)));
+        Fail(tr("Could not find old procedure '%1' in file: '%2'").arg(InLatin1(plyNumber), InLatin1(outputPath)));
 
     oldLines.seek(0);
-    WriteFile(outputPath, tr("Could not open the new bundle file for writing: '%1'"), [&](ZELKinNCStream& out) {
-        for (qint64 i = 0; i < markerLine && oldLines.readLineInto(&line); ++i)
-            out << line << '\n';
-        QTextStream plyLines(&ply);
-        while (plyLines.readLineInto(&line))
-            out << line << '\n';
-        // The old section's lines go, up to its end-of-file marker, which stays.
-        bool inOldSection = true;
-        while (oldLines.readLineInto(&line)) {
-            inOldSection = inOldSection && !line.contains(kEndOfFile);
-            if (!inOldSection)
-                out << line << '\n';
-        }
-    });
+    WriteFile(InPlace(outputPath), tr("Could not open the new bundle file for writing: '%1'"),
+              [&](ZELKinNCStream& out) {
+                  for (qint64 i = 0; i < markerLine && oldLines.readLineInto(&line); ++i)
+                      out << line << '\n';
+                  QTextStream plyLines(&ply);
+                  while (plyLines.readLineInto(&line))
+                      out << line << '\n';
+                  // The old section's lines go, up to its end-of-file marker, which stays.
+                  bool inOldSection = true;
+                  while (oldLines.readLineInto(&line)) {
+                      inOldSection = inOldSection && !line.contains(kEndOfFile);
+                      if (!inOldSection)
+                          out << line << '\n';
+                  }
+              });
+}
+
+void ZELKinAFPGCodeWriter::MakeOutputDirectory(const QString& directory)
+{
+    std::error_code error;
+    std::filesystem::create_directories(NativePath(directory), error);
+    if (error)
+        Fail(WithReason(tr("Could not create the output directory '%1'").arg(InLatin1(directory)),
+                        qt_error_string(error.value())));
 }
 
 QString ZELKinAFPGCodeWriter::MakePartFolder(const QString& directory, const QString& name)
 {
-    if (!QDir().mkpath(directory))
-        Fatal(tr("Could not create the output directory '%1'").arg(InLatin1(directory)));
-    const QDir parent(directory);
-    if (!QFileInfo::exists(parent.filePath(name)) && !parent.mkdir(name))
-        Fatal(tr("Could not create the part output directory '%1'").arg(InLatin1(name)));
-    return parent.filePath(name);
+    MakeOutputDirectory(directory);
+    const QString folder = QDir(directory).filePath(name);
+    std::error_code error;
+    std::filesystem::create_directory(NativePath(folder), error);
+    if (error)
+        FailPartFolder(name, qt_error_string(error.value()));
+    return folder;
 }
 
-void ZELKinAFPGCodeWriter::WriteFile(const QString& fileName, const QString& failure, const TextWriter& write) const
+void ZELKinAFPGCodeWriter::FailPartFolder(const QString& name, const QString& reason)
 {
-    QSaveFile file(fileName);
+    Fail(WithReason(tr("Could not create the part output directory '%1'").arg(InLatin1(name)), reason));
+}
+
+ZELKinAFPGCodeWriter::OutputFile ZELKinAFPGCodeWriter::InPlace(const QString& fileName)
+{
+    return OutputFile{fileName, fileName};
+}
+
+void ZELKinAFPGCodeWriter::WriteFile(const OutputFile& target, const QString& failure, const TextWriter& write) const
+{
+    const QString& fileName = target.fileName;
+    QSaveFile file(target.writtenAt);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
-        Fatal(failure.arg(InLatin1(fileName)));
+        Fail(WithReason(failure.arg(InLatin1(fileName)), file.errorString()));
     try {
         ZELKinNCStream out(&file);
         if (lineTrace)
@@ -285,7 +350,7 @@ void ZELKinAFPGCodeWriter::WriteFile(const QString& fileName, const QString& fai
         throw ZELSysException(QStringLiteral("cannot write the NC file '%1': %2").arg(fileName, error.GetMessage()));
     }
     if (!file.commit())
-        Fatal(failure.arg(InLatin1(fileName)));
+        Fail(WithReason(failure.arg(InLatin1(fileName)), file.errorString()));
 }
 
 void ZELKinAFPGCodeWriter::PrintProgress(const ZELKinProcedure* procedure)

@@ -30,13 +30,17 @@ class ZELKinRollLayupProcedure;
     in a bundle it replaces that ply's section.
 
     Every file is written in full before it replaces what stood at its path,
-    so an interrupted write leaves the old file whole. A folder that cannot
-    be made or a file that cannot be opened or written ends the process
-    through Qt's fatal message handler; the path in the message is given in
-    Latin-1. A ZELSysException while a file is written, such as the
-    stream's refusal of a number that is not finite, leaves the file
-    unwritten and is thrown on as "cannot write the NC file '<file>':
-    <message>".
+    so an interrupted write leaves the old file whole; in a directory, the
+    folder named after the program is written in full in a staging folder
+    (ZELKinStagingFolder) that then takes its place, so that the folder
+    holds one post's files, all of them. A folder that cannot be made or a
+    file that cannot be opened or written ends the process through Qt's
+    fatal message handler, once the staging folder is removed; the path in
+    the message is given in Latin-1 and followed by ": " and the system's
+    reason. A ZELSysException while a file is written, such as the stream's
+    refusal of a number that is not finite, leaves the file unwritten (and
+    removes the staging folder) and is thrown on as "cannot write the NC
+    file '<file>': <message>".
 
     Writing numbers the roll layup procedures ("PlyNum"), prepares the
     courses' material axis and keeps the feeds written as the positions'
@@ -81,11 +85,23 @@ private:
     //! of `plyFile`.
     void ReplaceBundleSection(const QString& plyNumber, const QString& plyFile) const;
 
+    //! A file written at `writtenAt`, which messages and the line trace
+    //! call `fileName`: the path it has once its folder is in place.
+    struct OutputFile
+    {
+        QString fileName;
+        QString writtenAt;
+    };
+    static OutputFile InPlace(const QString& fileName);
+
+    //! Makes `directory` with all missing parents.
+    static void MakeOutputDirectory(const QString& directory);
     //! Makes `directory` and its folder `name`; returns the folder's path.
     static QString MakePartFolder(const QString& directory, const QString& name);
-    //! Writes `fileName` in full through `write`, then puts it in place.
+    [[noreturn]] static void FailPartFolder(const QString& name, const QString& reason);
+    //! Writes the file in full through `write`, then puts it in place.
     //! `failure` is the fatal message, "%1" standing for the file name.
-    void WriteFile(const QString& fileName, const QString& failure, const TextWriter& write) const;
+    void WriteFile(const OutputFile& target, const QString& failure, const TextWriter& write) const;
     static void PrintProgress(const ZELKinProcedure* procedure);
 
     TextWriter ProgramSetText(const ZELKinProgram* program) const;

@@ -1,6 +1,11 @@
 #include "zelkintoolrun.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
+
+#include <string>
+
+#include <unistd.h>
 
 namespace {
 
@@ -168,3 +173,176 @@ TEST(ZELKinToolVersion, PrintsTheProjectVersion)
     EXPECT_EQ(run.standardOutput, QStringLiteral("zelkin " ZELKIN_VERSION "\n"));
     EXPECT_EQ(run.standardError, QString());
 }
+
+// Standard output that cannot be written: results that never arrive are no
+// success, for every command.
+
+namespace {
+
+const QString kToolpath = QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/minimal.json");
+
+// Runs zelkin with its standard output on the device `device`, or closed
+// when `device` is empty, and waits for it to end.
+ZELKinToolRun RunZelkinWithStandardOutputOn(const QStringList& arguments, const QString& device)
+{
+    QProcess process;
+    if (device.isEmpty())
+        process.setChildProcessModifier([] { ::close(STDOUT_FILENO); });
+    else
+        process.setStandardOutputFile(device);
+    process.start(QStringLiteral(ZELKIN_EXECUTABLE), arguments);
+    process.closeWriteChannel();
+    ZELKinToolRun run;
+    if (!process.waitForFinished(60000)) {
+        ADD_FAILURE() << "zelkin did not run to its end: " << process.errorString().toStdString();
+        return run;
+    }
+    run.exitStatus = process.exitStatus();
+    run.exitCode = process.exitCode();
+    run.standardError = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+struct LostOutputCase
+{
+    const char* name;
+    // "@machine", "@toolpath", "@nc" (a folder of the toolpath's posted NC),
+    // "@ply" (its ply file) and "@out" (a folder that does not exist) stand
+    // for paths the test makes.
+    QStringList arguments;
+    const char* device; // empty: stdout is closed
+    const char* error;
+};
+
+void PrintTo(const LostOutputCase& c, std::ostream* out)
+{
+    *out << c.name;
+}
+
+class ZELKinToolLostOutput : public ::testing::TestWithParam<LostOutputCase>
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        folder = new QTemporaryDir;
+        const ZELKinToolRun post = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"),
+                                              GetExampleMachinePath(), QStringLiteral("--toolpath"), kToolpath,
+                                              QStringLiteral("--output"), NCPath()});
+        ASSERT_EQ(post.exitCode, 0) << post.standardError.toStdString();
+    }
+
+    static void TearDownTestSuite()
+    {
+        delete folder;
+        folder = nullptr;
+    }
+
+    static QString NCPath() { return folder->filePath(QStringLiteral("nc")); }
+    static QString OutPath() { return folder->filePath(QStringLiteral("out")); }
+
+    static QStringList Substituted(const QStringList& arguments)
+    {
+        QStringList substituted;
+        for (const QString& argument : arguments) {
+            if (argument == QLatin1String("@machine"))
+                substituted.append(GetExampleMachinePath());
+            else if (argument == QLatin1String("@toolpath"))
+                substituted.append(kToolpath);
+            else if (argument == QLatin1String("@nc"))
+                substituted.append(NCPath());
+            else if (argument == QLatin1String("@ply"))
+                substituted.append(NCPath() + QStringLiteral("/minimal-panel/minimal-panel#0101.PPF"));
+            else if (argument == QLatin1String("@out"))
+                substituted.append(OutPath());
+            else
+                substituted.append(argument);
+        }
+        return substituted;
+    }
+
+    static inline QTemporaryDir* folder = nullptr;
+};
+
+const QString kFull = QStringLiteral("/dev/full");
+
+} // namespace
+
+TEST_P(ZELKinToolLostOutput, IsAnErrorOfItsOwnAndWritesNoFile)
+{
+    const LostOutputCase& c = GetParam();
+    const ZELKinToolRun run = RunZelkinWithStandardOutputOn(Substituted(c.arguments), QString::fromUtf8(c.device));
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 1);
+    const QStringList errors = run.GetErrorLines().filter(QRegularExpression(QStringLiteral("^zelkin: error: ")));
+    EXPECT_EQ(errors, QStringList({QStringLiteral("zelkin: error: ") + QString::fromUtf8(c.error)}))
+        << run.standardError.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(OutPath()));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Commands, ZELKinToolLostOutput,
+    ::testing::Values(LostOutputCase{"GCodeOnAFullDisk",
+                                     {QStringLiteral("gcode"), QStringLiteral("@ply")},
+                                     "/dev/full",
+                                     "cannot write the standard output: No space left on device"},
+                      LostOutputCase{"MachineJsonOnAFullDisk",
+                                     {QStringLiteral("machine"), QStringLiteral("--json"), QStringLiteral("@machine")},
+                                     "/dev/full",
+                                     "cannot write the standard output: No space left on device"},
+                      LostOutputCase{"MachineSummaryOnAFullDisk",
+                                     {QStringLiteral("machine"), QStringLiteral("@machine")},
+                                     "/dev/full",
+                                     "cannot write the standard output: No space left on device"},
+                      LostOutputCase{"VerifyOnAFullDisk",
+                                     {QStringLiteral("verify"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                      QStringLiteral("--toolpath"), QStringLiteral("@toolpath"), QStringLiteral("--nc"),
+                                      QStringLiteral("@nc")},
+                                     "/dev/full",
+                                     "cannot write the standard output: No space left on device"},
+                      LostOutputCase{"VerifyJsonOnAFullDisk",
+                                     {QStringLiteral("verify"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                      QStringLiteral("--toolpath"), QStringLiteral("@toolpath"), QStringLiteral("--nc"),
+                                      QStringLiteral("@nc"), QStringLiteral("--json")},
+                                     "/dev/full",
+                                     "cannot write the standard output: No space left on device"},
+                      LostOutputCase{"VersionOnAFullDisk",
+                                     {QStringLiteral("--version")},
+                                     "/dev/full",
+                                     "cannot write the standard output: No space left on device"},
+                      LostOutputCase{"HelpOnAFullDisk",
+                                     {QStringLiteral("help"), QStringLiteral("post")},
+                                     "/dev/full",
+                                     "cannot write the standard output: No space left on device"},
+                      LostOutputCase{"SolveOnAFullDisk",
+                                     {QStringLiteral("solve"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                      QStringLiteral("--toolpath"), QStringLiteral("@toolpath")},
+                                     "/dev/full",
+                                     "cannot write the CSV to standard output: No space left on device"},
+                      // The progress lines are lost before anything is written, so the
+                      // post writes nothing; their writer kept no reason.
+                      LostOutputCase{"PostOnAFullDisk",
+                                     {QStringLiteral("post"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                      QStringLiteral("--toolpath"), QStringLiteral("@toolpath"),
+                                      QStringLiteral("--output"), QStringLiteral("@out")},
+                                     "/dev/full",
+                                     "cannot write the standard output: an earlier write failed"},
+                      LostOutputCase{"SolveToAFileOnAFullDisk",
+                                     {QStringLiteral("solve"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                      QStringLiteral("--toolpath"), QStringLiteral("@toolpath"),
+                                      QStringLiteral("--csv"), QStringLiteral("@out")},
+                                     "/dev/full",
+                                     "cannot write the standard output: an earlier write failed"},
+                      // A descriptor left closed is never given to a file zelkin opens.
+                      LostOutputCase{"VerifyOnAClosedStandardOutput",
+                                     {QStringLiteral("verify"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                      QStringLiteral("--toolpath"), QStringLiteral("@toolpath"), QStringLiteral("--nc"),
+                                      QStringLiteral("@nc")},
+                                     "",
+                                     "cannot write the standard output: Bad file descriptor"},
+                      LostOutputCase{"PostOnAClosedStandardOutput",
+                                     {QStringLiteral("post"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                      QStringLiteral("--toolpath"), QStringLiteral("@toolpath"),
+                                      QStringLiteral("--output"), QStringLiteral("@out")},
+                                     "",
+                                     "cannot write the standard output: an earlier write failed"}),
+    [](const ::testing::TestParamInfo<LostOutputCase>& info) { return std::string(info.param.name); });

@@ -112,6 +112,8 @@ QString Substitute(const QString& argument, const QTemporaryDir& scratch, const 
                              5 << 20, "--></machine>");
     if (argument == QLatin1String("@oversized-json"))
         return WriteSparse(scratch.filePath(QStringLiteral("oversized.json")), PhysicalMemory() / 4);
+    if (argument == QLatin1String("@empty"))
+        return QString();
     if (argument.startsWith(QLatin1String("@in/")))
         return CorpusPath(argument.mid(4));
     QString substituted = argument;

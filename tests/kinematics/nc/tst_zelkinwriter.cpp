@@ -286,6 +286,21 @@ TEST_F(ZELKinWriterTest, AnExistingFileIsReplacedWholeAndNoTemporaryFileIsLeft)
                            QStringLiteral("PART.PPSF"), QStringLiteral("PART.PTPF")}));
 }
 
+TEST_F(ZELKinWriterTest, AFolderOfAnEarlierPostWithMorePliesIsReplacedWholeAndNoStagingFolderIsLeft)
+{
+    BuildTwoPlies(f);
+    Write(Output(QStringLiteral("nc")));
+    ASSERT_EQ(
+        EntriesOf(Output(QStringLiteral("nc/PART"))),
+        QStringList({QStringLiteral("PART#0101.PPF"), QStringLiteral("PART#0102.PPF"), QStringLiteral("PART.PPSF")}));
+    delete f.program->GetProcedure(1);
+
+    Write(Output(QStringLiteral("nc")));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc"))), QStringList({QStringLiteral("PART")}));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc/PART"))),
+              QStringList({QStringLiteral("PART#0101.PPF"), QStringLiteral("PART.PPSF")}));
+}
+
 TEST_F(ZELKinWriterTest, WithoutAGivenTimeTheFilesPrintTheTimeOfWriting)
 {
     const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
@@ -404,6 +419,7 @@ TEST_F(ZELKinWriterTest, ANumberThatIsNotFiniteFailsTheWriteAndLeavesTheOldFileW
     EXPECT_EQ(NCFixture::ReadText(plyFile), before);
     EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc/PART"))),
               QStringList({QStringLiteral("PART#0101.PPF"), QStringLiteral("PART.PPSF")}));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc"))), QStringList({QStringLiteral("PART")}));
 }
 
 TEST_F(ZELKinWriterTest, InABundleANumberThatIsNotFiniteIsNamedByTheBundlesLineAndTheBundleStaysWhole)
@@ -571,8 +587,9 @@ TEST_F(ZELKinWriterTest, AnOutputDirectoryThatCannotBeMadeEndsTheProcess)
     f.BuildPart();
     WriteText(Output(QStringLiteral("file")), QStringLiteral("not a folder"));
     const QString path = Output(QStringLiteral("file/nc"));
-    EXPECT_DEATH(Write(path),
-                 ZELTest::Literally(QStringLiteral("Could not create the output directory '%1'").arg(path)));
+    EXPECT_DEATH(
+        Write(path),
+        ZELTest::Literally(QStringLiteral("Could not create the output directory '%1': Not a directory").arg(path)));
 }
 
 // Longer than a file name may be (255 bytes), so that no folder of that
@@ -584,8 +601,11 @@ TEST_F(ZELKinWriterTest, APartOutputDirectoryThatCannotBeMadeEndsTheProcess)
     UseForkingDeathTests();
     f.BuildPart();
     f.program->SetOriginalFileName(kOverlongName);
-    EXPECT_DEATH(Write(Output(QStringLiteral("nc"))),
-                 ZELTest::Literally(QStringLiteral("Could not create the part output directory '%1'").arg(kOverlongName)));
+    EXPECT_DEATH(
+        Write(Output(QStringLiteral("nc"))),
+        ZELTest::Literally(
+            QStringLiteral("Could not create the part output directory '%1': File name too long").arg(kOverlongName)));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc"))), QStringList());
 }
 
 TEST_F(ZELKinWriterTest, TheNameInAFatalMessageIsWrittenInLatin1)
@@ -599,38 +619,54 @@ TEST_F(ZELKinWriterTest, TheNameInAFatalMessageIsWrittenInLatin1)
 
 namespace {
 
-struct UnopenableFileCase
+// A program name that fits a folder name (255 bytes) but not the name of
+// one of the folder's files.
+struct OverlongFileNameCase
 {
     const char* name;
-    const char* blockedFile; // made a folder, so that it cannot be opened as a file
+    int programNameLength;
+    const char* fileName; // "%1" is the program name
     const char* message;
 };
-ZELTEST_PRINT_CASE_BY_NAME(UnopenableFileCase);
+ZELTEST_PRINT_CASE_BY_NAME(OverlongFileNameCase);
 
-class ZELKinWriterUnopenableFileTest : public ZELKinWriterTest, public ::testing::WithParamInterface<UnopenableFileCase>
+class ZELKinWriterOverlongFileNameTest : public ZELKinWriterTest,
+                                         public ::testing::WithParamInterface<OverlongFileNameCase>
 {
 };
 
-const UnopenableFileCase kUnopenableFileCases[] = {
-    {"ProgramSetFile", "nc/PART/PART.PPSF", "Could not open the PPSF file for writing at: '%1'"},
-    {"PlyFile", "nc/PART/PART#0102.PPF", "Could not open the PPF file for writing at: '%1'"},
-    {"ProbingFile", "nc/PART/PART.PTPF", "Could not open the PTPF file for writing at: '%1'"},
-    {"BundleFile", "nc/PART.bun", "Could not open the bundle file for writing at: '%1'"},
+const OverlongFileNameCase kOverlongFileNameCases[] = {
+    {"ProgramSetFile", 251, "%1.PPSF", "Could not open the PPSF file for writing at: '%1'"},
+    {"PlyFile", 250, "%1#0101.PPF", "Could not open the PPF file for writing at: '%1'"},
 };
 
 } // namespace
 
-TEST_P(ZELKinWriterUnopenableFileTest, AFileThatCannotBeOpenedEndsTheProcess)
+TEST_P(ZELKinWriterOverlongFileNameTest, EndsTheProcessWithTheSystemsReasonAndLeavesNothing)
 {
     UseForkingDeathTests();
     f.BuildPart();
-    const QString blocked = Output(QString::fromUtf8(GetParam().blockedFile));
-    MakeDirectory(blocked);
-    const QString path = blocked.endsWith(QStringLiteral(".bun")) ? blocked : Output(QStringLiteral("nc"));
-    EXPECT_DEATH(Write(path), ZELTest::Literally(QString::fromUtf8(GetParam().message).arg(blocked)));
+    const QString name(GetParam().programNameLength, QLatin1Char('P'));
+    f.program->SetOriginalFileName(name);
+    const QString file = Output(QStringLiteral("nc/%1/").arg(name) + QString::fromUtf8(GetParam().fileName).arg(name));
+    EXPECT_DEATH(
+        Write(Output(QStringLiteral("nc"))),
+        ZELTest::Literally(QString::fromUtf8(GetParam().message).arg(file) + QStringLiteral(": File name too long")));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc"))), QStringList());
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, ZELKinWriterUnopenableFileTest, ::testing::ValuesIn(kUnopenableFileCases));
+INSTANTIATE_TEST_SUITE_P(Files, ZELKinWriterOverlongFileNameTest, ::testing::ValuesIn(kOverlongFileNameCases));
+
+TEST_F(ZELKinWriterTest, ABundleFileThatCannotBeOpenedEndsTheProcessWithTheSystemsReason)
+{
+    UseForkingDeathTests();
+    f.BuildPart();
+    const QString bundle = Output(QStringLiteral("nc/PART.bun"));
+    MakeDirectory(bundle);
+    EXPECT_DEATH(
+        Write(bundle),
+        ZELTest::Literally(QStringLiteral("Could not open the bundle file for writing at: '%1': ").arg(bundle)));
+}
 
 TEST_F(ZELKinWriterTest, ABundleFolderThatCannotBeMadeEndsTheProcess)
 {
@@ -638,8 +674,8 @@ TEST_F(ZELKinWriterTest, ABundleFolderThatCannotBeMadeEndsTheProcess)
     f.BuildPart();
     WriteText(Output(QStringLiteral("file")), QStringLiteral("not a folder"));
     EXPECT_DEATH(Write(Output(QStringLiteral("file/PART.bun"))),
-                 ZELTest::Literally(
-                     QStringLiteral("Could not create the output directory '%1'").arg(Output(QStringLiteral("file")))));
+                 ZELTest::Literally(QStringLiteral("Could not create the output directory '%1': Not a directory")
+                                        .arg(Output(QStringLiteral("file")))));
 }
 
 // Single-ply mode: the child of each death test reads the ply number from
@@ -773,7 +809,9 @@ TEST_F(ZELKinWriterTest, OnePlyWithoutAnOldBundleEndsTheProcess)
             FeedStandardInput(Output(), QStringLiteral("0101\n"));
             WriteOnePly(bundle);
         },
-        ZELTest::Literally(QStringLiteral("Could not open the old bundle file for reading: '%1'").arg(bundle)));
+        ZELTest::Literally(
+            QStringLiteral("Could not open the old bundle file for reading: '%1': No such file or directory")
+                .arg(bundle)));
     EXPECT_FALSE(QFileInfo::exists(bundle));
 }
 

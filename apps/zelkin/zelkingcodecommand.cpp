@@ -7,14 +7,16 @@
 #include <zelsysexception.h>
 
 #include <QFile>
+#include <QMap>
 #include <QTextStream>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace {
 
 const QString StandardInput = QStringLiteral("-");
+const QString GName = QStringLiteral("G");
+const QString MName = QStringLiteral("M");
 
 // The name errors give the input: the path as it was written, or "standard input".
 QString NameOf(const QString& path)
@@ -88,21 +90,23 @@ void AppendJsonNumbers(QString& json, const QList<unsigned>& numbers)
 }
 
 // Each name once, its values in the order of the line. Names are sorted so
-// that equal lines give equal output.
+// that equal lines give equal output. The words are grouped in one pass over
+// the line: a line may hold millions of them.
 void AppendJsonWords(QString& json, const ZELKinGCodeRecord& record)
 {
-    QStringList names = record.GetVariables();
-    names.removeDuplicates();
-    std::sort(names.begin(), names.end());
+    QMap<QString, QStringList> valuesByName;
+    for (const auto& [name, value] : record.GetWords()) {
+        if (name != GName && name != MName)
+            valuesByName[name].append(value);
+    }
 
     json += QLatin1Char('{');
-    for (qsizetype i = 0; i < names.size(); ++i) {
-        if (i > 0)
+    for (auto it = valuesByName.cbegin(); it != valuesByName.cend(); ++it) {
+        if (it != valuesByName.cbegin())
             json += QLatin1Char(',');
-        const QString& name = names.at(i);
-        AppendJsonString(json, name);
+        AppendJsonString(json, it.key());
         json += QLatin1String(":[");
-        const QStringList values = record.GetVariableValues(name);
+        const QStringList& values = it.value();
         for (qsizetype j = 0; j < values.size(); ++j) {
             if (j > 0)
                 json += QLatin1Char(',');

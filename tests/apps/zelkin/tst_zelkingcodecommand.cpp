@@ -74,6 +74,15 @@ void ExpectFailure(const ZELKinToolRun& run, int exitCode, const QStringList& er
     EXPECT_EQ(run.GetErrorLines(), errorLines);
 }
 
+// Four capital letters from `n`, the first letter changing slowest.
+QByteArray FourLetterName(int n)
+{
+    QByteArray name(4, 'A');
+    for (int i = 3; i >= 0; --i, n /= 26)
+        name[i] = char('A' + n % 26);
+    return name;
+}
+
 } // namespace
 
 TEST(ZELKinToolGCode, PrintsOneJsonLinePerLineOfTheFile)
@@ -167,6 +176,28 @@ TEST(ZELKinToolGCode, LongProgramIsReadToItsLastLine)
     EXPECT_TRUE(run.standardOutput.endsWith(QStringLiteral("{\"line\":20000,\"comment\":\"N20000 G1 X18\",\"g\":[1],"
                                                            "\"m\":[],\"words\":{\"N\":[\"20000\"],\"X\":[\"18\"]}}\n")))
         << run.standardOutput.right(200).toStdString();
+}
+
+// Grouping the words name by name, each name looked for along the whole
+// line, would take many minutes here.
+TEST(ZELKinToolGCode, LineOfManyDistinctNamesListsEachNameOnceInOrder)
+{
+    constexpr int kNames = 200000;
+    QByteArray line;
+    for (int n = kNames - 1; n >= 0; --n)
+        line += FourLetterName(n) + QByteArray::number(n % 10) + ' ';
+    line += "G1 X5 X6\n";
+
+    // Every name made here sorts before X.
+    QString words;
+    for (int n = 0; n < kNames; ++n)
+        words += QStringLiteral("\"%1\":[\"%2\"],").arg(QString::fromLatin1(FourLetterName(n))).arg(n % 10);
+    words += QStringLiteral("\"X\":[\"5\",\"6\"]");
+    const ZELKinToolRun run = RunOnFile(line);
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"%1\",\"g\":[1],\"m\":[],\"words\":{%2}}\n")
+                  .arg(QString::fromLatin1(line.chopped(1)), words));
 }
 
 TEST(ZELKinToolGCode, MissingFileIsAnErrorNamingTheFile)

@@ -2,13 +2,13 @@
 
 #include "zelkinarguments.h"
 #include "zelkinconsole.h"
+#include "zelkinnclinereader.h"
 
 #include <zelkingcoderecord.h>
 #include <zelsysexception.h>
 
 #include <QFile>
 #include <QMap>
-#include <QTextStream>
 
 #include <cstdio>
 
@@ -24,11 +24,6 @@ QString NameOf(const QString& path)
     return path == StandardInput ? QStringLiteral("standard input") : path;
 }
 
-ZELSysException CannotRead(const QString& path, const QFile& file)
-{
-    return ZELSysException(QStringLiteral("cannot read %1: %2").arg(NameOf(path), file.errorString()));
-}
-
 void OpenForReading(QFile& file, const QString& path)
 {
     bool opened = false;
@@ -39,7 +34,7 @@ void OpenForReading(QFile& file, const QString& path)
         opened = file.open(QIODevice::ReadOnly);
     }
     if (!opened)
-        throw CannotRead(path, file);
+        throw ZELSysException(QStringLiteral("cannot read %1: %2").arg(NameOf(path), file.errorString()));
 }
 
 void AppendJsonString(QString& json, QStringView text)
@@ -151,19 +146,20 @@ QString ZELKinGCodeCommand::GetSynopsis() const
 
 QString ZELKinGCodeCommand::GetDescription() const
 {
-    return QStringLiteral(
-        "Reads the NC text in FILE, or on standard input for \"-\", and prints every\n"
-        "line taken apart into its words as the library's G-code record reads it:\n"
-        "one JSON object a line (JSON Lines), with the keys\n"
-        "  line     the line's number, counted from 1\n"
-        "  comment  the text after the first semicolon; the whole line if it has none\n"
-        "  g, m     the values of the G and M words as numbers, the last on the line\n"
-        "           first; a value that is not an unsigned whole number reads 0\n"
-        "  words    every other word: its name and its values as text, in the order\n"
-        "           of the line; names sorted\n"
-        "A word is an upper-case name (letters and underscores, and one digit more\n"
-        "right before an \"=\") followed by a number or a text in double quotes.\n"
-        "Bytes that are not UTF-8 read as U+FFFD.\n");
+    return QStringLiteral("Reads the NC text in FILE, or on standard input for \"-\", and prints every\n"
+                          "line taken apart into its words as the library's G-code record reads it:\n"
+                          "one JSON object a line (JSON Lines), with the keys\n"
+                          "  line     the line's number, counted from 1\n"
+                          "  comment  the text after the first semicolon; the whole line if it has none\n"
+                          "  g, m     the values of the G and M words as numbers, the last on the line\n"
+                          "           first; a value that is not an unsigned whole number reads 0\n"
+                          "  words    every other word: its name and its values as text, in the order\n"
+                          "           of the line; names sorted\n"
+                          "A word is an upper-case name (letters and underscores, and one digit more\n"
+                          "right before an \"=\") followed by a number or a text in double quotes.\n"
+                          "Bytes that are not UTF-8 read as U+FFFD. A line longer than 67108864\n"
+                          "characters, or one that holds a NUL character, is no NC text: the command\n"
+                          "ends there with an error.\n");
 }
 
 int ZELKinGCodeCommand::Run(const QStringList& arguments)
@@ -173,13 +169,9 @@ int ZELKinGCodeCommand::Run(const QStringList& arguments)
 
     QFile file;
     OpenForReading(file, path);
-    QTextStream text(&file);
+    ZELKinNCLineReader reader(file, NameOf(path));
     QString line;
-    unsigned lineNumber = 0;
-    while (text.readLineInto(&line))
-        ZELKinConsole::Print(ToJsonLine(ZELKinGCodeRecord(++lineNumber, line)));
-    // A read that fails half-way must not pass for the end of the program.
-    if (file.error() != QFileDevice::NoError)
-        throw CannotRead(path, file);
+    while (reader.ReadLine(line))
+        ZELKinConsole::Print(ToJsonLine(ZELKinGCodeRecord(reader.GetLineNumber(), line)));
     return ZELKinExitStatus::Success;
 }

@@ -200,6 +200,50 @@ TEST(ZELKinToolGCode, LineOfManyDistinctNamesListsEachNameOnceInOrder)
                   .arg(QString::fromLatin1(line.chopped(1)), words));
 }
 
+// NC text holds no NUL character. A pipe that gives one is no NC program (a
+// device such as /dev/urandom may never end), and the lines before it are
+// all it has; a file has an end and is read as text whatever it holds.
+TEST(ZELKinToolGCode, NulCharacterFromAPipeEndsTheCommandAfterTheLinesBeforeIt)
+{
+    const ZELKinToolRun run = RunOnStandardInput(QByteArray("G1 X1\nX2") + '\0' + "Y3\nG2\n");
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"G1 X1\",\"g\":[1],\"m\":[],\"words\":{\"X\":[\"1\"]}}\n"));
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList({QStringLiteral("zelkin: error: cannot read standard input: line 2 "
+                                          "holds a NUL character, which no NC text holds")}));
+}
+
+TEST(ZELKinToolGCode, NulCharacterInAFileIsReadAsAControlCharacter)
+{
+    const ZELKinToolRun run = RunOnFile(QByteArray("X2") + '\0' + "Y3\n");
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"X2\\u0000Y3\",\"g\":[],\"m\":[],"
+                             "\"words\":{\"X\":[\"2\"],\"Y\":[\"3\"]}}\n"));
+}
+
+// A line may be 67108864 characters long, its line end not counted; one
+// character more is an error, whatever follows (/dev/zero has no line end).
+TEST(ZELKinToolGCode, LineOfTheLargestLengthIsReadAndALongerOneIsAnError)
+{
+    constexpr qsizetype kLargest = qsizetype(1) << 26;
+    const QByteArray largest = QByteArray(kLargest - 2, 'x').prepend("G1").append("\r\n");
+    const QTemporaryDir directory;
+    const QString path = WriteBytes(directory, QStringLiteral("long.nc"), largest + QByteArray(kLargest + 1, 'x'));
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("gcode"), path});
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.standardOutput.startsWith(QStringLiteral("{\"line\":1,\"comment\":\"G1xxx")));
+    EXPECT_TRUE(run.standardOutput.endsWith(QStringLiteral("xxx\",\"g\":[1],\"m\":[],\"words\":{}}\n")));
+    EXPECT_EQ(run.standardOutput.size(), kLargest + 50);
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList({QStringLiteral("zelkin: error: cannot read %1: line 2 is longer than 67108864 "
+                                          "characters, which no NC program has")
+                               .arg(path)}));
+}
+
 TEST(ZELKinToolGCode, MissingFileIsAnErrorNamingTheFile)
 {
     const QTemporaryDir directory;

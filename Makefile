@@ -13,7 +13,7 @@ BENCH_DIR   ?= build-bench
 SANITIZE_DIR ?= build-sanitize
 FUZZ_DIR    ?= build-fuzz
 FUZZ_SECONDS ?= 60
-FUZZ_TARGETS := gcoderecord machineloader tpprogramreader containerload writeroptions rbrsolverconfig
+FUZZ_TARGETS := gcoderecord machineloader tpprogramreader containerload writeroptions rbrsolverconfig ncreplay
 FUZZ_PACKAGES := clang-14 libclang-rt-14-dev
 SANITIZERS  := -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
 BUILD_TYPE  ?= RelWithDebInfo

@@ -1489,14 +1489,22 @@ ZELTPFormatException CannotRead(const QString& fileName, const QFile& file)
 }
 
 // A byte below 0x20 other than tab, line feed and carriage return stands
-// nowhere in a JSON text, in a string or out of one. A stream that holds one
+// nowhere in a JSON text, in a string or out of one. A stream that gives one
 // (a device such as /dev/zero or /dev/urandom, a binary file piped in) is
-// read no further: the document up to that byte is as certainly refused as
-// the whole would be.
-const char* FindControlByte(const char* begin, const char* end)
+// refused there and read no further: it may never end.
+bool IsControlByte(char byte)
 {
-    return std::find_if(
-        begin, end, [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r'; });
+    return static_cast<unsigned char>(byte) < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
+}
+
+ZELTPFormatException ControlByte(const QString& fileName, std::size_t offset, char byte)
+{
+    return ZELTPFormatException(
+        fileName, QString(),
+        ZELTPProgramReader::tr("byte %1 is the control character 0x%2, which no JSON text "
+                               "holds; a pipe or a device is read no further")
+            .arg(offset)
+            .arg(QStringLiteral("%1").arg(static_cast<unsigned char>(byte), 2, 16, QLatin1Char('0')).toUpper()));
 }
 
 // `text` with room for `size` bytes, its first `length` bytes kept.
@@ -1510,8 +1518,8 @@ simdjson::padded_string Grown(const simdjson::padded_string& text, std::size_t l
 }
 
 // A read of a file whose size is no guide (a pipe, a device, a terminal,
-// or a file that says it is empty): to its end, or to its first control
-// byte, holding no more than one byte past `maximumBytes`.
+// or a file that says it is empty): to its end, holding no more than one
+// byte past `maximumBytes`.
 std::pair<simdjson::padded_string, std::size_t> ReadStream(QFile& file, const QString& fileName, qint64 maximumBytes)
 {
     const std::size_t limit = std::size_t(maximumBytes) + 1;
@@ -1526,10 +1534,10 @@ std::pair<simdjson::padded_string, std::size_t> ReadStream(QFile& file, const QS
         if (read == 0)
             return {std::move(text), length};
         const char* const begin = text.data() + length;
-        const char* const control = FindControlByte(begin, begin + read);
-        length += std::size_t(control - begin);
+        const char* const control = std::find_if(begin, begin + read, IsControlByte);
         if (control != begin + read)
-            return {std::move(text), length + 1};
+            throw ControlByte(fileName, length + std::size_t(control - begin), *control);
+        length += std::size_t(read);
         if (length == limit)
             throw TooLarge(fileName, maximumBytes);
     }

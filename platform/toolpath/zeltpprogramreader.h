@@ -55,10 +55,11 @@ public:
     //! larger than <maximumBytes> bytes, the most the reader takes": a file
     //! whose size is known before it is read, while a pipe, a device or a
     //! file of no size is read as a stream, to its end or to one byte past
-    //! the bound, and never held larger. A stream is read no further than a
-    //! control byte (other than tab, line feed and carriage return), which no
-    //! JSON text holds; the document up to it is refused with the syntax
-    //! error a file of those bytes gets.
+    //! the bound, and never held larger. A stream is refused at its first
+    //! control byte (below 0x20, other than tab, line feed and carriage
+    //! return), which no JSON text holds: "<fileName>: byte <n> is the
+    //! control character 0x<hh>, which no JSON text holds; a pipe or a
+    //! device is read no further". A device such as /dev/zero never ends.
     ZELTPProgram* Read(const QString& fileName, qint64 maximumBytes = MaximumDocumentBytes) const;
     //! Reads the document `data` as Read reads a file's bytes; error
     //! messages name the document `sourceName`.

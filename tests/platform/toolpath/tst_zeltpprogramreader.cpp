@@ -651,47 +651,53 @@ TEST(ZELTPProgramReader, LargestSizeBeyondWhatTheParserTakesIsWhatTheParserTakes
                                               "reader takes"));
 }
 
-// The same bytes in a file and in a pipe that is kept open after them: the
-// pipe is read to its control byte and no further, and both get the one
-// message of those bytes.
-TEST(ZELTPProgramReader, PipeIsReadToItsFirstControlByteAndRefusedAsAFileOfTheSameBytes)
+// A file has an end, and its bytes go to the parser; a pipe may never end,
+// and is read no further than a byte that no JSON text holds.
+TEST(ZELTPProgramReader, PipeIsRefusedAtItsFirstControlByte)
 {
     const QTemporaryDir directory;
     ASSERT_TRUE(directory.isValid());
     const QByteArray bytes = QByteArray(R"({"format": "zelkin-toolpath", "version": 1, "program": {"name": "a)")
-        + QByteArray(1, '\x01') + QByteArray(R"("}})");
-    const QString fileName = directory.filePath(QStringLiteral("control.json"));
-    QFile file(fileName);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    file.close();
-    ZELGeoContainer container;
-    QString fileMessage;
-    try {
-        ZELTPProgramReader(&container).Read(fileName);
-    } catch (const ZELTPFormatException& error) {
-        fileMessage = error.GetMessage();
-    }
-    ASSERT_TRUE(fileMessage.startsWith(fileName + QStringLiteral(": $.program.name: invalid JSON at byte 66")))
-        << fileMessage.toStdString();
-
+        + QByteArray(1, '\x1f') + QByteArray(R"("}})");
     const ZELTest::NamedPipe pipe(directory.path(), QStringLiteral("pipe.json"), bytes + QByteArray(1 << 20, ' '));
     ASSERT_TRUE(pipe.IsCreated());
+    ZELGeoContainer container;
     EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(pipe.GetPath()), ZELTPFormatException,
-                         pipe.GetPath() + fileMessage.mid(fileName.size()));
+                         pipe.GetPath()
+                             + QStringLiteral(": byte 66 is the control character 0x1F, which no JSON text "
+                                              "holds; a pipe or a device is read no further"));
+    EXPECT_EQ(container.GetNumGeometries(), 0);
+}
+
+TEST(ZELTPProgramReader, TabLineFeedAndCarriageReturnFromAPipeAreRead)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    QByteArray bytes = FileBytes(DataFile("complete.json"));
+    bytes.replace('\n', "\r\n\t");
+    const ZELTest::NamedPipe pipe(directory.path(), QStringLiteral("complete.json"), bytes);
+    ASSERT_TRUE(pipe.IsCreated());
+    ZELGeoContainer container;
+    const ZELTPProgram* program = ZELTPProgramReader(&container).Read(pipe.GetPath());
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetName(), QStringLiteral("wing-skin-lh"));
 }
 
 TEST(ZELTPProgramReader, DevicesThatNeverEndAreRefusedAtTheirFirstControlByte)
 {
     ZELGeoContainer container;
     EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(QStringLiteral("/dev/zero")), ZELTPFormatException,
-                         "/dev/zero: $: invalid JSON at byte 0: expected a value, found byte 0x00");
+                         "/dev/zero: byte 0 is the control character 0x00, which no JSON text holds; a pipe or a "
+                         "device is read no further");
     try {
         ZELTPProgramReader(&container).Read(QStringLiteral("/dev/urandom"));
         ADD_FAILURE() << "nothing thrown";
     } catch (const ZELTPFormatException& error) {
         EXPECT_EQ(error.GetSourceName(), QStringLiteral("/dev/urandom"));
-        EXPECT_TRUE(error.GetProblem().startsWith(QStringLiteral("invalid JSON"))) << error.GetMessage().toStdString();
+        const QRegularExpression controlByte(QStringLiteral("^byte [0-9]+ is the control character 0x[01][0-9A-F], "
+                                                            "which no JSON text holds; a pipe or a device is read "
+                                                            "no further$"));
+        EXPECT_TRUE(controlByte.match(error.GetProblem()).hasMatch()) << error.GetMessage().toStdString();
     }
     EXPECT_EQ(container.GetNumGeometries(), 0);
 }

@@ -123,6 +123,33 @@ void RecordPerPlyFileLine(benchmark::State& state)
 }
 BENCHMARK(RecordPerPlyFileLine)->Unit(benchmark::kMillisecond);
 
+// One line of about `characters` characters of axis words, codes and a word
+// without a value, with neither a line break nor a semicolon: a program run
+// together into one line. Reading it must take time in proportion to its
+// length (the target is 1 s for 10 MB).
+QString LongLine(qsizetype characters)
+{
+    QString line;
+    line.reserve(characters + 128);
+    for (int step = 0; line.size() < characters; ++step) {
+        const QString motion = MotionLine(step, step % MotionLinesPerCourse);
+        line += QStringView(motion).left(motion.indexOf(QLatin1Char(';')));
+        line += QLatin1String(" TRAORI M64 ");
+    }
+    return line;
+}
+
+void RecordOneLongLine(benchmark::State& state, qsizetype characters)
+{
+    const QString line = LongLine(characters);
+    for (auto _ : state) {
+        const ZELKinGCodeRecord record(1, line);
+        benchmark::DoNotOptimize(&record);
+    }
+    state.SetBytesProcessed(state.iterations() * line.size());
+}
+BENCHMARK_CAPTURE(RecordOneLongLine, 10MB, qsizetype(10000000))->Unit(benchmark::kMillisecond);
+
 } // namespace
 
 BENCHMARK_MAIN();

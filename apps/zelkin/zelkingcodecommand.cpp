@@ -2,29 +2,26 @@
 
 #include "zelkinarguments.h"
 #include "zelkinconsole.h"
+#include "zelkinnclinereader.h"
 
 #include <zelkingcoderecord.h>
 #include <zelsysexception.h>
 
 #include <QFile>
-#include <QTextStream>
+#include <QMap>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace {
 
 const QString StandardInput = QStringLiteral("-");
+const QString GName = QStringLiteral("G");
+const QString MName = QStringLiteral("M");
 
 // The name errors give the input: the path as it was written, or "standard input".
 QString NameOf(const QString& path)
 {
     return path == StandardInput ? QStringLiteral("standard input") : path;
-}
-
-ZELSysException CannotRead(const QString& path, const QFile& file)
-{
-    return ZELSysException(QStringLiteral("cannot read %1: %2").arg(NameOf(path), file.errorString()));
 }
 
 void OpenForReading(QFile& file, const QString& path)
@@ -37,7 +34,7 @@ void OpenForReading(QFile& file, const QString& path)
         opened = file.open(QIODevice::ReadOnly);
     }
     if (!opened)
-        throw CannotRead(path, file);
+        throw ZELSysException(QStringLiteral("cannot read %1: %2").arg(NameOf(path), file.errorString()));
 }
 
 void AppendJsonString(QString& json, QStringView text)
@@ -88,21 +85,23 @@ void AppendJsonNumbers(QString& json, const QList<unsigned>& numbers)
 }
 
 // Each name once, its values in the order of the line. Names are sorted so
-// that equal lines give equal output.
+// that equal lines give equal output. The words are grouped in one pass over
+// the line: a line may hold millions of them.
 void AppendJsonWords(QString& json, const ZELKinGCodeRecord& record)
 {
-    QStringList names = record.GetVariables();
-    names.removeDuplicates();
-    std::sort(names.begin(), names.end());
+    QMap<QString, QStringList> valuesByName;
+    for (const auto& [name, value] : record.GetWords()) {
+        if (name != GName && name != MName)
+            valuesByName[name].append(value);
+    }
 
     json += QLatin1Char('{');
-    for (qsizetype i = 0; i < names.size(); ++i) {
-        if (i > 0)
+    for (auto it = valuesByName.cbegin(); it != valuesByName.cend(); ++it) {
+        if (it != valuesByName.cbegin())
             json += QLatin1Char(',');
-        const QString& name = names.at(i);
-        AppendJsonString(json, name);
+        AppendJsonString(json, it.key());
         json += QLatin1String(":[");
-        const QStringList values = record.GetVariableValues(name);
+        const QStringList& values = it.value();
         for (qsizetype j = 0; j < values.size(); ++j) {
             if (j > 0)
                 json += QLatin1Char(',');
@@ -147,19 +146,20 @@ QString ZELKinGCodeCommand::GetSynopsis() const
 
 QString ZELKinGCodeCommand::GetDescription() const
 {
-    return QStringLiteral(
-        "Reads the NC text in FILE, or on standard input for \"-\", and prints every\n"
-        "line taken apart into its words as the library's G-code record reads it:\n"
-        "one JSON object a line (JSON Lines), with the keys\n"
-        "  line     the line's number, counted from 1\n"
-        "  comment  the text after the first semicolon; the whole line if it has none\n"
-        "  g, m     the values of the G and M words as numbers, the last on the line\n"
-        "           first; a value that is not an unsigned whole number reads 0\n"
-        "  words    every other word: its name and its values as text, in the order\n"
-        "           of the line; names sorted\n"
-        "A word is an upper-case name (letters and underscores, and one digit more\n"
-        "right before an \"=\") followed by a number or a text in double quotes.\n"
-        "Bytes that are not UTF-8 read as U+FFFD.\n");
+    return QStringLiteral("Reads the NC text in FILE, or on standard input for \"-\", and prints every\n"
+                          "line taken apart into its words as the library's G-code record reads it:\n"
+                          "one JSON object a line (JSON Lines), with the keys\n"
+                          "  line     the line's number, counted from 1\n"
+                          "  comment  the text after the first semicolon; the whole line if it has none\n"
+                          "  g, m     the values of the G and M words as numbers, the last on the line\n"
+                          "           first; a value that is not an unsigned whole number reads 0\n"
+                          "  words    every other word: its name and its values as text, in the order\n"
+                          "           of the line; names sorted\n"
+                          "A word is an upper-case name (letters and underscores, and one digit more\n"
+                          "right before an \"=\") followed by a number or a text in double quotes.\n"
+                          "Bytes that are not UTF-8 read as U+FFFD. A line longer than 67108864\n"
+                          "characters, or one that holds a NUL character, is no NC text: the command\n"
+                          "ends there with an error.\n");
 }
 
 int ZELKinGCodeCommand::Run(const QStringList& arguments)
@@ -169,13 +169,9 @@ int ZELKinGCodeCommand::Run(const QStringList& arguments)
 
     QFile file;
     OpenForReading(file, path);
-    QTextStream text(&file);
+    ZELKinNCLineReader reader(file, NameOf(path));
     QString line;
-    unsigned lineNumber = 0;
-    while (text.readLineInto(&line))
-        ZELKinConsole::Print(ToJsonLine(ZELKinGCodeRecord(++lineNumber, line)));
-    // A read that fails half-way must not pass for the end of the program.
-    if (file.error() != QFileDevice::NoError)
-        throw CannotRead(path, file);
+    while (reader.ReadLine(line))
+        ZELKinConsole::Print(ToJsonLine(ZELKinGCodeRecord(reader.GetLineNumber(), line)));
     return ZELKinExitStatus::Success;
 }

@@ -10,7 +10,7 @@
     this program back see in each line?".
 
     Lines are read and printed one at a time, so that a program of any
-    length needs no more memory than its longest line.
+    length needs no more memory than its longest line, which is bounded.
 */
 class ZELKinGCodeCommand : public ZELKinCommand
 {
@@ -20,8 +20,8 @@ public:
     QString GetSynopsis() const override;
     QString GetDescription() const override;
     //! Throws ZELSysException "cannot read <file>: <reason>" when the file
-    //! cannot be opened or a read fails; the lines before a failed read have
-    //! been printed by then.
+    //! cannot be opened, a read fails, or a line is one no NC text has (see
+    //! ZELKinNCLineReader); the lines before it have been printed by then.
     int Run(const QStringList& arguments) override;
 };
 

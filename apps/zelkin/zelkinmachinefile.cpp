@@ -29,6 +29,13 @@ QByteArray ReadFile(const QString& path)
     // for a short description.
     if (file.error() != QFileDevice::NoError)
         throw CannotRead(file);
+    // The loader's message names no file. A pipe or a device may never end
+    // (/dev/zero, /dev/urandom, a pipe left open): its name is said here, as
+    // the one clue to which of the inputs it was.
+    if (file.isSequential() && text.size() > ZELKinMachineLoader::MaximumDescriptionBytes)
+        throw ZELSysException(QStringLiteral("%1: the machine description is larger than %2 bytes; a pipe or a "
+                                             "device is read no further")
+                                  .arg(path, QString::number(ZELKinMachineLoader::MaximumDescriptionBytes)));
     return text;
 }
 

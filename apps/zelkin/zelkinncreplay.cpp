@@ -1,5 +1,7 @@
 #include "zelkinncreplay.h"
 
+#include "zelkinnclinereader.h"
+
 #include <zelkinafpmachine.h>
 #include <zelkinvariable.h>
 #include <zelsysexception.h>
@@ -8,10 +10,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QTextStream>
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -22,20 +24,39 @@ const QString kProgramSetSuffix = QStringLiteral(".PPSF");
 const QString kBundleSuffix = QStringLiteral("bun");
 const QString kSourceSuffix = QStringLiteral("aptsource");
 
-QStringList ReadLines(const QString& path)
+// The lines of the posted files, read one file after the other and refused
+// once they hold more characters in all than a bound.
+class PostedText
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        throw ZELSysException(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-    QTextStream in(&file);
-    QStringList lines;
-    QString line;
-    while (in.readLineInto(&line))
-        lines.append(line);
-    if (file.error() != QFileDevice::NoError)
-        throw ZELSysException(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-    return lines;
-}
+public:
+    explicit PostedText(qint64 maximumLength)
+        : m_maximumLength(maximumLength)
+    {
+    }
+
+    QStringList ReadLines(const QString& path)
+    {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+            throw ZELSysException(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
+        ZELKinNCLineReader reader(file, path);
+        QStringList lines;
+        QString line;
+        while (reader.ReadLine(line)) {
+            m_length += line.size();
+            if (m_length > m_maximumLength)
+                throw ZELSysException(QStringLiteral("cannot read %1: the posted NC is longer than %2 characters, "
+                                                     "the most that is read")
+                                          .arg(path, QString::number(m_maximumLength)));
+            lines.append(line);
+        }
+        return lines;
+    }
+
+private:
+    const qint64 m_maximumLength;
+    qint64 m_length = 0;
+};
 
 bool HoldsProgramSet(const QDir& folder)
 {
@@ -66,20 +87,8 @@ QDir ProgramFolder(const QString& path)
     return programs.first();
 }
 
-// A number as a controller reads it: sign, digits, point and exponent.
-const QString kNumber = QStringLiteral("[-+]?(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][-+]?\\d+)?");
-// A word: its address (capital letters and underscores, with one digit when
-// "=" follows it), then an optional "=", "(" and double quote, then its
-// value: a number, read whole, or a text up to the next double quote.
-const QRegularExpression kWord(QStringLiteral("([A-Z_]+(?:\\d(?==))?)=?\\(?\"?(?:(%1)|([^\"\\r\\n]+(?=\")))?")
-                                   .arg(kNumber));
 // ";[COURSE] CourseNumber=3,..."
 const QRegularExpression kCourseRecord(QStringLiteral("^;\\[COURSE\\] CourseNumber=(\\d+)"));
-// ";PMAC1: G500U117.703A/B[FFFF]"
-const QRegularExpression kTowEvent(
-    QStringLiteral("^;PMAC1: G500U(%1)([A-Z]/[A-Z])\\[([0-9A-Fa-f]+)\\]").arg(kNumber));
-// "G92(U,0.0000); Preset U-Axis"
-const QRegularExpression kPreset(QStringLiteral("G92\\((\\w+),(%1)\\)").arg(kNumber));
 // "; 0101, Ply 1 0" in the program-set file's list of ply programs.
 const QRegularExpression kPlyProgram(QStringLiteral("^; (\\d{4}), (.*)$"));
 // "NAME#0101.PPF"
@@ -100,15 +109,171 @@ struct Word
     QString number;
 };
 
-QList<Word> WordsOf(const QString& code)
+// The scanners below read a line once from its start to its end, whatever it
+// holds: a line of millions of words reads in time in proportion to it.
+
+bool IsAddressCharacter(QChar c)
+{
+    return (c >= u'A' && c <= u'Z') || c == u'_';
+}
+
+bool IsDigit(QChar c)
+{
+    return c >= u'0' && c <= u'9';
+}
+
+bool IsAt(QStringView text, qsizetype at, char16_t c)
+{
+    return at < text.size() && text[at] == c;
+}
+
+bool IsSignAt(QStringView text, qsizetype at)
+{
+    return IsAt(text, at, u'-') || IsAt(text, at, u'+');
+}
+
+qsizetype SkipDigits(QStringView text, qsizetype at)
+{
+    while (at < text.size() && IsDigit(text[at]))
+        ++at;
+    return at;
+}
+
+// The end of the number that starts at `at`, or `at` when none does. A
+// number as a controller reads it: a sign, digits with an optional point and
+// more digits (or a point and digits), and an exponent with its own sign.
+qsizetype NumberEnd(QStringView text, qsizetype at)
+{
+    const qsizetype mantissa = IsSignAt(text, at) ? at + 1 : at;
+    qsizetype end = SkipDigits(text, mantissa);
+    if (IsAt(text, end, u'.')) {
+        const qsizetype fractionEnd = SkipDigits(text, end + 1);
+        // "5." is a number, a point alone is none.
+        if (end > mantissa || fractionEnd > end + 1)
+            end = fractionEnd;
+    }
+    if (end == mantissa)
+        return at;
+    if (IsAt(text, end, u'e') || IsAt(text, end, u'E')) {
+        const qsizetype exponent = IsSignAt(text, end + 1) ? end + 2 : end + 1;
+        const qsizetype exponentEnd = SkipDigits(text, exponent);
+        if (exponentEnd > exponent)
+            end = exponentEnd;
+    }
+    return end;
+}
+
+// The words of `code`: an address (capital letters and underscores, with one
+// digit when "=" follows it), then an optional "=", "(" and double quote,
+// then its value: a number, read whole, or a text up to the next double
+// quote, with no carriage return or line feed in it. Anything else between
+// words is skipped.
+QList<Word> WordsOf(QStringView code)
 {
     QList<Word> words;
-    QRegularExpressionMatchIterator match = kWord.globalMatch(code);
-    while (match.hasNext()) {
-        const QRegularExpressionMatch word = match.next();
-        words.append(Word{word.captured(1), word.captured(2)});
+    // Where the text that starts at a word's value ends: the next quote,
+    // carriage return or line feed from there. Found once for all the words
+    // before it.
+    qsizetype textEnd = -1;
+    qsizetype at = 0;
+    while (at < code.size()) {
+        if (!IsAddressCharacter(code[at])) {
+            ++at;
+            continue;
+        }
+        const qsizetype nameBegin = at;
+        while (at < code.size() && IsAddressCharacter(code[at]))
+            ++at;
+        if (at < code.size() && IsDigit(code[at]) && IsAt(code, at + 1, u'='))
+            ++at;
+        Word word{code.mid(nameBegin, at - nameBegin).toString(), QString()};
+        for (const char16_t optional : {u'=', u'(', u'"'}) {
+            if (IsAt(code, at, optional))
+                ++at;
+        }
+        const qsizetype numberEnd = NumberEnd(code, at);
+        if (numberEnd > at) {
+            word.number = code.mid(at, numberEnd - at).toString();
+            at = numberEnd;
+        } else {
+            if (textEnd < at) {
+                textEnd = at;
+                while (textEnd < code.size() && code[textEnd] != u'"' && code[textEnd] != u'\r'
+                       && code[textEnd] != u'\n')
+                    ++textEnd;
+            }
+            if (textEnd > at && IsAt(code, textEnd, u'"'))
+                at = textEnd;
+        }
+        words.append(word);
     }
     return words;
+}
+
+// "G92(U,0.0000)", anywhere on the line: the first preset's axis and number.
+struct PresetText
+{
+    QStringView axis;
+    QStringView number;
+};
+
+bool IsWordCharacter(QChar c)
+{
+    return IsAddressCharacter(c) || IsDigit(c) || (c >= u'a' && c <= u'z');
+}
+
+std::optional<PresetText> FindPreset(QStringView line)
+{
+    static const QString open = QStringLiteral("G92(");
+    for (qsizetype at = line.indexOf(open); at >= 0; at = line.indexOf(open, at + 1)) {
+        const qsizetype axis = at + open.size();
+        qsizetype axisEnd = axis;
+        while (axisEnd < line.size() && IsWordCharacter(line[axisEnd]))
+            ++axisEnd;
+        if (axisEnd == axis || !IsAt(line, axisEnd, u','))
+            continue;
+        const qsizetype numberEnd = NumberEnd(line, axisEnd + 1);
+        if (numberEnd > axisEnd + 1 && IsAt(line, numberEnd, u')'))
+            return PresetText{line.mid(axis, axisEnd - axis), line.mid(axisEnd + 1, numberEnd - axisEnd - 1)};
+    }
+    return std::nullopt;
+}
+
+// ";PMAC1: G500U117.703A/B[FFFF]": material, event code and tows, as text.
+struct TowEventText
+{
+    QStringView u;
+    QStringView code;
+    QStringView tows;
+};
+
+bool IsCapital(QStringView text, qsizetype at)
+{
+    return at < text.size() && text[at] >= u'A' && text[at] <= u'Z';
+}
+
+bool IsHexDigit(QChar c)
+{
+    return IsDigit(c) || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
+}
+
+std::optional<TowEventText> ParseTowEvent(QStringView line)
+{
+    static const QString head = QStringLiteral(";PMAC1: G500U");
+    if (!line.startsWith(head))
+        return std::nullopt;
+    const qsizetype u = head.size();
+    const qsizetype code = NumberEnd(line, u);
+    if (code == u || !IsCapital(line, code) || !IsAt(line, code + 1, u'/') || !IsCapital(line, code + 2)
+        || !IsAt(line, code + 3, u'['))
+        return std::nullopt;
+    const qsizetype tows = code + 4;
+    qsizetype towsEnd = tows;
+    while (towsEnd < line.size() && IsHexDigit(line[towsEnd]))
+        ++towsEnd;
+    if (towsEnd == tows || !IsAt(line, towsEnd, u']'))
+        return std::nullopt;
+    return TowEventText{line.mid(u, code - u), line.mid(code, 3), line.mid(tows, towsEnd - tows)};
 }
 
 // The post writes plain decimals only; a controller reads "2e+05" as 200000
@@ -170,12 +335,13 @@ private:
             m_courseLeft = false;
             return;
         }
-        const QRegularExpressionMatch event = kTowEvent.match(line);
-        if (!event.hasMatch())
+        const std::optional<TowEventText> event = ParseTowEvent(line);
+        if (!event)
             return;
-        CheckNotation(lineNumber, QStringLiteral("G500U"), event.captured(1));
-        m_ply.towEvents.append(ZELKinNCTowEvent{lineNumber, m_course, event.captured(1).toDouble(), event.captured(2),
-                                                event.captured(3).toULongLong(nullptr, 16)});
+        const QString u = event->u.toString();
+        CheckNotation(lineNumber, QStringLiteral("G500U"), u);
+        m_ply.towEvents.append(ZELKinNCTowEvent{lineNumber, m_course, u.toDouble(), event->code.toString(),
+                                                event->tows.toULongLong(nullptr, 16)});
     }
 
     // The course's last position, the first off-part point, follows
@@ -188,19 +354,20 @@ private:
 
     bool Preset(unsigned lineNumber, const QString& line)
     {
-        const QRegularExpressionMatch preset = kPreset.match(line);
-        if (!preset.hasMatch())
+        const std::optional<PresetText> preset = FindPreset(line);
+        if (!preset)
             return false;
-        CheckNotation(lineNumber, QStringLiteral("G92"), preset.captured(2));
-        const int axis = m_labels.indexOf(preset.captured(1));
+        const QString number = preset->number.toString();
+        CheckNotation(lineNumber, QStringLiteral("G92"), number);
+        const int axis = int(m_labels.indexOf(preset->axis));
         if (axis >= 0)
-            m_values[axis] = preset.captured(2).toDouble() * m_scales.at(axis);
+            m_values[axis] = number.toDouble() * m_scales.at(axis);
         return true;
     }
 
     void Move(unsigned lineNumber, const QString& line)
     {
-        const QList<Word> words = WordsOf(line.left(line.indexOf(QLatin1Char(';'))));
+        const QList<Word> words = WordsOf(QStringView(line).left(line.indexOf(QLatin1Char(';'))));
         const QVector<double> starts = m_values;
         QVector<bool> written(m_labels.size(), false);
         for (const Word& word : words) {
@@ -314,20 +481,26 @@ ZELKinNCReplay::ZELKinNCReplay(const ZELKinAFPMachine& machine)
     }
 }
 
+void ZELKinNCReplay::SetMaximumLength(qint64 characters)
+{
+    m_maximumLength = characters;
+}
+
 QList<ZELKinNCReplay::Section> ZELKinNCReplay::ReadSections(const QString& path) const
 {
+    PostedText text(m_maximumLength);
     const QFileInfo info(path);
     if (info.isDir()) {
         const QDir folder = ProgramFolder(path);
         QList<Section> sections;
         for (const QString& name : folder.entryList(QDir::Files, QDir::Name))
-            sections.append(Section{folder.filePath(name), name, 0, ReadLines(folder.filePath(name))});
+            sections.append(Section{folder.filePath(name), name, 0, text.ReadLines(folder.filePath(name))});
         return sections;
     }
     const QString bundle = info.suffix() == kSourceSuffix
         ? info.dir().filePath(info.completeBaseName() + QLatin1Char('.') + kBundleSuffix)
         : path;
-    const QStringList lines = ReadLines(bundle);
+    const QStringList lines = text.ReadLines(bundle);
     static const QRegularExpression marker(QStringLiteral("^>>>>> Filename\\|(.*)\\| <<<<<$"));
     QList<Section> sections;
     bool inSection = false;

@@ -115,7 +115,8 @@ struct ZELKinNCProgram
     the material axis is in mm already. The probing file is not read.
 
     Throws ZELSysException for a path that holds no posted program, or
-    several, and for a file that cannot be read.
+    several, and for a file that cannot be read or holds what no NC text
+    does (a line too long, a NUL character: /dev/zero, a binary file).
 */
 class ZELKinNCReplay
 {
@@ -123,6 +124,11 @@ public:
     //! `machine` (not owned) gives the axis labels, their kinds and the
     //! material axis.
     explicit ZELKinNCReplay(const ZELKinAFPMachine& machine);
+
+    //! Refuses posted files that hold more than `characters` characters in
+    //! all (line ends not counted), since every line is kept; no bound by
+    //! default. Each line is bounded on its own (ZELKinNCLineReader).
+    void SetMaximumLength(qint64 characters);
 
     //! `path` is what "zelkin post" was given: a folder (holding the
     //! program's folder, or the program's folder itself), a bundle file
@@ -144,6 +150,7 @@ private:
 
     QStringList m_labels;
     QVector<double> m_scales;
+    qint64 m_maximumLength = std::numeric_limits<qint64>::max();
 };
 
 #endif // ZELKINNCREPLAY_H

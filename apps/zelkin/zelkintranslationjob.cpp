@@ -24,6 +24,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -52,6 +53,9 @@ qint64 PhysicalMemory()
     return pages > 0 && pageSize > 0 ? qint64(pages) * qint64(pageSize) : 0;
 }
 
+// A file whose size is known is refused before it is read, with the
+// figures; a stream (a pipe, a device) has none, and the reader stops it at
+// the same bound.
 void RequireMemoryFor(const QString& toolpathPath)
 {
     const qint64 size = QFileInfo(toolpathPath).size();
@@ -122,7 +126,7 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
     , m_solver(CreateSolver(*m_machine))
 {
     RequireMemoryFor(input.toolpathPath);
-    const ZELTPProgram* toolpath = ZELTPProgramReader(&m_container).Read(input.toolpathPath);
+    const ZELTPProgram* toolpath = ZELTPProgramReader(&m_container).Read(input.toolpathPath, GetMaximumToolpathBytes());
     WarnOfAnotherTowWidth(*toolpath, *m_machine);
     m_solver->SetDebugPath(input.debugPath);
 
@@ -168,6 +172,13 @@ QString ZELKinTranslationJob::DescribeFindings(const QString& outcome) const
 }
 
 ZELKinTranslationJob::~ZELKinTranslationJob() = default;
+
+qint64 ZELKinTranslationJob::GetMaximumToolpathBytes()
+{
+    const qint64 available = PhysicalMemory();
+    return available > 0 ? std::min(available / kMemoryPerToolpathByte, ZELTPProgramReader::MaximumDocumentBytes)
+                         : ZELTPProgramReader::MaximumDocumentBytes;
+}
 
 ZELKinTranslationJob& ZELKinTranslationJob::KeepUntilExit(std::unique_ptr<ZELKinTranslationJob> job)
 {

@@ -54,6 +54,12 @@ public:
     //! The machine's solver, configured from its description.
     const ZELKinSolver* GetSolver() const { return m_solver.get(); }
 
+    //! The largest toolpath this machine has the memory to post, in bytes:
+    //! an eighth of its physical memory, and no more than the reader takes
+    //! at all. A toolpath that is a stream (a pipe, a device) is read no
+    //! further than this.
+    static qint64 GetMaximumToolpathBytes();
+
     //! Keeps a finished job, still reachable, until the process ends, and
     //! never destroys it: the tool exits right after its last file, and
     //! deleting a program of millions of objects one by one would take

@@ -5,6 +5,7 @@
 #include "zelkinconsole.h"
 #include "zelkinmachinefile.h"
 #include "zelkinncreplay.h"
+#include "zelkintranslationjob.h"
 
 #include <zelgeocontainer.h>
 #include <zelkinafpmachine.h>
@@ -121,9 +122,14 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
         m_machine = ReadInput([&] { return ZELKinMachineFile::Load(m_container.get(), input.machinePath); });
     }
     const auto verifier = ReadInput([&] { return std::make_unique<ZELKinVerifier>(*m_machine, input.gates); });
-    const ZELTPProgram* toolpath =
-        ReadInput([&] { return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath); });
-    const ZELKinNCProgram nc = ReadInput([&] { return ZELKinNCReplay(*m_machine).Read(input.ncPath); });
+    // The toolpath and the posted NC are held whole: no more of either than
+    // a post on this machine could take.
+    const qint64 maximumBytes = ZELKinTranslationJob::GetMaximumToolpathBytes();
+    const ZELTPProgram* toolpath
+        = ReadInput([&] { return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath, maximumBytes); });
+    ZELKinNCReplay replay(*m_machine);
+    replay.SetMaximumLength(maximumBytes);
+    const ZELKinNCProgram nc = ReadInput([&] { return replay.Read(input.ncPath); });
     m_verification = verifier->Verify(*toolpath, nc);
 }
 

@@ -33,28 +33,53 @@ qsizetype SkipDigits(QStringView code, qsizetype at)
     return at;
 }
 
+// Where the next double quote, carriage return or line feed stands in the
+// code part, asked for positions that only grow. Each answer holds until the
+// position passes it, so that a line of many words is scanned for them once
+// in all, not once a word.
+class QuotedTextEnd
+{
+public:
+    explicit QuotedTextEnd(QStringView code)
+        : m_code(code)
+    {
+    }
+
+    qsizetype From(qsizetype at)
+    {
+        if (m_end < at) {
+            m_end = at;
+            while (m_end < m_code.size() && m_code[m_end] != u'"' && m_code[m_end] != u'\r' && m_code[m_end] != u'\n')
+                ++m_end;
+        }
+        return m_end;
+    }
+
+private:
+    const QStringView m_code;
+    qsizetype m_end = -1;
+};
+
 // The end of the value that starts at `at`, or `at` when there is none.
 // Quoted text wins: a run without quote, carriage return or line feed counts
 // only when a quote ends it. Otherwise a number: an optional minus sign,
 // digits, and a point only together with the digits after it.
-qsizetype ValueEnd(QStringView code, qsizetype at)
+qsizetype ValueEnd(QStringView code, qsizetype at, QuotedTextEnd& quotedTextEnd)
 {
-    qsizetype end = at;
-    while (end < code.size() && code[end] != u'"' && code[end] != u'\r' && code[end] != u'\n')
-        ++end;
+    const qsizetype end = quotedTextEnd.From(at);
     if (end > at && IsAt(code, end, u'"'))
         return end;
 
     const qsizetype digits = IsAt(code, at, u'-') ? at + 1 : at;
-    end = SkipDigits(code, digits);
-    if (end == digits)
+    const qsizetype integerEnd = SkipDigits(code, digits);
+    if (integerEnd == digits)
         return at;
-    if (IsAt(code, end, u'.')) {
-        const qsizetype fractionEnd = SkipDigits(code, end + 1);
-        if (fractionEnd > end + 1)
+    if (IsAt(code, integerEnd, u'.')) {
+        const qsizetype fractionEnd = SkipDigits(code, integerEnd + 1);
+        if (fractionEnd > integerEnd + 1)
             return fractionEnd;
     }
-    return end;
+    return integerEnd;
 }
 
 // Scans `code`, the start of the line, for words, left to right: a word
@@ -63,6 +88,7 @@ qsizetype ValueEnd(QStringView code, qsizetype at)
 ZELKinGCodeRecordPrivate::Words ScanWords(QStringView code)
 {
     ZELKinGCodeRecordPrivate::Words words;
+    QuotedTextEnd quotedTextEnd(code);
     qsizetype at = 0;
     while (at < code.size()) {
         if (!IsNameChar(code[at])) {
@@ -81,7 +107,7 @@ ZELKinGCodeRecordPrivate::Words ScanWords(QStringView code)
             if (IsAt(code, at, optional))
                 ++at;
         }
-        const qsizetype valueEnd = ValueEnd(code, at);
+        const qsizetype valueEnd = ValueEnd(code, at, quotedTextEnd);
         word.valueBegin = at;
         word.valueLength = valueEnd - at;
         at = valueEnd;
@@ -200,6 +226,16 @@ QStringList ZELKinGCodeRecord::GetVariableValues(const QString& name) const
             values.append(d->ValueOf(word).toString());
     }
     return values;
+}
+
+QList<QPair<QString, QString>> ZELKinGCodeRecord::GetWords() const
+{
+    Q_D(const ZELKinGCodeRecord);
+    QList<QPair<QString, QString>> words;
+    words.reserve(d->words.size());
+    for (const ZELKinGCodeRecordPrivate::Word& word : d->words)
+        words.append({d->NameOf(word).toString(), d->ValueOf(word).toString()});
+    return words;
 }
 
 bool ZELKinGCodeRecord::IsVariable(const QString& name) const

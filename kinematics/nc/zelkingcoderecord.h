@@ -5,6 +5,7 @@
 
 #include <QExplicitlySharedDataPointer>
 #include <QList>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 
@@ -68,6 +69,10 @@ public:
     //! empty when there is none. For readers that need all of a repeated
     //! name, such as the several X words of a malformed line.
     QStringList GetVariableValues(const QString& name) const;
+    //! Every word, G and M included, as its name and value in the order of
+    //! the line. For readers that go through all the words of a line at
+    //! once, which asking name by name would make quadratic in the words.
+    QList<QPair<QString, QString>> GetWords() const;
     //! Whether the line has a word called `name`, G and M included.
     bool IsVariable(const QString& name) const;
 

@@ -48,12 +48,26 @@ public:
     explicit ZELTPProgramReader(ZELGeoContainer* container);
     virtual ~ZELTPProgramReader();
 
+    //! The largest document the parser takes: 4 GiB less one byte.
+    static constexpr qint64 MaximumDocumentBytes = 0xFFFFFFFF;
+
     //! Reads the document in the file `fileName` and returns the program
     //! (owned by the container), every object of it initialised. Throws
     //! ZELTPFormatException "<fileName>: cannot open the file: <reason>"
     //! when the file cannot be read, and the format's messages (source
     //! `fileName`) for a document that breaks a rule.
-    ZELTPProgram* Read(const QString& fileName) const;
+    //!
+    //! A document of more than `maximumBytes` bytes (at most
+    //! MaximumDocumentBytes) is refused with "<fileName>: the toolpath is
+    //! larger than <maximumBytes> bytes, the most the reader takes": a file
+    //! whose size is known before it is read, while a pipe, a device or a
+    //! file of no size is read as a stream, to its end or to one byte past
+    //! the bound, and never held larger. A stream is refused at its first
+    //! control byte (below 0x20, other than tab, line feed and carriage
+    //! return), which no JSON text holds: "<fileName>: byte <n> is the
+    //! control character 0x<hh>, which no JSON text holds; a pipe or a
+    //! device is read no further". A device such as /dev/zero never ends.
+    ZELTPProgram* Read(const QString& fileName, qint64 maximumBytes = MaximumDocumentBytes) const;
     //! Reads the document `data` as Read reads a file's bytes; error
     //! messages name the document `sourceName`.
     ZELTPProgram* ReadData(const QByteArray& data, const QString& sourceName) const;

@@ -74,6 +74,15 @@ void ExpectFailure(const ZELKinToolRun& run, int exitCode, const QStringList& er
     EXPECT_EQ(run.GetErrorLines(), errorLines);
 }
 
+// Four capital letters from `n`, the first letter changing slowest.
+QByteArray FourLetterName(int n)
+{
+    QByteArray name(4, 'A');
+    for (int i = 3; i >= 0; --i, n /= 26)
+        name[i] = char('A' + n % 26);
+    return name;
+}
+
 } // namespace
 
 TEST(ZELKinToolGCode, PrintsOneJsonLinePerLineOfTheFile)
@@ -167,6 +176,72 @@ TEST(ZELKinToolGCode, LongProgramIsReadToItsLastLine)
     EXPECT_TRUE(run.standardOutput.endsWith(QStringLiteral("{\"line\":20000,\"comment\":\"N20000 G1 X18\",\"g\":[1],"
                                                            "\"m\":[],\"words\":{\"N\":[\"20000\"],\"X\":[\"18\"]}}\n")))
         << run.standardOutput.right(200).toStdString();
+}
+
+// Grouping the words name by name, each name looked for along the whole
+// line, would take many minutes here.
+TEST(ZELKinToolGCode, LineOfManyDistinctNamesListsEachNameOnceInOrder)
+{
+    constexpr int kNames = 200000;
+    QByteArray line;
+    for (int n = kNames - 1; n >= 0; --n)
+        line += FourLetterName(n) + QByteArray::number(n % 10) + ' ';
+    line += "G1 X5 X6\n";
+
+    // Every name made here sorts before X.
+    QString words;
+    for (int n = 0; n < kNames; ++n)
+        words += QStringLiteral("\"%1\":[\"%2\"],").arg(QString::fromLatin1(FourLetterName(n))).arg(n % 10);
+    words += QStringLiteral("\"X\":[\"5\",\"6\"]");
+    const ZELKinToolRun run = RunOnFile(line);
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"%1\",\"g\":[1],\"m\":[],\"words\":{%2}}\n")
+                  .arg(QString::fromLatin1(line.chopped(1)), words));
+}
+
+// NC text holds no NUL character. A pipe that gives one is no NC program (a
+// device such as /dev/urandom may never end), and the lines before it are
+// all it has; a file has an end and is read as text whatever it holds.
+TEST(ZELKinToolGCode, NulCharacterFromAPipeEndsTheCommandAfterTheLinesBeforeIt)
+{
+    const ZELKinToolRun run = RunOnStandardInput(QByteArray("G1 X1\nX2") + '\0' + "Y3\nG2\n");
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"G1 X1\",\"g\":[1],\"m\":[],\"words\":{\"X\":[\"1\"]}}\n"));
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList({QStringLiteral("zelkin: error: cannot read standard input: line 2 "
+                                          "holds a NUL character, which no NC text holds")}));
+}
+
+TEST(ZELKinToolGCode, NulCharacterInAFileIsReadAsAControlCharacter)
+{
+    const ZELKinToolRun run = RunOnFile(QByteArray("X2") + '\0' + "Y3\n");
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"X2\\u0000Y3\",\"g\":[],\"m\":[],"
+                             "\"words\":{\"X\":[\"2\"],\"Y\":[\"3\"]}}\n"));
+}
+
+// A line may be 67108864 characters long, its line end not counted; one
+// character more is an error, whatever follows (/dev/zero has no line end).
+TEST(ZELKinToolGCode, LineOfTheLargestLengthIsReadAndALongerOneIsAnError)
+{
+    constexpr qsizetype kLargest = qsizetype(1) << 26;
+    const QByteArray largest = QByteArray(kLargest - 2, 'x').prepend("G1").append("\r\n");
+    const QTemporaryDir directory;
+    const QString path = WriteBytes(directory, QStringLiteral("long.nc"), largest + QByteArray(kLargest + 1, 'x'));
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("gcode"), path});
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.standardOutput.startsWith(QStringLiteral("{\"line\":1,\"comment\":\"G1xxx")));
+    EXPECT_TRUE(run.standardOutput.endsWith(QStringLiteral("xxx\",\"g\":[1],\"m\":[],\"words\":{}}\n")));
+    EXPECT_EQ(run.standardOutput.size(), kLargest + 50);
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList({QStringLiteral("zelkin: error: cannot read %1: line 2 is longer than 67108864 "
+                                          "characters, which no NC program has")
+                               .arg(path)}));
 }
 
 TEST(ZELKinToolGCode, MissingFileIsAnErrorNamingTheFile)

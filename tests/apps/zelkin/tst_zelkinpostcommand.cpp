@@ -2,6 +2,7 @@
 #include "zelkinpostednc.h"
 #include "zelkintoolrun.h"
 
+#include <zeltestnamedpipe.h>
 #include <zeltestsupport.h>
 
 #include <QDirIterator>
@@ -753,3 +754,44 @@ INSTANTIATE_TEST_SUITE_P(
                           "$.program.procedures[0].courses[0].trajectories[2].points[3].origin[0]: "
                           "expected a number from -100000 to 100000, found 1e+300"}),
     [](const ::testing::TestParamInfo<UnfitToolpathCase>& info) { return std::string(info.param.name); });
+
+// A toolpath handed over through a pipe ("--toolpath <(cat T.json)",
+// /dev/stdin) has no size to go by: it is read to its end as it comes.
+TEST(ZELKinPostCommand, AToolpathFromANamedPipePostsTheSameBytesAsItsFile)
+{
+    const Posting posting;
+    const QString fromFile = posting.PathOf(QStringLiteral("file.bun"));
+    ASSERT_EQ(posting.Post(fromFile).exitCode, 0);
+
+    const ZELTest::NamedPipe pipe(posting.directory.path(), QStringLiteral("toolpath.fifo"), ReadAll(posting.toolpath));
+    ASSERT_TRUE(pipe.IsCreated());
+    const QString fromPipe = posting.PathOf(QStringLiteral("pipe.bun"));
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), pipe.GetPath(), QStringLiteral("--output"),
+                                         fromPipe},
+                                        ReproducibleEnvironment());
+
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    const QByteArray bundle = ReadAll(fromFile);
+    EXPECT_FALSE(bundle.isEmpty());
+    EXPECT_EQ(ReadAll(fromPipe), bundle);
+}
+
+TEST(ZELKinPostCommand, AMachineFromANamedPipePostsTheSameBytesAsItsFile)
+{
+    const Posting posting;
+    const QString fromFile = posting.PathOf(QStringLiteral("file.bun"));
+    ASSERT_EQ(posting.Post(fromFile).exitCode, 0);
+
+    const ZELTest::NamedPipe pipe(posting.directory.path(), QStringLiteral("machine.fifo"),
+                                  ReadAll(GetExampleMachinePath()));
+    ASSERT_TRUE(pipe.IsCreated());
+    const QString fromPipe = posting.PathOf(QStringLiteral("pipe.bun"));
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), pipe.GetPath(),
+                                         QStringLiteral("--toolpath"), posting.toolpath, QStringLiteral("--output"),
+                                         fromPipe},
+                                        ReproducibleEnvironment());
+
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_EQ(ReadAll(fromPipe), ReadAll(fromFile));
+}

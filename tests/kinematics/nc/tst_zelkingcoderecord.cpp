@@ -47,6 +47,15 @@ WordsByName WordsOf(const ZELKinGCodeRecord& record)
     return grouped;
 }
 
+// Every word of the record in the order of the line.
+WordList WordsInLineOrder(const ZELKinGCodeRecord& record)
+{
+    WordList words;
+    for (const auto& [name, value] : record.GetWords())
+        words.emplace_back(name.toStdString(), value.toStdString());
+    return words;
+}
+
 std::vector<std::string> Sorted(const QStringList& names)
 {
     std::vector<std::string> sorted;
@@ -121,6 +130,11 @@ TEST_P(ZELKinGCodeRecordLine, HoldsEveryWordWithItsValuesInLineOrder)
 {
     const ZELKinGCodeRecord record(7, GetParam().line);
     EXPECT_EQ(WordsOf(record), GroupByName(GetParam().words));
+}
+
+TEST_P(ZELKinGCodeRecordLine, GivesEveryWordInLineOrder)
+{
+    EXPECT_EQ(WordsInLineOrder(ZELKinGCodeRecord(7, GetParam().line)), GetParam().words);
 }
 
 TEST_P(ZELKinGCodeRecordLine, ListsEveryVariableOncePerOccurrence)
@@ -334,6 +348,19 @@ TEST(ZELKinGCodeRecord, AgreesWithTheWordPatternOnRandomLines)
     EXPECT_EQ(differing, 0);
 }
 
+TEST(ZELKinGCodeRecord, WordsInLineOrderAgreeWithTheWordPatternOnRandomLines)
+{
+    constexpr int kLines = 20000;
+    std::mt19937 generator(20261124u);
+    int differing = 0;
+    for (int i = 0; i < kLines; ++i) {
+        const QString line = RandomLine(generator);
+        if (WordsInLineOrder(ZELKinGCodeRecord(1, line)) != PatternWords(line) && ++differing <= 5)
+            ADD_FAILURE() << "line " << i << ": " << ::testing::PrintToString(line.toStdString());
+    }
+    EXPECT_EQ(differing, 0);
+}
+
 } // namespace
 
 TEST(ZELKinGCodeRecord, GAndMAreWordsButNotVariables)
@@ -463,6 +490,28 @@ TEST(ZELKinGCodeRecord, ReservedTextStaysEmpty)
     const ZELKinGCodeRecord parsed(1, QStringLiteral("G1 X5 ;comment"));
     EXPECT_TRUE(ZELKinTestAccess::BodyOf(parsed)->secondText.isEmpty());
     EXPECT_TRUE(ZELKinTestAccess::BodyOf(ZELKinGCodeRecord())->secondText.isEmpty());
+}
+
+// A reader that went through the rest of the line once a word would take
+// hours here; one that reads the line once takes a fraction of a second.
+TEST(ZELKinGCodeRecord, LineOfAMillionWordsIsReadWordForWord)
+{
+    constexpr int kWords = 1000000;
+    QString line = QStringLiteral("N0");
+    for (int i = 1; i < kWords - 1; ++i)
+        line += i % 4 == 0 ? QStringLiteral(" G1") : QStringLiteral(" X%1").arg(i % 1000);
+    line += QStringLiteral(" M30 ;end");
+
+    const ZELKinGCodeRecord record(1, line);
+    const QList<QPair<QString, QString>> words = record.GetWords();
+    ASSERT_EQ(words.size(), kWords);
+    EXPECT_EQ(words.first(), qMakePair(QStringLiteral("N"), QStringLiteral("0")));
+    EXPECT_EQ(words.at(1), qMakePair(QStringLiteral("X"), QStringLiteral("1")));
+    EXPECT_EQ(words.at(kWords - 2), qMakePair(QStringLiteral("X"), QStringLiteral("998")));
+    EXPECT_EQ(words.last(), qMakePair(QStringLiteral("M"), QStringLiteral("30")));
+    EXPECT_EQ(record.GetGCodes().size(), (kWords - 2) / 4);
+    EXPECT_EQ(record.GetVariables().size(), kWords - 1 - (kWords - 2) / 4);
+    EXPECT_EQ(record.GetComment(), QStringLiteral("end"));
 }
 
 TEST(ZELKinGCodeRecord, LinesParsedOnSeveralThreadsAtOnceGiveTheSameWords)

@@ -21,6 +21,7 @@
 #include <zelgeocontainer.h>
 #include <zelsysexception.h>
 
+#include <zeltestnamedpipe.h>
 #include <zeltestsupport.h>
 
 #include <QFile>
@@ -544,6 +545,161 @@ TEST(ZELTPProgramReader, ReaderReadsAgainAfterAFailure)
     const ZELTPProgram* program = reader.Read(DataFile("complete.json"));
     ASSERT_NE(program, nullptr);
     EXPECT_EQ(container.GetNumGeometries(), 37);
+}
+
+// ---------------------------------------------------------------------------
+// Pipes and devices, which have no size to go by
+
+TEST(ZELTPProgramReader, DocumentFromANamedPipeBuildsWhatItsFileBuilds)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const ZELTest::NamedPipe pipe(directory.path(), QStringLiteral("complete.json"),
+                                  FileBytes(DataFile("complete.json")));
+    ASSERT_TRUE(pipe.IsCreated());
+    ZELGeoContainer fromFile;
+    ZELGeoContainer fromPipe;
+    ZELTPProgramReader(&fromFile).Read(DataFile("complete.json"));
+    const ZELTPProgram* program = ZELTPProgramReader(&fromPipe).Read(pipe.GetPath());
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetName(), QStringLiteral("wing-skin-lh"));
+    EXPECT_EQ(program->GetNumProcedures(), 2);
+    EXPECT_EQ(fromPipe.GetNumGeometries(), fromFile.GetNumGeometries());
+}
+
+TEST(ZELTPProgramReader, EmptyPipeIsAnEmptyDocument)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const ZELTest::NamedPipe pipe(directory.path(), QStringLiteral("empty.json"), QByteArray());
+    ASSERT_TRUE(pipe.IsCreated());
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(pipe.GetPath()), ZELTPFormatException,
+                         pipe.GetPath() + QStringLiteral(": $: invalid JSON at byte 0: the document is empty"));
+}
+
+TEST(ZELTPProgramReader, PipeOfExactlyTheLargestSizeIsRead)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const QByteArray bytes = FileBytes(DataFile("complete.json"));
+    const ZELTest::NamedPipe pipe(directory.path(), QStringLiteral("complete.json"), bytes);
+    ASSERT_TRUE(pipe.IsCreated());
+    ZELGeoContainer container;
+    const ZELTPProgram* program = ZELTPProgramReader(&container).Read(pipe.GetPath(), bytes.size());
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetName(), QStringLiteral("wing-skin-lh"));
+}
+
+TEST(ZELTPProgramReader, PipeOfOneByteMoreThanTheLargestSizeIsRefusedNamingItAndTheSize)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const QByteArray bytes = FileBytes(DataFile("complete.json"));
+    const ZELTest::NamedPipe pipe(directory.path(), QStringLiteral("complete.json"), bytes);
+    ASSERT_TRUE(pipe.IsCreated());
+    const qint64 largest = bytes.size() - 1;
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(
+        ZELTPProgramReader(&container).Read(pipe.GetPath(), largest), ZELTPFormatException,
+        pipe.GetPath()
+            + QStringLiteral(": the toolpath is larger than %1 bytes, the most the reader takes").arg(largest));
+    EXPECT_EQ(container.GetNumGeometries(), 0);
+}
+
+// A pipe grows its buffer as it is read; whitespace keeps it a document
+// that only its size can refuse.
+TEST(ZELTPProgramReader, PipeMuchLargerThanTheLargestSizeIsRefused)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const ZELTest::NamedPipe pipe(directory.path(), QStringLiteral("blank.json"), QByteArray(3 << 20, ' '));
+    ASSERT_TRUE(pipe.IsCreated());
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(pipe.GetPath(), 1 << 20), ZELTPFormatException,
+                         pipe.GetPath()
+                             + QStringLiteral(": the toolpath is larger than 1048576 bytes, the most the "
+                                              "reader takes"));
+}
+
+TEST(ZELTPProgramReader, FileLargerThanTheLargestSizeIsRefusedBeforeItIsRead)
+{
+    const QByteArray bytes = FileBytes(DataFile("complete.json"));
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(DataFile("complete.json"), bytes.size() - 1),
+                         ZELTPFormatException,
+                         DataFile("complete.json")
+                             + QStringLiteral(": the toolpath is larger than %1 bytes, the most the reader takes")
+                                   .arg(bytes.size() - 1));
+    EXPECT_NE(ZELTPProgramReader(&container).Read(DataFile("complete.json"), bytes.size()), nullptr);
+}
+
+TEST(ZELTPProgramReader, LargestSizeBeyondWhatTheParserTakesIsWhatTheParserTakes)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const QString fileName = directory.filePath(QStringLiteral("sparse.json"));
+    QFile file(fileName);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(file.resize(ZELTPProgramReader::MaximumDocumentBytes + 1));
+    file.close();
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(fileName, ZELTPProgramReader::MaximumDocumentBytes * 2),
+                         ZELTPFormatException,
+                         fileName
+                             + QStringLiteral(": the toolpath is larger than 4294967295 bytes, the most the "
+                                              "reader takes"));
+}
+
+// A file has an end, and its bytes go to the parser; a pipe may never end,
+// and is read no further than a byte that no JSON text holds.
+TEST(ZELTPProgramReader, PipeIsRefusedAtItsFirstControlByte)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    const QByteArray bytes = QByteArray(R"({"format": "zelkin-toolpath", "version": 1, "program": {"name": "a)")
+        + QByteArray(1, '\x1f') + QByteArray(R"("}})");
+    const ZELTest::NamedPipe pipe(directory.path(), QStringLiteral("pipe.json"), bytes + QByteArray(1 << 20, ' '));
+    ASSERT_TRUE(pipe.IsCreated());
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(pipe.GetPath()), ZELTPFormatException,
+                         pipe.GetPath()
+                             + QStringLiteral(": byte 66 is the control character 0x1F, which no JSON text "
+                                              "holds; a pipe or a device is read no further"));
+    EXPECT_EQ(container.GetNumGeometries(), 0);
+}
+
+TEST(ZELTPProgramReader, TabLineFeedAndCarriageReturnFromAPipeAreRead)
+{
+    const QTemporaryDir directory;
+    ASSERT_TRUE(directory.isValid());
+    QByteArray bytes = FileBytes(DataFile("complete.json"));
+    bytes.replace('\n', "\r\n\t");
+    const ZELTest::NamedPipe pipe(directory.path(), QStringLiteral("complete.json"), bytes);
+    ASSERT_TRUE(pipe.IsCreated());
+    ZELGeoContainer container;
+    const ZELTPProgram* program = ZELTPProgramReader(&container).Read(pipe.GetPath());
+    ASSERT_NE(program, nullptr);
+    EXPECT_EQ(program->GetName(), QStringLiteral("wing-skin-lh"));
+}
+
+TEST(ZELTPProgramReader, DevicesThatNeverEndAreRefusedAtTheirFirstControlByte)
+{
+    ZELGeoContainer container;
+    EXPECT_THROW_MESSAGE(ZELTPProgramReader(&container).Read(QStringLiteral("/dev/zero")), ZELTPFormatException,
+                         "/dev/zero: byte 0 is the control character 0x00, which no JSON text holds; a pipe or a "
+                         "device is read no further");
+    try {
+        ZELTPProgramReader(&container).Read(QStringLiteral("/dev/urandom"));
+        ADD_FAILURE() << "nothing thrown";
+    } catch (const ZELTPFormatException& error) {
+        EXPECT_EQ(error.GetSourceName(), QStringLiteral("/dev/urandom"));
+        const QRegularExpression controlByte(QStringLiteral("^byte [0-9]+ is the control character 0x[01][0-9A-F], "
+                                                            "which no JSON text holds; a pipe or a device is read "
+                                                            "no further$"));
+        EXPECT_TRUE(controlByte.match(error.GetProblem()).hasMatch()) << error.GetMessage().toStdString();
+    }
+    EXPECT_EQ(container.GetNumGeometries(), 0);
 }
 
 // ---------------------------------------------------------------------------

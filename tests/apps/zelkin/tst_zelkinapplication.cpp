@@ -191,16 +191,7 @@ ZELKinToolRun RunZelkinWithStandardOutputOn(const QStringList& arguments, const 
     else
         process.setStandardOutputFile(device);
     process.start(QStringLiteral(ZELKIN_EXECUTABLE), arguments);
-    process.closeWriteChannel();
-    ZELKinToolRun run;
-    if (!process.waitForFinished(60000)) {
-        ADD_FAILURE() << "zelkin did not run to its end: " << process.errorString().toStdString();
-        return run;
-    }
-    run.exitStatus = process.exitStatus();
-    run.exitCode = process.exitCode();
-    run.standardError = QString::fromUtf8(process.readAllStandardError());
-    return run;
+    return FinishZelkinRun(process);
 }
 
 struct LostOutputCase

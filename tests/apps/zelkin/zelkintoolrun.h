@@ -31,15 +31,10 @@ struct ZELKinToolRun
     }
 };
 
-//! Runs zelkin with `arguments` in `environment`, feeding it `input` on
-//! standard input, and waits for it to end.
-inline ZELKinToolRun RunZelkin(const QStringList& arguments, const QProcessEnvironment& environment,
-                               const QByteArray& input = QByteArray())
+//! Closes the standard input of the zelkin `process` has started, waits for
+//! it to end and gathers what it printed.
+inline ZELKinToolRun FinishZelkinRun(QProcess& process)
 {
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(ZELKIN_EXECUTABLE), arguments);
-    process.write(input);
     process.closeWriteChannel();
     ZELKinToolRun run;
     if (!process.waitForFinished(60000)) {
@@ -51,6 +46,18 @@ inline ZELKinToolRun RunZelkin(const QStringList& arguments, const QProcessEnvir
     run.standardOutput = QString::fromUtf8(process.readAllStandardOutput());
     run.standardError = QString::fromUtf8(process.readAllStandardError());
     return run;
+}
+
+//! Runs zelkin with `arguments` in `environment`, feeding it `input` on
+//! standard input, and waits for it to end.
+inline ZELKinToolRun RunZelkin(const QStringList& arguments, const QProcessEnvironment& environment,
+                               const QByteArray& input = QByteArray())
+{
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(ZELKIN_EXECUTABLE), arguments);
+    process.write(input);
+    return FinishZelkinRun(process);
 }
 
 //! Runs zelkin with `arguments` in the test's own environment.

@@ -101,21 +101,3 @@ void ZELKinConsole::InstallMessageHandler()
     qInstallMessageHandler(HandleQtMessage);
 }
 
-ZELKinConsole::StdoutToStderr::StdoutToStderr()
-{
-    std::fflush(stdout);
-    m_saved = ::dup(STDOUT_FILENO);
-    if (m_saved >= 0 && ::dup2(STDERR_FILENO, STDOUT_FILENO) < 0) {
-        ::close(m_saved);
-        m_saved = -1;
-    }
-}
-
-ZELKinConsole::StdoutToStderr::~StdoutToStderr()
-{
-    std::fflush(stdout);
-    if (m_saved < 0)
-        return;
-    ::dup2(m_saved, STDOUT_FILENO);
-    ::close(m_saved);
-}

@@ -40,24 +40,6 @@ void KeepStandardStreamsOpen();
 //! error line and exit status 1 instead of an abort and a core dump.
 void InstallMessageHandler();
 
-/*!
-    While it lives, whatever is written to stdout (the library's progress
-    lines among it) goes to stderr instead, so that a command whose stdout
-    is a report keeps it clean. Flushes stdout on both ends. Throws nothing;
-    when the descriptors cannot be duplicated, stdout stays as it is.
-*/
-class StdoutToStderr
-{
-public:
-    StdoutToStderr();
-    ~StdoutToStderr();
-    StdoutToStderr(const StdoutToStderr&) = delete;
-    StdoutToStderr& operator=(const StdoutToStderr&) = delete;
-
-private:
-    int m_saved = -1;
-};
-
 } // namespace ZELKinConsole
 
 #endif // ZELKINCONSOLE_H

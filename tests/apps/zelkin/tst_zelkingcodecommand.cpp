@@ -156,6 +156,42 @@ TEST(ZELKinToolGCode, Utf8ByteOrderMarkIsNotPartOfTheFirstLine)
               QStringLiteral("{\"line\":1,\"comment\":\"\u00e4\",\"g\":[1],\"m\":[],\"words\":{}}\n"));
 }
 
+// One carriage return goes with the line end after it, or with the end of
+// the text; any other is part of the line.
+TEST(ZELKinToolGCode, OneCarriageReturnBeforeALineEndOrTheEndOfTheTextIsNotPartOfTheLine)
+{
+    const ZELKinToolRun run = RunOnFile("G1\rX2\r\r\nX3\r\n\r");
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"G1\\rX2\\r\",\"g\":[1],\"m\":[],\"words\":{\"X\":[\"2\"]}}\n"
+                             "{\"line\":2,\"comment\":\"X3\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"3\"]}}\n"
+                             "{\"line\":3,\"comment\":\"\",\"g\":[],\"m\":[],\"words\":{}}\n"));
+}
+
+TEST(ZELKinToolGCode, Utf16ByteOrderMarkChoosesUtf16)
+{
+    const ZELKinToolRun run = RunOnFile(QByteArray("\xff\xfeG\0001\000\n\000X\0002\000", 12));
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"G1\",\"g\":[1],\"m\":[],\"words\":{}}\n"
+                             "{\"line\":2,\"comment\":\"X2\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"2\"]}}\n"));
+}
+
+// The text is read in blocks; a character whose bytes two blocks share is
+// read whole, wherever the blocks end.
+TEST(ZELKinToolGCode, CharactersAcrossTheBlocksOfALongLineAreReadWhole)
+{
+    QByteArray line("G1 ;");
+    for (int i = 0; i < 100000; ++i)
+        line += "\xe2\x82\xac";
+    const ZELKinToolRun run = RunOnFile(line + "\nX1\n");
+    EXPECT_TRUE(Succeeded(run));
+    EXPECT_EQ(run.standardOutput,
+              QStringLiteral("{\"line\":1,\"comment\":\"%1\",\"g\":[1],\"m\":[],\"words\":{}}\n"
+                             "{\"line\":2,\"comment\":\"X1\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"1\"]}}\n")
+                  .arg(QString(100000, QChar(0x20ac))));
+}
+
 TEST(ZELKinToolGCode, EmptyInputPrintsNothing)
 {
     for (const ZELKinToolRun& run : {RunOnFile(QByteArray()), RunOnStandardInput(QByteArray())}) {

@@ -1,5 +1,8 @@
-// A machine description loaded into a fresh container. Bad descriptions end
-// in ZELSysException or in no machine; any other way out is a finding.
+// A machine description checked as zelkin checks it and loaded into a fresh
+// container. Bad descriptions end in ZELSysException or in no machine; any
+// other way out is a finding. A machine built from a description the check
+// passed has finite, positive speeds and accelerations and variables of
+// distinct names.
 //
 // The loader ends the process on purpose when a description has not exactly
 // one <variables> or <joints> element, or a variable without "max-accel".
@@ -11,11 +14,18 @@
 
 #include <zelgeocontainer.h>
 #include <zelkinmachine.h>
+#include <zelkinmachinedescriptioncheck.h>
 #include <zelkinmachineloader.h>
+#include <zelkinvariable.h>
 #include <zelsysexception.h>
 
 #include <QBuffer>
 #include <QDomDocument>
+#include <QSet>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -48,6 +58,32 @@ bool ReachesAFatalMessage(const QByteArray& bytes)
     return false;
 }
 
+bool PassesTheDescriptionCheck(const QByteArray& bytes)
+{
+    try {
+        ZELKinMachineDescriptionCheck().Check(bytes);
+        return true;
+    } catch (const ZELSysException&) {
+        return false;
+    }
+}
+
+void RequireAMachineOfNumbers(const ZELKinMachine& machine)
+{
+    QSet<QString> names;
+    for (const ZELKinVariable* variable : machine.GetVariables()) {
+        const bool holds = std::isfinite(variable->GetMaxVelocity()) && variable->GetMaxVelocity() > 0
+                           && std::isfinite(variable->GetMaxAcceleration()) && variable->GetMaxAcceleration() > 0
+                           && !names.contains(variable->GetLabel());
+        if (!holds) {
+            std::fprintf(stderr, "a checked description built variable '%s' that no machine has\n",
+                         qPrintable(variable->GetLabel()));
+            std::abort();
+        }
+        names.insert(variable->GetLabel());
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -59,9 +95,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ZELGeoContainer container;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
+    const bool checked = PassesTheDescriptionCheck(bytes);
     try {
         const ZELKinMachine* machine = ZELKinMachineLoader(&container).LoadFromXML(&buffer);
-        return machine && machine->GetVariables().size() < 0 ? 1 : 0;
+        if (machine && checked)
+            RequireAMachineOfNumbers(*machine);
+        return 0;
     } catch (const ZELSysException&) {
         return 0;
     }

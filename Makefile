@@ -13,6 +13,8 @@ BENCH_DIR   ?= build-bench
 SANITIZE_DIR ?= build-sanitize
 FUZZ_DIR    ?= build-fuzz
 FUZZ_SECONDS ?= 60
+# Set, each target runs until it has used this much CPU time instead.
+FUZZ_CPU_SECONDS ?=
 FUZZ_TARGETS := gcoderecord machineloader tpprogramreader containerload writeroptions rbrsolverconfig ncreplay
 FUZZ_PACKAGES := clang-14 libclang-rt-14-dev
 SANITIZERS  := -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer
@@ -81,7 +83,8 @@ test-sanitize: setup
 	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	    ctest --output-on-failure -j $(JOBS)
 
-# Each fuzz target for FUZZ_SECONDS seconds, in a clang build of its own
+# Each fuzz target for FUZZ_SECONDS seconds, or, with FUZZ_CPU_SECONDS set,
+# until its process has used that much CPU time, in a clang build of its own
 # with AddressSanitizer and UndefinedBehaviorSanitizer, starting from the
 # seeds and earlier findings in fuzz/corpus/<target>. What a run learns stays
 # in $(FUZZ_DIR)/corpus; a failing input is written to $(FUZZ_DIR)/findings
@@ -89,6 +92,10 @@ test-sanitize: setup
 # G-code record's corpus holds a line of 850 kB, which the test suite replays
 # whole, and inputs of that size would run a few a second: that target makes
 # lines of at most 4 kB, as before, and starts from the long line's first 4 kB.
+FUZZ_BUDGET = $(if $(FUZZ_CPU_SECONDS),fuzz/run-for-cpu-time.sh $(FUZZ_CPU_SECONDS))
+FUZZ_TIME_LIMIT = $(if $(FUZZ_CPU_SECONDS),,-max_total_time=$(FUZZ_SECONDS))
+FUZZ_RUN_LENGTH = $(if $(FUZZ_CPU_SECONDS),$(FUZZ_CPU_SECONDS) s of CPU time,$(FUZZ_SECONDS) s)
+
 fuzz:
 	$(MAKE) setup EXTRA_PACKAGES="$(FUZZ_PACKAGES)"
 	cmake -S . -B $(FUZZ_DIR) -G Ninja \
@@ -104,9 +111,9 @@ fuzz:
 	@mkdir -p $(FUZZ_DIR)/findings
 	@for t in $(FUZZ_TARGETS); do \
 	    mkdir -p $(FUZZ_DIR)/corpus/$$t; \
-	    echo "== $$t for $(FUZZ_SECONDS) s"; \
+	    echo "== $$t for $(FUZZ_RUN_LENGTH)"; \
 	    case $$t in gcoderecord) length=-max_len=4096;; *) length=;; esac; \
-	    ASAN_OPTIONS=detect_leaks=0 $(FUZZ_DIR)/fuzz/zelkin_fuzz_$$t -max_total_time=$(FUZZ_SECONDS) \
+	    ASAN_OPTIONS=detect_leaks=0 $(FUZZ_BUDGET) $(FUZZ_DIR)/fuzz/zelkin_fuzz_$$t $(FUZZ_TIME_LIMIT) \
 	        -timeout=10 -rss_limit_mb=4096 -close_fd_mask=1 -print_final_stats=1 $$length \
 	        -artifact_prefix=$(FUZZ_DIR)/findings/$$t- \
 	        $(FUZZ_DIR)/corpus/$$t fuzz/corpus/$$t || exit 1; \

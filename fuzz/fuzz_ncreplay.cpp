@@ -10,11 +10,10 @@
 
 #include "zelkinfuzz.h"
 
-#include "zelkinncreplay.h"
-
 #include <zelgeocontainer.h>
 #include <zelkinafpmachine.h>
 #include <zelkinmachineloader.h>
+#include <zelkinncreplay.h>
 #include <zelsysexception.h>
 
 #include <QDir>

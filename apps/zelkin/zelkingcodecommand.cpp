@@ -2,9 +2,9 @@
 
 #include "zelkinarguments.h"
 #include "zelkinconsole.h"
-#include "zelkinnclinereader.h"
 
 #include <zelkingcoderecord.h>
+#include <zelkinnclinereader.h>
 #include <zelsysexception.h>
 
 #include <QFile>

@@ -4,11 +4,11 @@
 #include "zelkincommand.h"
 #include "zelkinconsole.h"
 #include "zelkinmachinefile.h"
-#include "zelkinncreplay.h"
 #include "zelkintranslationjob.h"
 
 #include <zelgeocontainer.h>
 #include <zelkinafpmachine.h>
+#include <zelkinncreplay.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramreader.h>
 

@@ -1,7 +1,7 @@
 #ifndef ZELKINVERIFIER_H
 #define ZELKINVERIFIER_H
 
-#include "zelkinncreplay.h"
+#include <zelkinncreplay.h>
 
 #include <zelmathpoint.h>
 

@@ -1,6 +1,7 @@
 #include "zelkinafpgcodecourse_p.h"
 
 #include "zelkinafpgcodematerialaxis_p.h"
+#include "zelkinafpgcodetexts_p.h"
 #include "zelkinafpmachine.h"
 #include "zelkincourselink.h"
 #include "zelkinncformat_p.h"
@@ -112,7 +113,7 @@ void ZELKinAFPGCodeCourse::Write(ZELKinNCStream& out, ZELKinTowCourse* course, i
 void ZELKinAFPGCodeCourse::WriteRecordAndEvents(ZELKinNCStream& out, const ZELKinTowCourse* course, int listIndex,
                                                 std::optional<double> offset) const
 {
-    out << ";[COURSE] CourseNumber=" << listIndex + 1 << ",TowRoller=" << course->GetRollerTows()
+    out << ZELKinAFPGCodeTexts::CourseRecord << listIndex + 1 << ",TowRoller=" << course->GetRollerTows()
         << ",TowsUsed=" << course->GetTowMask().GetHexadecimalString() << ",Material=" << material << '\n'
         << ";PMAC1: G400U0\n";
     ZELKinAFPGCodeTowEvents events(machine->GetPinchDistance(), machine->GetMaterialVariable(), splitting);
@@ -214,7 +215,7 @@ void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTow
     bool firstLine = true;
     // Each line begins with its line end, so that the last one can be
     // marked after the loop.
-    out << "COURSE_MODE";
+    out << ZELKinAFPGCodeTexts::CourseMode;
     for (int i = 0; i < count - 1; ++i) {
         auto* position = qobject_cast<ZELKinRollLayupPosition*>(course->GetCommand(i));
         if (!position)
@@ -249,8 +250,7 @@ void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTow
         previousFeed = feed;
         written.lastCourseLineN = position->GetNIndex();
     }
-    out << ";Last point in course\n"
-        << "OFF_COURSE_MODE\n";
+    out << ";Last point in course\n" << ZELKinAFPGCodeTexts::OffCourseMode << '\n';
 }
 
 void ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,

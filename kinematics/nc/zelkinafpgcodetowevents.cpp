@@ -1,6 +1,7 @@
 #include "zelkinafpgcodetowevents_p.h"
 
 #include "zelkinafpgcodematerialaxis_p.h"
+#include "zelkinafpgcodetexts_p.h"
 #include "zelkinncstream_p.h"
 #include "zelkinposition.h"
 #include "zelkintowcommand.h"
@@ -89,7 +90,7 @@ QList<ZELKinAFPGCodeTowEvents::Event> ZELKinAFPGCodeTowEvents::Collect(const ZEL
 
 void ZELKinAFPGCodeTowEvents::WriteLine(ZELKinNCStream& out, const Event& event)
 {
-    out << ";PMAC1: G500U" << ZELKinNCStream::Fixed{event.u, 3} << CodeOf(event.kind) << '['
+    out << ZELKinAFPGCodeTexts::TowEvent << ZELKinNCStream::Fixed{event.u, 3} << CodeOf(event.kind) << '['
         << event.mask.GetHexadecimalString() << "]\n";
 }
 

@@ -4,6 +4,7 @@
 #include "zelkinafpgcodeply_p.h"
 #include "zelkinafpgcodeprobing_p.h"
 #include "zelkinafpgcodeprogramset_p.h"
+#include "zelkinafpgcodetexts_p.h"
 #include "zelkinncstream_p.h"
 #include "zelkinnctextcheck_p.h"
 #include "zelkinprobeprocedure.h"
@@ -30,11 +31,11 @@
 
 namespace {
 
-const QString kBundleSuffix = QStringLiteral("bun");
-const QString kSourceSuffix = QStringLiteral("aptsource");
+const QString kBundleSuffix = QLatin1String(ZELKinAFPGCodeTexts::BundleSuffix);
+const QString kSourceSuffix = QLatin1String(ZELKinAFPGCodeTexts::SourceSuffix);
 const QString kSinglePly = QStringLiteral("ONEPLY");
 const QString kSinglePlyFolderSuffix = QStringLiteral("_procedures");
-const QString kEndOfFile = QStringLiteral(">>>>> End of File <<<<<");
+const QString kEndOfFile = QLatin1String(ZELKinAFPGCodeTexts::SectionEnd);
 
 // Messages name files in Latin-1: characters outside it read "?".
 QString InLatin1(const QString& text)
@@ -84,22 +85,24 @@ QString ReadLineFromStandardInput()
 
 QString ProgramSetFileName(const QString& name)
 {
-    return name + QStringLiteral(".PPSF");
+    return name + QLatin1String(ZELKinAFPGCodeTexts::ProgramSetSuffix);
 }
 
 QString PlyFileName(const QString& name, const ZELKinProcedure* procedure)
 {
-    return name + QLatin1Char('#') + ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure) + QStringLiteral(".PPF");
+    return name + QLatin1Char(ZELKinAFPGCodeTexts::PlyNumberMark) + ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure)
+        + QLatin1String(ZELKinAFPGCodeTexts::PlyFileSuffix);
 }
 
 QString ProbingFileName(const QString& name)
 {
-    return name + QStringLiteral(".PTPF");
+    return name + QLatin1String(ZELKinAFPGCodeTexts::ProbingSuffix);
 }
 
 QString SectionMarker(const QString& fileName)
 {
-    return QStringLiteral(">>>>> Filename|") + fileName + QStringLiteral("| <<<<<\n");
+    return QLatin1String(ZELKinAFPGCodeTexts::SectionStart) + fileName
+        + QLatin1String(ZELKinAFPGCodeTexts::SectionNameEnd) + QLatin1Char('\n');
 }
 
 // The procedures that are still there, in program order.
@@ -270,7 +273,8 @@ void ZELKinAFPGCodeWriter::ReplaceBundleSection(const QString& plyNumber, const 
 
     // The section is found before anything is written, so that a bundle
     // without it is left as it is.
-    const QString marker = QLatin1Char('#') + plyNumber + QStringLiteral(".PPF| <<<<<");
+    const QString marker = QLatin1Char(ZELKinAFPGCodeTexts::PlyNumberMark) + plyNumber
+        + QLatin1String(ZELKinAFPGCodeTexts::PlyFileSuffix) + QLatin1String(ZELKinAFPGCodeTexts::SectionNameEnd);
     QTextStream oldLines(&oldBundle);
     QString line;
     qint64 markerLine = 0;

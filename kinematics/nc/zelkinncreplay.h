@@ -1,6 +1,8 @@
 #ifndef ZELKINNCREPLAY_H
 #define ZELKINNCREPLAY_H
 
+#include "zelkinematics_export.h"
+
 #include <QList>
 #include <QMap>
 #include <QString>
@@ -8,8 +10,10 @@
 #include <QVector>
 
 #include <limits>
+#include <memory>
 
 class ZELKinAFPMachine;
+class ZELKinNCReplayPrivate;
 
 //! One motion line of a posted ply file and the axis values the machine
 //! stands at once it has run.
@@ -118,12 +122,13 @@ struct ZELKinNCProgram
     several, and for a file that cannot be read or holds what no NC text
     does (a line too long, a NUL character: /dev/zero, a binary file).
 */
-class ZELKinNCReplay
+class ZELKINEMATICS_EXPORT ZELKinNCReplay
 {
 public:
     //! `machine` (not owned) gives the axis labels, their kinds and the
     //! material axis.
     explicit ZELKinNCReplay(const ZELKinAFPMachine& machine);
+    virtual ~ZELKinNCReplay();
 
     //! Refuses posted files that hold more than `characters` characters in
     //! all (line ends not counted), since every line is kept; no bound by
@@ -135,22 +140,14 @@ public:
     //! (.bun) or the .aptsource beside one.
     ZELKinNCProgram Read(const QString& path) const;
 
+protected:
+    ZELKinNCReplay(ZELKinNCReplayPrivate* d);
+
+    std::unique_ptr<ZELKinNCReplayPrivate> const d_ptr;
+
 private:
-    struct Section
-    {
-        QString path;
-        QString name;
-        //! The line of the file on disk that comes before the section's first.
-        unsigned firstLine = 0;
-        QStringList lines;
-    };
-
-    QList<Section> ReadSections(const QString& path) const;
-    ZELKinNCPlyFile ReplayPly(const Section& section) const;
-
-    QStringList m_labels;
-    QVector<double> m_scales;
-    qint64 m_maximumLength = std::numeric_limits<qint64>::max();
+    Q_DECLARE_PRIVATE(ZELKinNCReplay)
+    Q_DISABLE_COPY_MOVE(ZELKinNCReplay)
 };
 
 #endif // ZELKINNCREPLAY_H

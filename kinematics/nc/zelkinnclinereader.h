@@ -1,10 +1,15 @@
 #ifndef ZELKINNCLINEREADER_H
 #define ZELKINNCLINEREADER_H
 
+#include "zelkinematics_export.h"
+
 #include <QString>
-#include <QStringDecoder>
+#include <QtGlobal>
+
+#include <memory>
 
 class QFileDevice;
+class ZELKinNCLineReaderPrivate;
 
 /*!
     Reads NC text line by line: line ends "\n", one carriage return before a
@@ -22,10 +27,8 @@ class QFileDevice;
     The time taken grows with the length of the text and nothing else, on
     any allocator: the decoded text grows geometrically and is searched for
     a line end once.
-
-    Errors throw ZELSysException "cannot read <name>: <reason>".
 */
-class ZELKinNCLineReader
+class ZELKINEMATICS_EXPORT ZELKinNCLineReader
 {
 public:
     //! 64 Mi characters: a posted line holds less than a hundred, and a
@@ -34,34 +37,25 @@ public:
 
     //! Reads `file`, open for reading and not owned; errors call it `name`.
     ZELKinNCLineReader(QFileDevice& file, const QString& name);
+    virtual ~ZELKinNCLineReader();
 
     //! Reads the next line into `line`, without its line end; false at the
-    //! end of the text.
+    //! end of the text. Throws ZELSysException "cannot read <name>:
+    //! <reason>" for a read that fails, a line longer than the largest
+    //! length and a NUL character from a pipe or a device.
     bool ReadLine(QString& line);
 
     //! The number of the line read last, from 1; 0 before the first.
-    unsigned GetLineNumber() const { return m_lineNumber; }
+    unsigned GetLineNumber() const;
+
+protected:
+    ZELKinNCLineReader(ZELKinNCLineReaderPrivate* d);
+
+    std::unique_ptr<ZELKinNCLineReaderPrivate> const d_ptr;
 
 private:
-    //! Decodes the next block of the file onto the text; false at its end.
-    bool ReadMoreText();
-    //! Hands out the line from the read position up to `end` and moves the
-    //! read position to `next`.
-    void TakeLine(QString& line, qsizetype end, qsizetype next);
-    void ThrowLineTooLong(unsigned lineNumber) const;
-
-    QFileDevice& m_file;
-    const QString m_name;
-    QStringDecoder m_decoder;
-    bool m_isEncodingChosen = false;
-    //! Decoded text; what lies before m_start has been handed out, and
-    //! m_text holds no line end between m_start and m_scanned.
-    QString m_text;
-    qsizetype m_start = 0;
-    qsizetype m_scanned = 0;
-    unsigned m_lineNumber = 0;
-    //! A pipe or a device, read no further than a NUL character.
-    const bool m_isStream;
+    Q_DECLARE_PRIVATE(ZELKinNCLineReader)
+    Q_DISABLE_COPY_MOVE(ZELKinNCLineReader)
 };
 
 #endif // ZELKINNCLINEREADER_H

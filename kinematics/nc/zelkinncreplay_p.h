@@ -1,0 +1,42 @@
+#ifndef ZELKINNCREPLAY_P_H
+#define ZELKINNCREPLAY_P_H
+
+#include "zelkinncreplay.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <limits>
+
+class ZELKinNCReplayPrivate
+{
+    Q_DECLARE_PUBLIC(ZELKinNCReplay)
+
+public:
+    ZELKinNCReplayPrivate(ZELKinNCReplay* q, const ZELKinAFPMachine& machine);
+    virtual ~ZELKinNCReplayPrivate() = default;
+
+    //! One posted file: a file of the folder, or a section of a bundle.
+    struct Section
+    {
+        QString path;
+        QString name;
+        //! The line of the file on disk that comes before the section's first.
+        unsigned firstLine = 0;
+        QStringList lines;
+    };
+
+    QList<Section> ReadSections(const QString& path) const;
+    ZELKinNCPlyFile ReplayPly(const Section& section) const;
+
+    ZELKinNCReplay* const q_ptr;
+    //! Per machine variable, in the machine's order: its address and the
+    //! factor from its NC unit to the model's.
+    QStringList labels;
+    QVector<double> scales;
+    qint64 maximumLength = std::numeric_limits<qint64>::max();
+};
+
+#endif // ZELKINNCREPLAY_P_H

@@ -1,9 +1,8 @@
 #include "zelkinhtmlreport.h"
 
-#include "zelkinverifysummary.h"
-
 #include <zelkinafpmachine.h>
 #include <zelkinvariable.h>
+#include <zelkinverifysummary.h>
 
 #include <QFileInfo>
 #include <QStringList>

@@ -1,7 +1,7 @@
 #ifndef ZELKINHTMLREPORT_H
 #define ZELKINHTMLREPORT_H
 
-#include "zelkinverifier.h"
+#include <zelkinverification.h>
 
 #include <QString>
 

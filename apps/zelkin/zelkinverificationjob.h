@@ -1,7 +1,7 @@
 #ifndef ZELKINVERIFICATIONJOB_H
 #define ZELKINVERIFICATIONJOB_H
 
-#include "zelkinverifier.h"
+#include <zelkinverifier.h>
 
 #include <QCommandLineOption>
 #include <QList>

@@ -4,7 +4,8 @@
 #include "zelkinconsole.h"
 #include "zelkintexttable.h"
 #include "zelkinverificationjob.h"
-#include "zelkinverifysummary.h"
+
+#include <zelkinverifysummary.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>

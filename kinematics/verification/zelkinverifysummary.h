@@ -1,6 +1,8 @@
 #ifndef ZELKINVERIFYSUMMARY_H
 #define ZELKINVERIFYSUMMARY_H
 
+#include "zelkinematics_export.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -15,20 +17,20 @@ struct ZELKinVerifyTally;
 */
 namespace ZELKinVerifySummary {
 
-QStringList GetHeadings();
+ZELKINEMATICS_EXPORT QStringList GetHeadings();
 //! One cell a heading.
-QStringList GetCells(const ZELKinVerifyTally& tally);
+ZELKINEMATICS_EXPORT QStringList GetCells(const ZELKinVerifyTally& tally);
 //! The gates in one line, in the units people read them in.
-QString DescribeGates(const ZELKinVerifyGates& gates);
+ZELKINEMATICS_EXPORT QString DescribeGates(const ZELKinVerifyGates& gates);
 //! "1 finding", "<n> findings".
-QString CountFindings(qsizetype count);
+ZELKINEMATICS_EXPORT QString CountFindings(qsizetype count);
 //! "1 warning", "<n> warnings".
-QString CountWarnings(qsizetype count);
+ZELKINEMATICS_EXPORT QString CountWarnings(qsizetype count);
 //! "PASS", "PASS (<n> warnings)", "FAIL (<n> findings)" or "FAIL (<n>
 //! findings, <m> warnings)": warnings do not fail.
-QString GetResult(const ZELKinVerification& verification);
+ZELKINEMATICS_EXPORT QString GetResult(const ZELKinVerification& verification);
 //! `value` times `scale` with `decimals` decimals, or "-" for NaN.
-QString Cell(double value, double scale, int decimals);
+ZELKINEMATICS_EXPORT QString Cell(double value, double scale, int decimals);
 
 } // namespace ZELKinVerifySummary
 

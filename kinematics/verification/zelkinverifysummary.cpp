@@ -1,6 +1,6 @@
 #include "zelkinverifysummary.h"
 
-#include "zelkinverifier.h"
+#include "zelkinverification.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
-#ifndef ZELKINVERIFIER_H
-#define ZELKINVERIFIER_H
+#ifndef ZELKINVERIFICATION_H
+#define ZELKINVERIFICATION_H
 
-#include <zelkinncreplay.h>
+#include "zelkinematics_export.h"
 
 #include <zelmathpoint.h>
 
@@ -10,11 +10,12 @@
 #include <QVector>
 
 #include <limits>
-#include <memory>
 
-class ZELKinAFPMachine;
-class ZELKinVerifierHead;
-class ZELTPProgram;
+/*
+    The results of ZELKinVerifier, as plain values: the gates the checks
+    allow, each finding, and per ply and per course the counts and the worst
+    value of each check. Nothing here throws.
+*/
 
 //! What the checks allow. Lengths in mm, angles in rad.
 struct ZELKinVerifyGates
@@ -153,7 +154,8 @@ struct ZELKinVerifiedPly : ZELKinVerifyTally
     QList<ZELKinVerifiedLine> lines;
 };
 
-struct ZELKinVerification
+//! What a verification found: each ply's checks and every finding.
+struct ZELKINEMATICS_EXPORT ZELKinVerification
 {
     ZELKinVerifyGates gates;
     QList<ZELKinVerifiedPly> plies;
@@ -166,45 +168,4 @@ struct ZELKinVerification
     qsizetype GetNumWarnings() const { return findings.size() - GetNumFailures(); }
 };
 
-/*!
-    Checks posted NC against the toolpath it was posted from, as a machine
-    simulator would, with kinematics of its own: each line's axis values run
-    through the forward kinematics of the machine's joint tree
-    (ZELKinForwardKinematics) and the tool the machine description's wrist
-    configuration describes, and are compared with the toolpath's points,
-    never with a solved program.
-
-    Each roll layup procedure of the toolpath is walked course by course in
-    path order, each course from its approach trajectory's first point
-    through its roll-out point: a procedure without a ply file, a course no
-    line runs along and a point the NC's path of roller centres does not
-    pass are findings. Lines along a course are matched to the point they
-    stand for by the material axis and the nearest roller centre, and gated
-    by what the NC's modal rule allows them (docs/zelkin.md); link lines by
-    their roller centre against their link's points.
-*/
-class ZELKinVerifier
-{
-public:
-    /*!
-        `machine` is not owned and must outlive the verifier. Throws
-        ZELSysException for a machine whose kinematics the checks cannot
-        follow: a joint tree that is not one chain, no three
-        slides driven by variables named X, Y and Z, no wrist of three rotary
-        joints at the chain's end, or a wrist configuration whose vectors
-        are not three numbers.
-    */
-    ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELKinVerifyGates& gates);
-    ~ZELKinVerifier();
-
-    //! `nc` as posted from `toolpath`.
-    ZELKinVerification Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const;
-
-private:
-    //! The machine's kinematics as the checks follow them.
-    std::unique_ptr<const ZELKinVerifierHead> m_head;
-    const ZELKinAFPMachine& m_machine;
-    ZELKinVerifyGates m_gates;
-};
-
-#endif // ZELKINVERIFIER_H
+#endif // ZELKINVERIFICATION_H

@@ -1,0 +1,83 @@
+#include "zelkinverifier.h"
+#include "zelkinverifier_p.h"
+
+#include "zelkinplycheck_p.h"
+#include "zelkinverifyplan_p.h"
+
+#include <zelkinncreplay.h>
+#include <zeltpprogram.h>
+#include <zeltprolllayupprocedure.h>
+
+#include <QHash>
+
+#include <optional>
+
+namespace {
+
+ZELKinVerifyFinding ProgramFinding(const QString& check, const QString& procedure, const ZELKinVerifyPlace& place,
+                                   const QString& subject, const QString& message)
+{
+    return ZELKinVerifyFinding{check, QString(), procedure, place, subject, 0.0, 0.0, message, false};
+}
+
+} // namespace
+
+ZELKinVerifierPrivate::ZELKinVerifierPrivate(ZELKinVerifier* q, const ZELKinAFPMachine& machine,
+                                             const ZELKinVerifyGates& gates)
+    : q_ptr(q)
+    , head(machine)
+    , machine(machine)
+    , gates(gates)
+{
+}
+
+ZELKinVerifier::ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELKinVerifyGates& gates)
+    : ZELKinVerifier(new ZELKinVerifierPrivate(this, machine, gates))
+{
+}
+
+ZELKinVerifier::ZELKinVerifier(ZELKinVerifierPrivate* d)
+    : d_ptr(d)
+{
+}
+
+ZELKinVerifier::~ZELKinVerifier() = default;
+
+ZELKinVerification ZELKinVerifier::Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const
+{
+    Q_D(const ZELKinVerifier);
+    ZELKinVerification verification;
+    verification.gates = d->gates;
+    for (const ZELKinNCIrregularity& irregularity : nc.irregularities)
+        verification.findings.append(ProgramFinding(irregularity.check, QString(),
+                                                    ZELKinVerifyPlace{0, 0, irregularity.file, irregularity.line},
+                                                    irregularity.subject, irregularity.message));
+    const ZELKinVerifyAxes axes(d->machine, d->head.GetSlideVariables());
+    QHash<QString, QString> laidBy;
+    for (const ZELKinNCPlyFile& ply : nc.plies) {
+        const ZELTPRollLayupProcedure* procedure = ZELKinVerifyPlan::ProcedureNamed(toolpath, ply.procedure);
+        ZELKinPlyCheck check(axes, d->head, d->gates, ply, verification.findings);
+        const std::optional<ZELKinProcedurePlan> plan = procedure && !laidBy.contains(ply.procedure)
+            ? std::optional<ZELKinProcedurePlan>(ZELKinVerifyPlan::PlanProcedure(*procedure, d->head.GetRollerRadius()))
+            : std::nullopt;
+        if (!procedure)
+            verification.findings.append(ProgramFinding(
+                QStringLiteral("program"), ply.procedure, ZELKinVerifyPlace{0, 0, ply.path, 0}, QString(),
+                QStringLiteral("ply %1 lays the procedure '%2', which the toolpath does not have")
+                    .arg(ply.plyNumber, ply.procedure)));
+        else if (laidBy.contains(ply.procedure))
+            verification.findings.append(ProgramFinding(
+                QStringLiteral("program"), ply.procedure, ZELKinVerifyPlace{0, 0, ply.path, 0}, QString(),
+                QStringLiteral("ply %1 lays the procedure '%2', which ply %3 lays already")
+                    .arg(ply.plyNumber, ply.procedure, laidBy.value(ply.procedure))));
+        laidBy.insert(ply.procedure, laidBy.value(ply.procedure, ply.plyNumber));
+        verification.plies.append(check.Run(plan ? &*plan : nullptr));
+    }
+    for (const ZELTPRollLayupProcedure* procedure : ZELKinVerifyPlan::LayupProceduresOf(toolpath)) {
+        if (!laidBy.contains(procedure->GetName()))
+            verification.findings.append(ProgramFinding(
+                QStringLiteral("missing"), procedure->GetName(), ZELKinVerifyPlace(), QString(),
+                QStringLiteral("the NC has no ply file for the procedure '%1'").arg(procedure->GetName())));
+    }
+    return verification;
+}

@@ -1,0 +1,58 @@
+#ifndef ZELKINVERIFIER_H
+#define ZELKINVERIFIER_H
+
+#include "zelkinematics_export.h"
+#include "zelkinverification.h"
+
+#include <memory>
+
+class ZELKinAFPMachine;
+class ZELKinVerifierPrivate;
+class ZELTPProgram;
+struct ZELKinNCProgram;
+
+/*!
+    Checks posted NC against the toolpath it was posted from, as a machine
+    simulator would, with kinematics of its own: each line's axis values run
+    through the forward kinematics of the machine's joint tree
+    (ZELKinForwardKinematics) and the tool the machine description's wrist
+    configuration describes, and are compared with the toolpath's points,
+    never with a solved program.
+
+    Each roll layup procedure of the toolpath is walked course by course in
+    path order, each course from its approach trajectory's first point
+    through its roll-out point: a procedure without a ply file, a course no
+    line runs along and a point the NC's path of roller centres does not
+    pass are findings. Lines along a course are matched to the point they
+    stand for by the material axis and the nearest roller centre, and gated
+    by what the NC's modal rule allows them (docs/zelkin.md); link lines by
+    their roller centre against their link's points.
+*/
+class ZELKINEMATICS_EXPORT ZELKinVerifier
+{
+public:
+    /*!
+        `machine` is not owned and must outlive the verifier. Throws
+        ZELSysException for a machine whose kinematics the checks cannot
+        follow: a joint tree that is not one chain, no three
+        slides driven by variables named X, Y and Z, no wrist of three rotary
+        joints at the chain's end, or a wrist configuration whose vectors
+        are not three numbers.
+    */
+    ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELKinVerifyGates& gates);
+    virtual ~ZELKinVerifier();
+
+    //! `nc` as posted from `toolpath`, read back by ZELKinNCReplay.
+    ZELKinVerification Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const;
+
+protected:
+    ZELKinVerifier(ZELKinVerifierPrivate* d);
+
+    std::unique_ptr<ZELKinVerifierPrivate> const d_ptr;
+
+private:
+    Q_DECLARE_PRIVATE(ZELKinVerifier)
+    Q_DISABLE_COPY_MOVE(ZELKinVerifier)
+};
+
+#endif // ZELKINVERIFIER_H

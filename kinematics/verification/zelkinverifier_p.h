@@ -1,0 +1,22 @@
+#ifndef ZELKINVERIFIER_P_H
+#define ZELKINVERIFIER_P_H
+
+#include "zelkinverifier.h"
+#include "zelkinverifierhead_p.h"
+
+class ZELKinVerifierPrivate
+{
+    Q_DECLARE_PUBLIC(ZELKinVerifier)
+
+public:
+    ZELKinVerifierPrivate(ZELKinVerifier* q, const ZELKinAFPMachine& machine, const ZELKinVerifyGates& gates);
+    virtual ~ZELKinVerifierPrivate() = default;
+
+    ZELKinVerifier* const q_ptr;
+    //! The machine's kinematics as the checks follow them.
+    const ZELKinVerifierHead head;
+    const ZELKinAFPMachine& machine;
+    const ZELKinVerifyGates gates;
+};
+
+#endif // ZELKINVERIFIER_P_H

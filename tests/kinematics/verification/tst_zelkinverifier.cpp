@@ -1,0 +1,245 @@
+// The checks of posted NC against the toolpath: the example flat panel is
+// translated for the example machine and posted in this process, read back
+// once, and verified as posted and with one thing changed in what was read.
+
+#include <zelkinverifier.h>
+
+#include <zelgeocontainer.h>
+#include <zelkinafpmachine.h>
+#include <zelkinmachineloader.h>
+#include <zelkinncreplay.h>
+#include <zelkinprogram.h>
+#include <zelkinsolver.h>
+#include <zelkintranslator.h>
+#include <zelkinvariable.h>
+#include <zelkinwriter.h>
+#include <zelsysexception.h>
+#include <zeltestsupport.h>
+#include <zeltpprogram.h>
+#include <zeltpprogramreader.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <memory>
+
+namespace {
+
+constexpr double kDegree = 0.017453292519943295;
+constexpr double kInch = 25.4;
+//! A value a finding reports, read back from its four or three decimals.
+constexpr double kReported = 0.02;
+
+// The example flat panel, posted for the example machine once for all the
+// tests: reading back and verifying take a fraction of the time posting
+// does.
+class ZELKinVerifierTest : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite() { s_posted = std::make_unique<Posted>(); }
+
+    static void TearDownTestSuite() { s_posted.reset(); }
+
+    struct Posted
+    {
+        Posted()
+        {
+            QFile description(QStringLiteral(ZELKIN_EXAMPLES_DIR "/machines/gantry-rbr.xml"));
+            description.open(QIODevice::ReadOnly);
+            machine = qobject_cast<ZELKinAFPMachine*>(ZELKinMachineLoader(&container).LoadFromXML(&description));
+            solver.reset(machine->CreateSolver());
+            toolpath
+                = ZELTPProgramReader(&container).Read(QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/flat-panel.json"));
+            ZELKinProgram* program = ZELKinTranslator(solver.get()).Translate(toolpath);
+            ZELKinWriter(program).Write(folder.path(), QStringLiteral("AFPGCode"), QString());
+            nc = ZELKinNCReplay(*machine).Read(folder.path());
+        }
+
+        ZELGeoContainer container;
+        ZELKinAFPMachine* machine = nullptr;
+        std::unique_ptr<ZELKinSolver> solver;
+        const ZELTPProgram* toolpath = nullptr;
+        QTemporaryDir folder;
+        ZELKinNCProgram nc;
+    };
+
+    static ZELKinVerification Verify(const ZELKinNCProgram& nc)
+    {
+        return ZELKinVerifier(*s_posted->machine, ZELKinVerifyGates()).Verify(*s_posted->toolpath, nc);
+    }
+
+    static int IndexOf(const QString& label)
+    {
+        return int(s_posted->machine->GetVariables().indexOf(s_posted->machine->GetVariable(label)));
+    }
+
+    // The findings of the check `check`.
+    static QList<ZELKinVerifyFinding> FindingsOf(const ZELKinVerification& verification, const QString& check)
+    {
+        QList<ZELKinVerifyFinding> findings;
+        for (const ZELKinVerifyFinding& finding : verification.findings) {
+            if (finding.check == check)
+                findings.append(finding);
+        }
+        return findings;
+    }
+
+    // The first motion along a course in the first ply, past its first
+    // `skip` such lines.
+    static int MotionAlongACourse(const ZELKinNCPlyFile& ply, int skip)
+    {
+        for (int i = 0; i < ply.motions.size(); ++i) {
+            if (ply.motions.at(i).alongCourse && skip-- == 0)
+                return i;
+        }
+        ADD_FAILURE() << "the ply has too few lines along its courses";
+        return 0;
+    }
+
+    static std::unique_ptr<Posted> s_posted;
+};
+
+std::unique_ptr<ZELKinVerifierTest::Posted> ZELKinVerifierTest::s_posted;
+
+TEST_F(ZELKinVerifierTest, ThePostedPanelPassesEveryCheckWithEveryCourseMatched)
+{
+    const ZELKinVerification verification = Verify(s_posted->nc);
+    EXPECT_EQ(verification.GetNumFailures(), 0) << verification.findings.value(0).message.toStdString();
+    ASSERT_EQ(verification.plies.size(), 4);
+    for (const ZELKinVerifiedPly& ply : verification.plies) {
+        EXPECT_EQ(ply.courses, 4) << ply.plyNumber.toStdString();
+        EXPECT_EQ(ply.courseTallies.size(), 4) << ply.plyNumber.toStdString();
+        EXPECT_GE(ply.matchedLines, 4 * 20) << ply.plyNumber.toStdString();
+        EXPECT_GT(ply.linkLines, 0) << ply.plyNumber.toStdString();
+        EXPECT_EQ(ply.lines.size(), ply.motionLines) << ply.plyNumber.toStdString();
+        EXPECT_LE(ply.centre.value, verification.gates.centre) << ply.plyNumber.toStdString();
+        EXPECT_LE(ply.pathGap.value, verification.gates.centre) << ply.plyNumber.toStdString();
+    }
+}
+
+// A tenth of an inch is what a misread X word moves the roller by.
+TEST_F(ZELKinVerifierTest, AnXWordATenthOfAnInchOffAlongACourseIsACentreFindingOnItsLine)
+{
+    ZELKinNCProgram nc = s_posted->nc;
+    ZELKinNCPlyFile& ply = nc.plies.first();
+    ZELKinNCMotion& motion = ply.motions[MotionAlongACourse(ply, 3)];
+    motion.values[IndexOf(QStringLiteral("X"))] += 0.1 * kInch;
+    const QList<ZELKinVerifyFinding> findings = FindingsOf(Verify(nc), QStringLiteral("centre"));
+    ASSERT_EQ(findings.size(), 1);
+    const ZELKinVerifyFinding& finding = findings.first();
+    EXPECT_EQ(finding.plyNumber, ply.plyNumber);
+    EXPECT_EQ(finding.procedure, ply.procedure);
+    EXPECT_EQ(finding.place.file, ply.path);
+    EXPECT_EQ(finding.place.line, motion.line);
+    EXPECT_EQ(finding.place.course, motion.course);
+    EXPECT_GT(finding.place.point, 0);
+    EXPECT_TRUE(ZELTest::SameDouble(0.1 * kInch, finding.value, kReported));
+    EXPECT_TRUE(finding.message.startsWith(QStringLiteral("the roller centre is 2.5")))
+        << finding.message.toStdString();
+    EXPECT_TRUE(finding.message.endsWith(QStringLiteral(" mm from the toolpath point's (gate 0.0100 mm)")))
+        << finding.message.toStdString();
+    EXPECT_FALSE(finding.warning);
+}
+
+TEST_F(ZELKinVerifierTest, AFirstRollTurnedFortyDegreesInsideACourseIsAFlip)
+{
+    ZELKinNCProgram nc = s_posted->nc;
+    ZELKinNCPlyFile& ply = nc.plies.first();
+    const int index = MotionAlongACourse(ply, 5);
+    const int c = IndexOf(QStringLiteral("C"));
+    ply.motions[index].values[c] += 40.0 * kDegree;
+    ply.motions[index + 1].starts[c] += 40.0 * kDegree;
+    const QList<ZELKinVerifyFinding> flips = FindingsOf(Verify(nc), QStringLiteral("flip"));
+    ASSERT_FALSE(flips.isEmpty());
+    EXPECT_EQ(flips.first().place.line, ply.motions.at(index).line);
+    EXPECT_EQ(flips.first().subject, QStringLiteral("C"));
+    EXPECT_TRUE(flips.first().message.startsWith(QStringLiteral("C turns 4"))) << flips.first().message.toStdString();
+    EXPECT_TRUE(
+        flips.first().message.endsWith(QStringLiteral(" deg from the line before, inside the course: a wrist flip "
+                                                      "(gate 30.000 deg)")))
+        << flips.first().message.toStdString();
+}
+
+// The second roll turns the roller about its own axis: the slides stay
+// where they are, and only its own limit is crossed.
+TEST_F(ZELKinVerifierTest, ARotaryWordBeyondItsMaximumIsALimitFindingNamingTheLimitInDegrees)
+{
+    ZELKinNCProgram nc = s_posted->nc;
+    ZELKinNCPlyFile& ply = nc.plies.first();
+    const double maximum = s_posted->machine->GetVariable(QStringLiteral("C1"))->GetMaximum();
+    ZELKinNCMotion& motion = ply.motions.last();
+    motion.values[IndexOf(QStringLiteral("C1"))] = maximum + 1.0 * kDegree;
+    const QList<ZELKinVerifyFinding> limits = FindingsOf(Verify(nc), QStringLiteral("limit"));
+    ASSERT_EQ(limits.size(), 1);
+    EXPECT_EQ(limits.first().place.line, motion.line);
+    EXPECT_EQ(limits.first().subject, QStringLiteral("C1"));
+    EXPECT_TRUE(ZELTest::SameDouble(maximum / kDegree + 1.0, limits.first().value, ZELTest::kTight));
+    EXPECT_EQ(limits.first().message,
+              QStringLiteral("C1 at %1 deg is beyond its maximum of %2 deg")
+                  .arg(QString::number(maximum / kDegree + 1.0, 'f', 4), QString::number(maximum / kDegree, 'f', 4)));
+}
+
+TEST_F(ZELKinVerifierTest, ATowAddAMillimetreLaterThanTheToolpathsIsATowFinding)
+{
+    ZELKinNCProgram nc = s_posted->nc;
+    ZELKinNCPlyFile& ply = nc.plies.first();
+    ASSERT_FALSE(ply.towEvents.isEmpty());
+    ZELKinNCTowEvent& event = ply.towEvents.first();
+    ASSERT_EQ(event.code, QStringLiteral("A/B"));
+    event.u += 1.0;
+    const QList<ZELKinVerifyFinding> tows = FindingsOf(Verify(nc), QStringLiteral("tow"));
+    ASSERT_FALSE(tows.isEmpty());
+    const ZELKinVerifyFinding& finding = tows.first();
+    EXPECT_EQ(finding.place.line, event.line);
+    EXPECT_EQ(finding.place.course, event.course);
+    EXPECT_TRUE(ZELTest::SameDouble(event.u, finding.value, ZELTest::kTight));
+    EXPECT_TRUE(ZELTest::SameDouble(1.0, finding.value - finding.limit, kReported));
+    EXPECT_TRUE(finding.message.startsWith(QStringLiteral("the NC adds tow "))) << finding.message.toStdString();
+    EXPECT_TRUE(finding.message.endsWith(QStringLiteral(" mm (gate 0.010 mm)"))) << finding.message.toStdString();
+}
+
+TEST_F(ZELKinVerifierTest, AProcedureWithoutItsPlyFileIsMissing)
+{
+    ZELKinNCProgram nc = s_posted->nc;
+    const QString procedure = nc.plies.at(1).procedure;
+    nc.plies.removeAt(1);
+    const QList<ZELKinVerifyFinding> missing = FindingsOf(Verify(nc), QStringLiteral("missing"));
+    ASSERT_EQ(missing.size(), 1);
+    EXPECT_EQ(missing.first().procedure, procedure);
+    EXPECT_EQ(missing.first().message, QStringLiteral("the NC has no ply file for the procedure '%1'").arg(procedure));
+}
+
+TEST_F(ZELKinVerifierTest, APlyOfAProcedureTheToolpathDoesNotHaveIsAProgramFinding)
+{
+    ZELKinNCProgram nc = s_posted->nc;
+    const QString laid = nc.plies.first().procedure;
+    nc.plies.first().procedure = QStringLiteral("Nowhere");
+    const ZELKinVerification verification = Verify(nc);
+    const QList<ZELKinVerifyFinding> program = FindingsOf(verification, QStringLiteral("program"));
+    ASSERT_EQ(program.size(), 1);
+    EXPECT_EQ(program.first().message,
+              QStringLiteral("ply %1 lays the procedure 'Nowhere', which the toolpath does not have")
+                  .arg(nc.plies.first().plyNumber));
+    const QList<ZELKinVerifyFinding> missing = FindingsOf(verification, QStringLiteral("missing"));
+    ASSERT_EQ(missing.size(), 1);
+    EXPECT_EQ(missing.first().procedure, laid);
+}
+
+// The checks trust nothing the NC says of itself: what the read-back found
+// irregular is a finding as it stands.
+TEST_F(ZELKinVerifierTest, WhatTheReadBackFoundIrregularIsAFindingOfItsOwnCheck)
+{
+    ZELKinNCProgram nc = s_posted->nc;
+    ZELKinNCPlyFile& ply = nc.plies.first();
+    ply.irregularities.append(ZELKinNCIrregularity{QStringLiteral("code"), ply.path, 42, 1, QStringLiteral("M0"),
+                                                   QStringLiteral("M0 stops the program between the ply's motion "
+                                                                  "lines")});
+    const QList<ZELKinVerifyFinding> codes = FindingsOf(Verify(nc), QStringLiteral("code"));
+    ASSERT_EQ(codes.size(), 1);
+    EXPECT_EQ(codes.first().place.line, 42u);
+    EXPECT_EQ(codes.first().subject, QStringLiteral("M0"));
+    EXPECT_EQ(codes.first().message, QStringLiteral("M0 stops the program between the ply's motion lines"));
+}
+
+} // namespace

@@ -49,6 +49,24 @@ void KeepSmallest(ZELKinVerifyExtreme& extreme, double value, const ZELKinVerify
 
 } // namespace
 
+ZELKinVerifyAxes::ZELKinVerifyAxes(const ZELKinAFPMachine& machine, const QList<int>& slides)
+    : variables(machine.GetVariables())
+    , slides(slides)
+{
+    const ZELKinVariable* material = machine.GetMaterialVariable();
+    for (int i = 0; i < variables.size(); ++i) {
+        if (variables.at(i) && variables.at(i)->GetType() == ZELKinVariable::Rotary)
+            rotary.append(i);
+        if (variables.at(i) && variables.at(i) == material)
+            materialIndex = i;
+    }
+}
+
+QString ZELKinVerifyAxes::LabelOf(int index) const
+{
+    return variables.at(index) ? variables.at(index)->GetLabel() : QString();
+}
+
 ZELKinPlyCheck::ZELKinPlyCheck(const ZELKinVerifyAxes& axes, const Head& head, const ZELKinVerifyGates& gates,
                                const ZELKinNCPlyFile& ply, QList<ZELKinVerifyFinding>& findings)
     : m_axes(axes)
@@ -115,7 +133,7 @@ void ZELKinPlyCheck::Find(const QString& check, const ZELKinVerifyPlace& place, 
     Tally(place.course, [warning](ZELKinVerifyTally& tally) { ++(warning ? tally.warnings : tally.findings); });
 }
 
-void ZELKinPlyCheck::Tally(int course, const Change& change)
+template <typename Change> void ZELKinPlyCheck::Tally(int course, const Change& change)
 {
     change(static_cast<ZELKinVerifyTally&>(m_result));
     if (course <= 0)

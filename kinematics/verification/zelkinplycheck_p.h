@@ -20,21 +20,10 @@ class ZELKinVariable;
 //! What the machine's variables are, read once.
 struct ZELKinVerifyAxes
 {
-    ZELKinVerifyAxes(const ZELKinAFPMachine& machine, const QList<int>& slides)
-        : variables(machine.GetVariables())
-        , slides(slides)
-    {
-        const ZELKinVariable* material = machine.GetMaterialVariable();
-        for (int i = 0; i < variables.size(); ++i) {
-            if (variables.at(i) && variables.at(i)->GetType() == ZELKinVariable::Rotary)
-                rotary.append(i);
-            if (variables.at(i) && variables.at(i) == material)
-                materialIndex = i;
-        }
-    }
+    ZELKinVerifyAxes(const ZELKinAFPMachine& machine, const QList<int>& slides);
 
     bool IsRotary(int index) const { return rotary.contains(index); }
-    QString LabelOf(int index) const { return variables.at(index) ? variables.at(index)->GetLabel() : QString(); }
+    QString LabelOf(int index) const;
 
     QList<ZELKinVariable*> variables;
     QList<int> slides;

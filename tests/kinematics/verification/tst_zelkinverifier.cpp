@@ -171,7 +171,7 @@ TEST_F(ZELKinVerifierTest, ARotaryWordBeyondItsMaximumIsALimitFindingNamingTheLi
     ZELKinNCMotion& motion = ply.motions.last();
     motion.values[IndexOf(QStringLiteral("C1"))] = maximum + 1.0 * kDegree;
     const QList<ZELKinVerifyFinding> limits = FindingsOf(Verify(nc), QStringLiteral("limit"));
-    ASSERT_EQ(limits.size(), 1);
+    ASSERT_EQ(limits.size(), 1) << limits.value(1).message.toStdString();
     EXPECT_EQ(limits.first().place.line, motion.line);
     EXPECT_EQ(limits.first().subject, QStringLiteral("C1"));
     EXPECT_TRUE(ZELTest::SameDouble(maximum / kDegree + 1.0, limits.first().value, ZELTest::kTight));

@@ -247,9 +247,9 @@ TEST_F(ZELKinNCReplayTest, AnAxisWordInExponentNotationIsReadWholeAndIsAnIrregul
 TEST_F(ZELKinNCReplayTest, AnAxisWordWithoutANumberKeepsTheValueAndIsAnIrregularity)
 {
     QString text = ZELTest::Golden(kPlyFile);
-    text.replace(QStringLiteral("N3M69G1X12.0000U50.8000F100"), QStringLiteral("N3M69G1XU50.8000F100"));
+    text.replace(QStringLiteral("N3M69G1X12.0000U50.8000F100"), QStringLiteral("N3M69G1X U50.8000F100"));
     const ZELKinNCPlyFile ply = ReadOnePly(text);
-    const unsigned line = LineOf(text, QStringLiteral("N3M69G1XU"));
+    const unsigned line = LineOf(text, QStringLiteral("N3M69G1X U"));
     EXPECT_TRUE(ZELTest::SameDouble(11 * kInch, MotionOf(ply, line).values.at(X), ZELTest::kTight));
     ASSERT_EQ(ply.irregularities.size(), 1);
     EXPECT_EQ(ply.irregularities.first().check, QStringLiteral("number"));

@@ -52,6 +52,8 @@ protected:
             toolpath
                 = ZELTPProgramReader(&container).Read(QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/flat-panel.json"));
             ZELKinProgram* program = ZELKinTranslator(solver.get()).Translate(toolpath);
+            // The files are named after the program, as zelkin post names them.
+            program->SetOriginalFileName(toolpath->GetName());
             ZELKinWriter(program).Write(folder.path(), QStringLiteral("AFPGCode"), QString());
             nc = ZELKinNCReplay(*machine).Read(folder.path());
         }

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QStringList>
 #include <QVector>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -14,8 +15,6 @@
 #include <numeric>
 
 namespace {
-
-constexpr double kDegreesPerRadian = 57.29577951308232;
 
 // Decimals kept in the inlined data: far below what a plot can show, far
 // above what makes the page large.
@@ -464,7 +463,7 @@ QList<PlotAxis> PlotAxesOf(const ZELKinAFPMachine& machine)
         if (!variable)
             continue;
         const bool rotary = variable->GetType() == ZELKinVariable::Rotary;
-        const double scale = rotary ? kDegreesPerRadian : 1.0;
+        const double scale = rotary ? qRadiansToDegrees(1.0) : 1.0;
         axes.append(PlotAxis{i, variable->GetLabel(), KindOf(*variable, machine),
                              rotary ? QStringLiteral("deg") : QStringLiteral("mm"), scale,
                              rotary ? kRotaryDecimals : kLinearDecimals, variable->GetMinimum() * scale,

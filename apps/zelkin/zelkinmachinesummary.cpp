@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr double DegreesPerRadian = 180.0 / M_PI;
+constexpr double DegreesPerRadian = qRadiansToDegrees(1.0);
 constexpr double SecondsPerMinute = 60.0;
 constexpr double MillimetresPerMetre = 1000.0;
 constexpr int SectionIndent = 2;

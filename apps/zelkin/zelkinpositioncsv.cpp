@@ -13,6 +13,7 @@
 #include <QByteArray>
 #include <QIODevice>
 #include <QList>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -20,15 +21,13 @@
 
 namespace {
 
-constexpr double kDegreesPerRadian = 57.29577951308232;
-
 QByteArray ValueField(const ZELKinPosition& position, const ZELKinVariable* variable)
 {
     if (!position.IsVariableDefined(variable))
         return QByteArray();
     double value = position.GetVariableValue(variable);
     if (variable->GetType() == ZELKinVariable::Rotary)
-        value *= kDegreesPerRadian;
+        value = qRadiansToDegrees(value);
     return QByteArray::number(value, 'f', 6);
 }
 

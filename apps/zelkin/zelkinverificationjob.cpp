@@ -13,6 +13,7 @@
 #include <zeltpprogramreader.h>
 
 #include <QtGlobal>
+#include <QtMath>
 
 #include <cmath>
 #include <cstdio>
@@ -27,8 +28,6 @@ const QString NCOption = QStringLiteral("nc");
 const QString FlipOption = QStringLiteral("flip-angle");
 const QString SingularityOption = QStringLiteral("singularity-angle");
 
-constexpr double kDegreesPerRadian = 57.29577951308232;
-
 double AngleOption(const ZELKinArguments& parsed, const QString& option, double fallback, const QString& command)
 {
     if (!parsed.IsSet(option))
@@ -39,7 +38,7 @@ double AngleOption(const ZELKinArguments& parsed, const QString& option, double 
         throw ZELKinUsageError(QStringLiteral("--%1 takes an angle in degrees above 0 and below 180, not '%2'")
                                    .arg(option, parsed.GetValue(option)),
                                command);
-    return degrees / kDegreesPerRadian;
+    return qDegreesToRadians(degrees);
 }
 
 // While it lives, a fatal message of the libraries (the machine loader ends

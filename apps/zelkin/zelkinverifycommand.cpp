@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -19,7 +20,6 @@ namespace {
 
 const QString JsonOption = QStringLiteral("json");
 
-constexpr double kDegreesPerRadian = 57.29577951308232;
 // The text summary lists this many findings; --json lists them all.
 constexpr int kFindingsShown = 50;
 
@@ -116,25 +116,25 @@ QJsonObject JsonExtreme(const ZELKinVerifyExtreme& extreme, double scale)
 
 QJsonObject JsonTally(const ZELKinVerifyTally& tally)
 {
-    return QJsonObject{{QStringLiteral("motionLines"), tally.motionLines},
-                       {QStringLiteral("matchedLines"), tally.matchedLines},
-                       {QStringLiteral("linkLines"), tally.linkLines},
-                       {QStringLiteral("movesInPlace"), tally.movesInPlace},
-                       {QStringLiteral("towEvents"), tally.towEvents},
-                       {QStringLiteral("points"), tally.points},
-                       {QStringLiteral("findings"), tally.findings},
-                       {QStringLiteral("warnings"), tally.warnings},
-                       {QStringLiteral("maxCentreMm"), JsonExtreme(tally.centre, 1.0)},
-                       {QStringLiteral("maxContactMm"), JsonExtreme(tally.contact, 1.0)},
-                       {QStringLiteral("maxNormalDeg"), JsonExtreme(tally.normal, kDegreesPerRadian)},
-                       {QStringLiteral("maxTravelDeg"), JsonExtreme(tally.travel, kDegreesPerRadian)},
-                       {QStringLiteral("maxRotaryStepDeg"), JsonExtreme(tally.rotaryStep, kDegreesPerRadian)},
-                       {QStringLiteral("maxSpeedRatio"), JsonExtreme(tally.speedRatio, 1.0)},
-                       {QStringLiteral("minSingularityMarginDeg"),
-                        JsonExtreme(tally.singularityMargin, kDegreesPerRadian)},
-                       {QStringLiteral("maxTowEventMm"), JsonExtreme(tally.towEvent, 1.0)},
-                       {QStringLiteral("maxLinkCentreMm"), JsonExtreme(tally.linkCentre, 1.0)},
-                       {QStringLiteral("maxPathGapMm"), JsonExtreme(tally.pathGap, 1.0)}};
+    return QJsonObject{
+        {QStringLiteral("motionLines"), tally.motionLines},
+        {QStringLiteral("matchedLines"), tally.matchedLines},
+        {QStringLiteral("linkLines"), tally.linkLines},
+        {QStringLiteral("movesInPlace"), tally.movesInPlace},
+        {QStringLiteral("towEvents"), tally.towEvents},
+        {QStringLiteral("points"), tally.points},
+        {QStringLiteral("findings"), tally.findings},
+        {QStringLiteral("warnings"), tally.warnings},
+        {QStringLiteral("maxCentreMm"), JsonExtreme(tally.centre, 1.0)},
+        {QStringLiteral("maxContactMm"), JsonExtreme(tally.contact, 1.0)},
+        {QStringLiteral("maxNormalDeg"), JsonExtreme(tally.normal, qRadiansToDegrees(1.0))},
+        {QStringLiteral("maxTravelDeg"), JsonExtreme(tally.travel, qRadiansToDegrees(1.0))},
+        {QStringLiteral("maxRotaryStepDeg"), JsonExtreme(tally.rotaryStep, qRadiansToDegrees(1.0))},
+        {QStringLiteral("maxSpeedRatio"), JsonExtreme(tally.speedRatio, 1.0)},
+        {QStringLiteral("minSingularityMarginDeg"), JsonExtreme(tally.singularityMargin, qRadiansToDegrees(1.0))},
+        {QStringLiteral("maxTowEventMm"), JsonExtreme(tally.towEvent, 1.0)},
+        {QStringLiteral("maxLinkCentreMm"), JsonExtreme(tally.linkCentre, 1.0)},
+        {QStringLiteral("maxPathGapMm"), JsonExtreme(tally.pathGap, 1.0)}};
 }
 
 QJsonObject JsonPly(const ZELKinVerifiedPly& ply)
@@ -183,10 +183,10 @@ QString Json(const QString& ncPath, const ZELKinVerification& verification)
                            {QStringLiteral("warnings"), qint64(verification.GetNumWarnings())},
                            {QStringLiteral("gates"),
                             QJsonObject{{QStringLiteral("centreMm"), gates.centre},
-                                        {QStringLiteral("rotaryRoundingDeg"), gates.rotaryRounding * kDegreesPerRadian},
+                                        {QStringLiteral("rotaryRoundingDeg"), qRadiansToDegrees(gates.rotaryRounding)},
                                         {QStringLiteral("rotaryLagRad"), gates.rotaryLag},
-                                        {QStringLiteral("flipDeg"), gates.flip * kDegreesPerRadian},
-                                        {QStringLiteral("singularityDeg"), gates.singularity * kDegreesPerRadian},
+                                        {QStringLiteral("flipDeg"), qRadiansToDegrees(gates.flip)},
+                                        {QStringLiteral("singularityDeg"), qRadiansToDegrees(gates.singularity)},
                                         {QStringLiteral("towEventMm"), gates.towEvent}}},
                            {QStringLiteral("plies"), plies},
                            {QStringLiteral("findings"), findings}};

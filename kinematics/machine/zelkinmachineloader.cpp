@@ -13,6 +13,7 @@
 #include <QDomNodeList>
 #include <QXmlStreamReader>
 #include <QtDebug>
+#include <QtMath>
 
 #include <array>
 #include <limits>
@@ -55,7 +56,6 @@ void CheckDepth(const QByteArray& bytes)
     }
 }
 
-constexpr double RadiansPerDegree = 0.017453292519943295;
 constexpr double RadiansPerSecondPerDegreePerMinute = 0.0002908882086657216;
 constexpr double MillimetresPerSecondPerMetrePerMinute = 16.666666666666668;
 constexpr double MillimetresPerMetre = 1000.0;
@@ -208,10 +208,10 @@ void ZELKinMachineLoader::BuildVariable(ZELKinMachine* machine, const QDomElemen
     ZELKinVariable::VariableType type = ZELKinVariable::Linear;
     if (element.attribute(QStringLiteral("type")) == QLatin1String("rotary")) {
         type = ZELKinVariable::Rotary;
-        minimum *= RadiansPerDegree;
-        maximum *= RadiansPerDegree;
+        minimum = qDegreesToRadians(minimum);
+        maximum = qDegreesToRadians(maximum);
         speed *= RadiansPerSecondPerDegreePerMinute;
-        acceleration *= RadiansPerDegree;
+        acceleration = qDegreesToRadians(acceleration);
     } else {
         speed *= MillimetresPerSecondPerMetrePerMinute;
         acceleration *= MillimetresPerMetre;

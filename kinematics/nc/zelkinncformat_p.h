@@ -3,6 +3,8 @@
 
 #include "zelkinematics_export.h"
 
+#include <QtMath>
+
 /*!
     The number formats of NC text, in one place, so that the writers format
     every number the same way.
@@ -37,7 +39,6 @@ public:
     ZELKinNCFormat() = delete;
 
     static constexpr double MillimetresPerInch = 25.4;
-    static constexpr double DegreesPerRadian = 57.29577951308232;
 
     //! The most decimals that the fixed notation writes.
     static constexpr int MaximumDecimals = 17;
@@ -57,7 +58,7 @@ public:
     static int WriteGeneral(char* buffer, double value);
 
     static double ToInches(double millimetres) { return millimetres / MillimetresPerInch; }
-    static double ToDegrees(double radians) { return radians * DegreesPerRadian; }
+    static double ToDegrees(double radians) { return qRadiansToDegrees(radians); }
 };
 
 #endif // ZELKINNCFORMAT_P_H

@@ -13,12 +13,11 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QtMath>
 
 #include <algorithm>
 
 namespace {
-
-constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 const QString kProgramSetSuffix = QLatin1String(ZELKinAFPGCodeTexts::ProgramSetSuffix);
 const QString kBundleSuffix = QLatin1String(ZELKinAFPGCodeTexts::BundleSuffix);
@@ -107,7 +106,7 @@ ZELKinNCReplayPrivate::ZELKinNCReplayPrivate(ZELKinNCReplay* q, const ZELKinAFPM
     for (const ZELKinVariable* variable : machine.GetVariables()) {
         labels.append(variable ? variable->GetLabel() : QString());
         if (variable && variable->GetType() == ZELKinVariable::Rotary)
-            scales.append(kRadiansPerDegree);
+            scales.append(qDegreesToRadians(1.0));
         else
             scales.append(variable == material ? 1.0 : ZELKinNCPlyRun::MillimetresPerInch);
     }

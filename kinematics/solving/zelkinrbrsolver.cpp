@@ -12,6 +12,7 @@
 #include <QStringList>
 #include <QVarLengthArray>
 #include <QtDebug>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -21,7 +22,6 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kTurn = 2.0 * kPi;
-constexpr double kRadiansPerDegree = 0.017453292519943295;
 // Real wrist axes travel a turn or two either way; listing at most this many
 // turns either way of an angle covers them and keeps infinite or huge limits
 // from listing candidates without end.
@@ -310,7 +310,7 @@ void ZELKinRBRSolverPrivate::ReadItem(const QString& item)
     const QString key = parts.at(0).simplified();
     const QString value = parts.value(1).simplified();
     if (key == QLatin1String("normal-tolerance"))
-        normalTolerance = value.toDouble() * kRadiansPerDegree;
+        normalTolerance = qDegreesToRadians(value.toDouble());
     else if (key == QLatin1String("first-roll-reference"))
         firstRollReference = ReadVector(value);
     else if (key == QLatin1String("second-roll-reference"))

@@ -16,6 +16,7 @@
 #include <zeltpprocedure.h>
 
 #include <QSet>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -24,7 +25,6 @@
 
 namespace {
 
-constexpr double kDegreesPerRadian = 57.29577951308232;
 // What the arithmetic of a conversion may add to a value that the solver
 // put right at a limit (mm or rad).
 constexpr double kLimitSlack = 1e-9;
@@ -241,7 +241,7 @@ void ZELKinProgramCheckPrivate::CheckLimit(const ZELKinVariable* variable, doubl
     if (!below && !above && std::isfinite(value))
         return;
     const bool rotary = variable->GetType() == ZELKinVariable::Rotary;
-    const double scale = rotary ? kDegreesPerRadian : 1.0;
+    const double scale = rotary ? qRadiansToDegrees(1.0) : 1.0;
     const QString unit = rotary ? QStringLiteral("deg") : QStringLiteral("mm");
     const QString label = variable->GetLabel();
     QString message;

@@ -3,6 +3,8 @@
 #include <zelkinafpmachine.h>
 #include <zelkinvariable.h>
 
+#include <QtMath>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -10,7 +12,6 @@
 
 namespace {
 
-constexpr double kDegreesPerRadian = 57.29577951308232;
 // Values are written with four decimals of an inch or a degree: a value
 // right at a limit may read this much beyond it.
 constexpr double kLinearLimitSlack = 0.002;
@@ -218,7 +219,7 @@ void ZELKinPlyCheck::CheckLimits(const ZELKinNCMotion& motion, const ZELKinVerif
 void ZELKinPlyCheck::FindLimit(const ZELKinNCMotion& motion, int axis, double value, double limit, const QString& side)
 {
     const bool rotary = m_axes.IsRotary(axis);
-    const double scale = rotary ? kDegreesPerRadian : 1.0;
+    const double scale = rotary ? qRadiansToDegrees(1.0) : 1.0;
     const QString unit = rotary ? QStringLiteral("deg") : QStringLiteral("mm");
     const QString label = m_axes.LabelOf(axis);
     Find(QStringLiteral("limit"), PlaceOf(motion), label, value * scale, limit * scale,
@@ -236,10 +237,10 @@ void ZELKinPlyCheck::CheckRotarySteps(const ZELKinNCMotion& previous, const ZELK
         Keep(&ZELKinVerifyTally::rotaryStep, step, PlaceOf(motion), label);
         const bool insideOneCourse = motion.alongCourse && previous.alongCourse && motion.course == previous.course;
         if (insideOneCourse && step > m_gates.flip)
-            Find(QStringLiteral("flip"), PlaceOf(motion), label, step * kDegreesPerRadian,
-                 m_gates.flip * kDegreesPerRadian,
+            Find(QStringLiteral("flip"), PlaceOf(motion), label, qRadiansToDegrees(step),
+                 qRadiansToDegrees(m_gates.flip),
                  QStringLiteral("%1 turns %2 deg from the line before, inside the course: a wrist flip (gate %3 deg)")
-                     .arg(label, Number(step * kDegreesPerRadian, 3), Number(m_gates.flip * kDegreesPerRadian, 3)));
+                     .arg(label, Number(qRadiansToDegrees(step), 3), Number(qRadiansToDegrees(m_gates.flip), 3)));
     }
 }
 
@@ -273,7 +274,7 @@ void ZELKinPlyCheck::CheckSpeeds(const ZELKinNCMotion& motion, const ZELKinVerif
 void ZELKinPlyCheck::FindSpeed(const ZELKinNCMotion& motion, int axis, double speed, double limit)
 {
     const bool rotary = m_axes.IsRotary(axis);
-    const double scale = rotary ? kDegreesPerRadian * 60.0 : 0.06;
+    const double scale = rotary ? qRadiansToDegrees(60.0) : 0.06;
     const QString unit = rotary ? QStringLiteral("deg/min") : QStringLiteral("m/min");
     const QString label = m_axes.LabelOf(axis);
     Find(QStringLiteral("speed"), PlaceOf(motion), label, speed * scale, limit * scale,
@@ -374,9 +375,9 @@ void ZELKinPlyCheck::CheckAngle(const QString& check, const QString& what,
 {
     Keep(extreme, angle, place);
     if (!(angle <= gate + kAngleRounding))
-        Find(check, place, QString(), angle * kDegreesPerRadian, gate * kDegreesPerRadian,
+        Find(check, place, QString(), qRadiansToDegrees(angle), qRadiansToDegrees(gate),
              QStringLiteral("%1 is %2 deg off the toolpath point's (gate %3 deg on this line)")
-                 .arg(what, Number(angle * kDegreesPerRadian, 5), Number(gate * kDegreesPerRadian, 5)));
+                 .arg(what, Number(qRadiansToDegrees(angle), 5), Number(qRadiansToDegrees(gate), 5)));
 }
 
 // Where the tows land: the roller centre less the roller radius along
@@ -404,11 +405,11 @@ void ZELKinPlyCheck::CheckSingularity(const ZELKinVerifyPlace& place, const Head
         return;
     Tally(place.course, [&](ZELKinVerifyTally& tally) { KeepSmallest(tally.singularityMargin, margin, place); });
     if (margin < m_gates.singularity)
-        Find(QStringLiteral("singularity"), place, QString(), margin * kDegreesPerRadian,
-             m_gates.singularity * kDegreesPerRadian,
+        Find(QStringLiteral("singularity"), place, QString(), qRadiansToDegrees(margin),
+             qRadiansToDegrees(m_gates.singularity),
              QStringLiteral("the normal is %1 deg from the first roll axis, the wrist's singularity (warning "
                             "below %2 deg)")
-                 .arg(Number(margin * kDegreesPerRadian, 3), Number(m_gates.singularity * kDegreesPerRadian, 3)),
+                 .arg(Number(qRadiansToDegrees(margin), 3), Number(qRadiansToDegrees(m_gates.singularity), 3)),
              true);
 }
 

@@ -8,6 +8,7 @@
 #include <QList>
 #include <QString>
 #include <QVector>
+#include <QtMath>
 
 #include <limits>
 
@@ -26,15 +27,15 @@ struct ZELKinVerifyGates
     double centre = 0.01;
     //! How far a rotary word the line writes may be off: its rounding to
     //! four decimals of a degree.
-    double rotaryRounding = 0.00005 * 0.017453292519943295;
+    double rotaryRounding = qDegreesToRadians(0.00005);
     //! How far a rotary word the line leaves out may lag: the post leaves a
     //! word out while its value stays this close to the one the controller
     //! holds.
     double rotaryLag = 0.001;
     //! A rotary step between two lines of one course above this is a flip.
-    double flip = 30.0 * 0.017453292519943295;
+    double flip = qDegreesToRadians(30.0);
     //! Closer than this to the wrist's singularity is a warning.
-    double singularity = 2.0 * 0.017453292519943295;
+    double singularity = qDegreesToRadians(2.0);
     //! A tow event's material position against the toolpath's.
     double towEvent = 0.01;
 };

@@ -2,13 +2,9 @@
 
 #include "zelkinverification.h"
 
+#include <QtMath>
+
 #include <cmath>
-
-namespace {
-
-constexpr double kDegreesPerRadian = 57.29577951308232;
-
-} // namespace
 
 QStringList ZELKinVerifySummary::GetHeadings()
 {
@@ -28,11 +24,11 @@ QStringList ZELKinVerifySummary::GetCells(const ZELKinVerifyTally& tally)
             QString::number(tally.points),
             Cell(tally.centre.value, 1.0, 4),
             Cell(tally.contact.value, 1.0, 4),
-            Cell(tally.normal.value, kDegreesPerRadian, 4),
-            Cell(tally.travel.value, kDegreesPerRadian, 4),
-            Cell(tally.rotaryStep.value, kDegreesPerRadian, 3),
+            Cell(tally.normal.value, qRadiansToDegrees(1.0), 4),
+            Cell(tally.travel.value, qRadiansToDegrees(1.0), 4),
+            Cell(tally.rotaryStep.value, qRadiansToDegrees(1.0), 3),
             Cell(tally.speedRatio.value, 100.0, 1),
-            Cell(tally.singularityMargin.value, kDegreesPerRadian, 3),
+            Cell(tally.singularityMargin.value, qRadiansToDegrees(1.0), 3),
             Cell(tally.towEvent.value, 1.0, 3),
             Cell(tally.linkCentre.value, 1.0, 4),
             Cell(tally.pathGap.value, 1.0, 4),
@@ -50,9 +46,9 @@ QString ZELKinVerifySummary::DescribeGates(const ZELKinVerifyGates& gates)
     return QStringLiteral("roller centre, link and path %1 mm; normal and travel %2 deg a written rotary word, "
                           "%3 rad a word left out, by the sine of its axis to the direction; contact %1 mm and the "
                           "roller radius times that; flip %4 deg; singularity warning %5 deg; tow events %6 mm")
-        .arg(Cell(gates.centre, 1.0, 4), Cell(gates.rotaryRounding, kDegreesPerRadian, 5),
-             Cell(gates.rotaryLag, 1.0, 3), Cell(gates.flip, kDegreesPerRadian, 3),
-             Cell(gates.singularity, kDegreesPerRadian, 3), Cell(gates.towEvent, 1.0, 3));
+        .arg(Cell(gates.centre, 1.0, 4), Cell(gates.rotaryRounding, qRadiansToDegrees(1.0), 5),
+             Cell(gates.rotaryLag, 1.0, 3), Cell(gates.flip, qRadiansToDegrees(1.0), 3),
+             Cell(gates.singularity, qRadiansToDegrees(1.0), 3), Cell(gates.towEvent, 1.0, 3));
 }
 
 QString ZELKinVerifySummary::GetResult(const ZELKinVerification& verification)

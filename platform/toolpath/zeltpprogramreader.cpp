@@ -18,6 +18,7 @@
 #include <QFile>
 #include <QLocale>
 #include <QStringList>
+#include <QtMath>
 
 #include <simdjson.h>
 
@@ -37,7 +38,6 @@
 
 namespace {
 
-constexpr double RadiansPerDegree = 0.017453292519943295;
 // How far travel and normal may be from unit length, and their dot product
 // from zero.
 constexpr double DirectionTolerance = 1e-6;
@@ -322,7 +322,7 @@ double ReadNumberIn(const Value& value, const Range& range)
 double ReadOptionalAngle(const Value& object, const char* key, const Range& range)
 {
     const std::optional<Value> angle = object.FindMember(key);
-    return angle ? ReadNumberIn(*angle, range) * RadiansPerDegree : std::numeric_limits<double>::quiet_NaN();
+    return angle ? qDegreesToRadians(ReadNumberIn(*angle, range)) : std::numeric_limits<double>::quiet_NaN();
 }
 
 // A string that `problemOf` finds no problem with.
@@ -576,10 +576,10 @@ QList<ZELTPPlyDescription> ReadPlies(const Value& value)
 {
     QList<ZELTPPlyDescription> plies;
     ForEachEntry(value, [&](const Value& ply) {
-        plies.append(ZELTPPlyDescription(ReadText(ply.GetMember("name")),
-                                         ReadNumberIn(ply.GetMember("orientation"), OrientationRange)
-                                             * RadiansPerDegree,
-                                         ReadPropagation(ply.GetMember("propagation"))));
+        plies.append(
+            ZELTPPlyDescription(ReadText(ply.GetMember("name")),
+                                qDegreesToRadians(ReadNumberIn(ply.GetMember("orientation"), OrientationRange)),
+                                ReadPropagation(ply.GetMember("propagation"))));
     });
     return plies;
 }

@@ -1,11 +1,9 @@
 #include "zelkinmachine.h"
 #include "zelkinmachine_p.h"
 
-#include "zelkinrbrsolver.h"
-
 #include <zelsysoutofboundsexception.h>
 
-#include <memory>
+#include <QHash>
 
 namespace {
 
@@ -13,6 +11,13 @@ void CheckIndex(int index, int count)
 {
     if (index < 0 || index >= count)
         throw ZELSysOutOfBoundsException(index, 0, count - 1, true, true);
+}
+
+// Filled while the library loads, read only afterwards.
+QHash<QString, ZELKinMachine::SolverFactory>& SolverFactories()
+{
+    static QHash<QString, ZELKinMachine::SolverFactory> factories;
+    return factories;
 }
 
 } // namespace
@@ -131,12 +136,14 @@ QString ZELKinMachine::GetSolverConfig() const
 ZELKinSolver* ZELKinMachine::CreateSolver() const
 {
     Q_D(const ZELKinMachine);
-    if (d->solver != QLatin1String("RBR"))
-        return nullptr;
+    const SolverFactory factory = SolverFactories().value(d->solver);
     // The solver refers to its machine but never changes it.
-    auto solver = std::make_unique<ZELKinRBRSolver>(const_cast<ZELKinMachine*>(this));
-    solver->Configure(d->solverConfig);
-    return solver.release();
+    return factory ? factory(const_cast<ZELKinMachine*>(this), d->solverConfig) : nullptr;
+}
+
+void ZELKinMachine::SetSolverFactory(const QString& name, SolverFactory factory)
+{
+    SolverFactories().insert(name, factory);
 }
 
 void ZELKinMachine::Save(ZELGeoStream& stream) const

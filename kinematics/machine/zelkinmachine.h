@@ -60,6 +60,16 @@ public:
     //! roll-bend-roll wrist.
     ZELKinSolver* CreateSolver() const;
 
+    //! Makes a solver for `machine`, configured with `configuration`, owned
+    //! by the caller; throws what the solver's construction throws.
+    using SolverFactory = ZELKinSolver* (*)(ZELKinMachine* machine, const QString& configuration);
+    //! Makes CreateSolver() use `factory` for machines whose solver name is
+    //! `name`. The machine layer knows no solver of its own: the solving
+    //! layer adds the roll-bend-roll solver ("RBR") as the library loads,
+    //! and a host may add solvers of its own before it creates any. Not to
+    //! be called while another thread creates a solver.
+    static void SetSolverFactory(const QString& name, SolverFactory factory);
+
     void Save(ZELGeoStream& stream) const override;
     void Load(ZELGeoStream& stream) override;
 

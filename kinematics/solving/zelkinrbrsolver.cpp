@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <tuple>
 
 namespace {
@@ -255,6 +256,16 @@ ZELMathVector ReadVector(const QString& value)
                          coordinates.at(2).simplified().toDouble());
 }
 
+ZELKinSolver* CreateRBRSolver(ZELKinMachine* machine, const QString& configuration)
+{
+    auto solver = std::make_unique<ZELKinRBRSolver>(machine);
+    solver->Configure(configuration);
+    return solver.release();
+}
+
+// The machine makes its solver by name; the roll-bend-roll solver is there
+// as soon as the library is loaded.
+const bool kRBRSolverAdded = (ZELKinMachine::SetSolverFactory(QStringLiteral("RBR"), &CreateRBRSolver), true);
 } // namespace
 
 void ZELKinRBRSolverPrivate::FindWrist()

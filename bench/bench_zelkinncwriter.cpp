@@ -11,6 +11,7 @@
 #include <zelkinwriter.h>
 
 #include <zelkintestaccess.h>
+#include <zelkintestsixaxismachine.h>
 
 #include <benchmark/benchmark.h>
 
@@ -35,18 +36,11 @@ constexpr int kLinkPositions = 5;
     carries and a tow add near each course start; links of five positions
     between them.
 */
-class BenchPly
+class BenchPly : ZELKinTestSixAxisMachine
 {
 public:
     explicit BenchPly(int positions)
-        : machine(ZELKinTestAccess::CreateMachine(&container))
-        , x(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X"), ZELKinVariable::Linear, -1e9, 1e9))
-        , y(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Y"), ZELKinVariable::Linear, -1e9, 1e9))
-        , z(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Z"), ZELKinVariable::Linear, -1e9, 1e9))
-        , a(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("A"), ZELKinVariable::Rotary))
-        , c1(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("C1"), ZELKinVariable::Rotary))
-        , u(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("U"), ZELKinVariable::Linear, -1e9, 1e9))
-        , program(ZELKinTestAccess::CreateProgram(machine))
+        : ZELKinTestSixAxisMachine(ZELKinTestHead(), 1e9)
         , procedure(ZELKinTestAccess::CreateRollLayupProcedure(program, 1270.0, 1905.0))
     {
         program->SetOriginalFileName(QStringLiteral("BENCH"));
@@ -109,15 +103,6 @@ private:
         lines += kPositionsPerCourse - 1;
     }
 
-    ZELGeoContainer container;
-    ZELKinAFPMachine* machine;
-    ZELKinVariable* x;
-    ZELKinVariable* y;
-    ZELKinVariable* z;
-    ZELKinVariable* a;
-    ZELKinVariable* c1;
-    ZELKinVariable* u;
-    ZELKinProgram* program;
     ZELKinRollLayupProcedure* procedure;
     int count = 0;
     int lines = 0;

@@ -12,6 +12,7 @@
 #include <zelkinsolver.h>
 
 #include <zelkintestaccess.h>
+#include <zelkintestrollsolver.h>
 
 #include <zeltpcourselink.h>
 #include <zeltppoint.h>
@@ -46,21 +47,17 @@ constexpr int kLinkPositions = 5;
 */
 enum class Rolls { TwoOrThree, Eight };
 
-class BenchSolver : public ZELKinSolver
+class BenchSolver : public ZELKinTestRollSolver
 {
 public:
     BenchSolver(ZELKinMachine* machine, ZELKinVariable* x, ZELKinVariable* y, ZELKinVariable* z, ZELKinVariable* a,
                 Rolls rolls)
-        : ZELKinSolver(machine)
-        , x(x)
-        , y(y)
-        , z(z)
-        , a(a)
+        : ZELKinTestRollSolver(machine, x, y, z, a)
         , rolls(rolls)
     {
     }
 
-    void Configure(const QString&) override {}
+    using ZELKinTestRollSolver::Solve;
 
     QList<ZELKinSolution> Solve(const ZELMathAxis& frame, bool) const override
     {
@@ -81,25 +78,6 @@ public:
         return candidates;
     }
 
-    ZELKinSolution Solve(const ZELMathAxis& frame, double fraction, const ZELKinSolution& from,
-                         const ZELKinSolution& to) const override
-    {
-        if (from.IsInfinite() && to.IsInfinite())
-            return ZELKinSolution();
-        const double roll = from.IsInfinite() ? Roll(to)
-                            : to.IsInfinite() ? Roll(from)
-                                              : Roll(to) * fraction + Roll(from) * (1.0 - fraction);
-        return At(frame.GetOrigin(), roll);
-    }
-
-    ZELKinSolution FromTraori(const ZELKinSolution& solution) const override { return solution; }
-    ZELKinSolution ToTraori(const ZELKinSolution& solution) const override { return solution; }
-
-    ZELMathPoint GetTipPoint(const ZELKinSolution& solution) const override
-    {
-        return ZELMathPoint(solution.GetVariableValue(x), solution.GetVariableValue(y), solution.GetVariableValue(z));
-    }
-
     bool IsContiguous(const ZELKinSolution& from, const ZELKinSolution& to, Continuity mode) const override
     {
         const double change = std::abs(Roll(to) - Roll(from));
@@ -113,29 +91,7 @@ public:
         }
     }
 
-    double ComputeCost(const ZELKinSolution& from, const ZELKinSolution& to) const override
-    {
-        return std::abs(Roll(to) - Roll(from));
-    }
-
 private:
-    double Roll(const ZELKinSolution& solution) const { return solution.GetVariableValue(a); }
-
-    ZELKinSolution At(const ZELMathPoint& origin, double roll) const
-    {
-        ZELKinSolution solution;
-        solution.SetVariableValue(x, origin.GetX());
-        solution.SetVariableValue(y, origin.GetY());
-        solution.SetVariableValue(z, origin.GetZ());
-        solution.SetVariableValue(a, roll);
-        solution.SetTraori(true);
-        return solution;
-    }
-
-    ZELKinVariable* const x;
-    ZELKinVariable* const y;
-    ZELKinVariable* const z;
-    ZELKinVariable* const a;
     const Rolls rolls;
 };
 

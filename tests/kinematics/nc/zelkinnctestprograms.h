@@ -4,6 +4,7 @@
 #include <zelkinwriter.h>
 
 #include <zelkintestaccess.h>
+#include <zelkintestsixaxismachine.h>
 
 #include <zelmathplane.h>
 
@@ -61,26 +62,16 @@ struct HeadAngles
 };
 
 /*!
-    A 16-tow fibre placement machine with the axes X, Y, Z (linear), A, C1
-    (rotary, turning at `rotarySpeed` rad/s at the most) and U (linear, the
-    material axis), in that order, and a program
-    for it whose header the NC files print: original file name "PART",
-    revision "B", author "jdoe", made on 2024-03-05 at 14:07:09.
-    Tests give the writer the time 2024-03-06 08:09:10 as the current one.
+    The 16-tow six-axis machine of ZELKinTestSixAxisMachine (its rotary
+    axes turning at `rotarySpeed` rad/s at the most) and a program for it
+    whose header the NC files print: original file name "PART", revision
+    "B", author "jdoe", made on 2024-03-05 at 14:07:09. Tests give the
+    writer the time 2024-03-06 08:09:10 as the current one.
 */
-struct NCFixture
+struct NCFixture : ZELKinTestSixAxisMachine
 {
     explicit NCFixture(const ZELKinTestHead& head = ZELKinTestHead(), double rotarySpeed = 500.0)
-        : machine(ZELKinTestAccess::CreateMachine(&container, head))
-        , x(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("X")))
-        , y(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Y")))
-        , z(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("Z")))
-        , a(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("A"), ZELKinVariable::Rotary, -1000.0, 1000.0,
-                                             rotarySpeed))
-        , c1(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("C1"), ZELKinVariable::Rotary, -1000.0, 1000.0,
-                                              rotarySpeed))
-        , u(ZELKinTestAccess::CreateVariable(machine, QStringLiteral("U")))
-        , program(ZELKinTestAccess::CreateProgram(machine))
+        : ZELKinTestSixAxisMachine(head, 1000.0, rotarySpeed)
     {
         program->SetOriginalFileName(QStringLiteral("PART"));
         program->SetRevisionNumber(QStringLiteral("B"));
@@ -328,15 +319,6 @@ struct NCFixture
         return QString::fromUtf8(file.readAll());
     }
 
-    ZELGeoContainer container;
-    ZELKinAFPMachine* machine;
-    ZELKinVariable* x;
-    ZELKinVariable* y;
-    ZELKinVariable* z;
-    ZELKinVariable* a;
-    ZELKinVariable* c1;
-    ZELKinVariable* u;
-    ZELKinProgram* program;
     QTemporaryDir output;
 };
 

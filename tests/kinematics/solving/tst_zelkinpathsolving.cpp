@@ -6,6 +6,7 @@
 #include "zelkintestgantry.h"
 
 #include <zelkintestrolllayup.h>
+#include <zelkintestrollsolver.h>
 
 #include <zeltpcourselink.h>
 #include <zeltppoint.h>
@@ -80,29 +81,18 @@ struct Nearest
 };
 
 /*
-    A solver of one roll axis A over the linear axes X, Y and Z. Its
-    candidates come from a table keyed by the frame origin (none for an origin
-    it does not know), each placing X, Y, Z at the origin. A move is
-    contiguous when A changes by less than 1 (ContinuityFull), less than 2
-    (ContinuityFirstRoll) or anyhow (ContinuityNone); its cost is the change
-    of A. A blend mixes A linearly and keeps the side that is not infinite,
-    as the wrist solvers do. At a free frame SolveNearest keeps the roll of
-    the guess when the frame reaches it and gives nothing when it does not;
-    without a guess it takes the reachable roll nearest 0.
+    A roll solver (ZELKinTestRollSolver) whose candidates come from a table
+    keyed by the frame origin (none for an origin it does not know). A move
+    is contiguous when A changes by less than 1 (ContinuityFull), less than
+    2 (ContinuityFirstRoll) or anyhow (ContinuityNone). At a free frame
+    SolveNearest keeps the roll of the guess when the frame reaches it and
+    gives nothing when it does not; without a guess it takes the reachable
+    roll nearest 0. Every question asked is recorded.
 */
-class FakeSolver : public ZELKinSolver
+class FakeSolver : public ZELKinTestRollSolver
 {
 public:
-    FakeSolver(ZELKinMachine* machine, ZELKinVariable* x, ZELKinVariable* y, ZELKinVariable* z, ZELKinVariable* a)
-        : ZELKinSolver(machine)
-        , x(x)
-        , y(y)
-        , z(z)
-        , a(a)
-    {
-    }
-
-    void Configure(const QString&) override {}
+    using ZELKinTestRollSolver::ZELKinTestRollSolver;
 
     QList<ZELKinSolution> Solve(const ZELMathAxis& frame, bool) const override
     {
@@ -122,12 +112,7 @@ public:
                          const ZELKinSolution& to) const override
     {
         blends.append({frame.GetOrigin(), fraction, from.IsInfinite(), to.IsInfinite()});
-        if (from.IsInfinite() && to.IsInfinite())
-            return ZELKinSolution();
-        const double roll = from.IsInfinite() ? Roll(to)
-                            : to.IsInfinite() ? Roll(from)
-                                              : Roll(to) * fraction + Roll(from) * (1.0 - fraction);
-        return At(frame.GetOrigin(), roll);
+        return ZELKinTestRollSolver::Solve(frame, fraction, from, to);
     }
 
     ZELKinSolution SolveNearest(const ZELMathAxis& frame, const ZELKinSolution& guess) const override
@@ -143,14 +128,6 @@ public:
         return At(frame.GetOrigin(), roll);
     }
 
-    ZELKinSolution FromTraori(const ZELKinSolution& solution) const override { return solution; }
-    ZELKinSolution ToTraori(const ZELKinSolution& solution) const override { return solution; }
-
-    ZELMathPoint GetTipPoint(const ZELKinSolution& solution) const override
-    {
-        return ZELMathPoint(solution.GetVariableValue(x), solution.GetVariableValue(y), solution.GetVariableValue(z));
-    }
-
     bool IsContiguous(const ZELKinSolution& from, const ZELKinSolution& to, Continuity mode) const override
     {
         moves.append({Roll(from), Roll(to), mode});
@@ -164,13 +141,6 @@ public:
             return true;
         }
     }
-
-    double ComputeCost(const ZELKinSolution& from, const ZELKinSolution& to) const override
-    {
-        return std::abs(Roll(to) - Roll(from));
-    }
-
-    double Roll(const ZELKinSolution& solution) const { return solution.GetVariableValue(a); }
 
     //! The mode of the first move asked into a candidate of roll `to`.
     std::optional<Continuity> ModeInto(double to) const
@@ -196,23 +166,6 @@ public:
     mutable QList<Move> moves;
     mutable QList<Blend> blends;
     mutable QList<Nearest> nearests;
-
-private:
-    ZELKinSolution At(const ZELMathPoint& origin, double roll) const
-    {
-        ZELKinSolution solution;
-        solution.SetVariableValue(x, origin.GetX());
-        solution.SetVariableValue(y, origin.GetY());
-        solution.SetVariableValue(z, origin.GetZ());
-        solution.SetVariableValue(a, roll);
-        solution.SetTraori(true);
-        return solution;
-    }
-
-    ZELKinVariable* const x;
-    ZELKinVariable* const y;
-    ZELKinVariable* const z;
-    ZELKinVariable* const a;
 };
 
 // A point of the procedure: where its frame lies and what the solver

@@ -85,6 +85,12 @@ void ZELKinPosition::SetVariableValue(ZELKinVariable* variable, double value)
     d->StoreValue(variable, value);
 }
 
+void ZELKinPosition::ReserveVariableValues(int count)
+{
+    Q_D(ZELKinPosition);
+    d->ReserveValues(std::size_t(std::max(count, 0)));
+}
+
 double ZELKinPosition::GetFeedrate() const
 {
     Q_D(const ZELKinPosition);

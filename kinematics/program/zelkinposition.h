@@ -43,6 +43,9 @@ public:
     //! Sets or replaces the variable's value; NaN removes it (nothing happens
     //! when it has none). Does nothing for a null variable.
     void SetVariableValue(ZELKinVariable* variable, double value);
+    //! Makes room for `count` variable values ahead, so that setting them
+    //! one by one does not grow the storage again; changes nothing else.
+    void ReserveVariableValues(int count);
 
     //! Feedrate of the move to this position (mm/min); NaN when the position
     //! gives none.

@@ -180,6 +180,12 @@ ZELKinCommand* ZELKinRollLayupProcedure::GetCommand(int index) const
     return ZELKinScriptPrivate::CommandAt(*this, d->GetChildrenInCommandOrder(), index);
 }
 
+QList<ZELKinScript*> ZELKinRollLayupProcedure::GetScriptsInCommandOrder() const
+{
+    Q_D(const ZELKinRollLayupProcedure);
+    return d->GetChildrenInCommandOrder();
+}
+
 bool ZELKinRollLayupProcedure::VisitCommands(const CommandVisitor& visit, WalkOrder order) const
 {
     Q_D(const ZELKinRollLayupProcedure);

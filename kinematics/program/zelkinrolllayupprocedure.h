@@ -6,6 +6,8 @@
 
 #include <QList>
 
+class ZELKinScript;
+
 class ZELKinCourse;
 class ZELKinCourseLink;
 class ZELKinRollLayupProcedurePrivate;
@@ -90,6 +92,12 @@ public:
         off it.
     */
     ZELKinCommand* GetCommand(int index) const override;
+    //! The links and courses in the order of their commands: link 0,
+    //! course 0, link 1, ...; a course without a link before it comes after
+    //! a null entry, and a child that has gone is null. Walking these visits
+    //! every command once, where GetCommand(i) for every i walks the
+    //! children again for each.
+    QList<ZELKinScript*> GetScriptsInCommandOrder() const;
 
     void Save(ZELGeoStream& stream) const override;
     //! Throws ZELGeoGeometryNotFoundException when the saved program, a

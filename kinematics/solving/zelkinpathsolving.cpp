@@ -5,7 +5,7 @@
 #include "zelkincourse.h"
 #include "zelkincourselink.h"
 #include "zelkinposition.h"
-#include "zelkinrolllayupprocedure_p.h"
+#include "zelkinrolllayupprocedure.h"
 
 #include <zeltpcourselink.h>
 #include <zeltppoint.h>
@@ -42,11 +42,10 @@ ZELKinPathSolving::ZELKinPathSolving(const ZELKinSolverPrivate& solver, ZELKinRo
 ZELKinSolutionSeries ZELKinPathSolving::Run()
 {
     // A place left by a solve whose caller did not ask for it is not this one's.
-    ZELKinSolverPrivate::TakeFailure();
+    ZELKinSolver::TakeFailure();
     // The procedure's own GetCommand walks its children for every index;
     // walking the children here keeps the walk linear.
-    const QList<ZELKinScript*> children =
-        ZELKinRollLayupProcedurePrivate::get(procedure)->GetChildrenInCommandOrder();
+    const QList<ZELKinScript*> children = procedure->GetScriptsInCommandOrder();
     for (ZELKinScript* child : children) {
         if (!child)
             continue;
@@ -244,7 +243,7 @@ void ZELKinPathSolving::ReportFailure(const Script& script, int point, bool reac
         script.isLink
             ? QCoreApplication::translate("ZELKinSolver", "    Kinematics solving failed for course link %1 at point %2")
             : QCoreApplication::translate("ZELKinSolver", "    Kinematics solving failed for course %1 at point %2");
-    ZELKinSolverPrivate::PrintLine(line.arg(script.index + 1).arg(point));
+    ZELKinSolver::PrintProgressLine(line.arg(script.index + 1).arg(point));
 }
 
 ZELKinPathSolving::Waiting::const_iterator ZELKinPathSolving::StartWithoutSolvedPosition()

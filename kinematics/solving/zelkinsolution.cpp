@@ -3,7 +3,6 @@
 
 #include "zelkinmachine.h"
 #include "zelkinposition.h"
-#include "zelkinposition_p.h"
 #include "zelkinprogram.h"
 #include "zelkinvariable.h"
 
@@ -185,8 +184,7 @@ void ZELKinSolution::Apply(ZELKinPosition* position) const
     // Room for every axis of the machine: posting adds the ones that
     // solving leaves out.
     const ZELKinMachine* machine = MachineOf(position);
-    ZELKinPositionPrivate::get(position)->ReserveValues(
-        std::size_t(std::max(machine ? machine->GetVariables().size() : 0, d->values.size())));
+    position->ReserveVariableValues(int(std::max(machine ? machine->GetVariables().size() : 0, d->values.size())));
     for (const ZELKinSolutionPrivate::Value& entry : d->values)
         position->SetVariableValue(entry.variable, entry.value);
 }

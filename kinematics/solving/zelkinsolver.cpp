@@ -22,29 +22,29 @@ QString ToolPathNameOf(const ZELKinProcedure* procedure)
 }
 
 thread_local QStringList* heldLines = nullptr;
-thread_local std::optional<ZELKinSolverPrivate::FailurePlace> failurePlace;
+thread_local std::optional<ZELKinSolver::FailurePlace> failurePlace;
 
 } // namespace
 
-void ZELKinSolverPrivate::HoldLines(QStringList* lines)
+void ZELKinSolver::HoldProgressLines(QStringList* lines)
 {
     heldLines = lines;
 }
 
-void ZELKinSolverPrivate::RecordFailure(const FailurePlace& place)
+void ZELKinSolverPrivate::RecordFailure(const ZELKinSolver::FailurePlace& place)
 {
     if (!failurePlace)
         failurePlace = place;
 }
 
-std::optional<ZELKinSolverPrivate::FailurePlace> ZELKinSolverPrivate::TakeFailure()
+std::optional<ZELKinSolver::FailurePlace> ZELKinSolver::TakeFailure()
 {
     std::optional<FailurePlace> taken;
     taken.swap(failurePlace);
     return taken;
 }
 
-void ZELKinSolverPrivate::PrintLine(const QString& line)
+void ZELKinSolver::PrintProgressLine(const QString& line)
 {
     if (heldLines) {
         heldLines->append(line);
@@ -122,6 +122,6 @@ ZELKinSolutionSeries ZELKinSolver::Solve(ZELKinProcedure* procedure) const
     if (!layup)
         return ZELKinSolutionSeries();
     const QString name = ToolPathNameOf(layup);
-    ZELKinSolverPrivate::PrintLine(QCoreApplication::translate("ZELKinSolver", "  Processing %1").arg(name));
+    ZELKinSolver::PrintProgressLine(QCoreApplication::translate("ZELKinSolver", "  Processing %1").arg(name));
     return ZELKinPathSolving(*d, layup, name).Run();
 }

@@ -10,8 +10,10 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
+#include <optional>
 
 class ZELKinMachine;
 class ZELKinProcedure;
@@ -157,6 +159,31 @@ public:
         derived solver's operations throw passes through.
     */
     ZELKinSolutionSeries Solve(ZELKinProcedure* procedure) const;
+
+    //! Where Solve(procedure) first found no way on: the script (a course
+    //! or a course link, numbered from 1 as the failure line numbers it)
+    //! and the position in it (from 1), and whether any wrist configuration
+    //! reached that position at all.
+    struct FailurePlace
+    {
+        bool onLink = false;
+        int script = 0;
+        int point = 0;
+        bool reachable = false;
+    };
+    //! The place of the first failure of Solve(procedure) on the calling
+    //! thread since the last call, if any; forgets it.
+    static std::optional<FailurePlace> TakeFailure();
+
+    //! Writes `line` and a line end to standard output at once, so that
+    //! progress and failure lines keep their order with other output; on a
+    //! thread that holds its lines back, appends it to them instead.
+    static void PrintProgressLine(const QString& line);
+    //! From now on the progress and failure lines of the calling thread go
+    //! to `lines`; null prints them again. Procedures solved side by side
+    //! hold their lines back, so that they can be printed in the
+    //! procedures' order.
+    static void HoldProgressLines(QStringList* lines);
 
 protected:
     //! Takes ownership of `d`, a derived solver's private object.

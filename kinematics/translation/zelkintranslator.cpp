@@ -49,7 +49,7 @@ constexpr int DefaultEnd = -1;
 // the solver's.
 void PrintLine(const QString& line)
 {
-    ZELKinSolverPrivate::PrintLine(line);
+    ZELKinSolver::PrintProgressLine(line);
 }
 
 // The NC files print the author in comments and headers: a strange login
@@ -433,14 +433,14 @@ ZELKinTranslatorPrivate::SolvedProcedure ZELKinTranslatorPrivate::SolveHoldingLi
     ZELKinRollLayupProcedure* layup) const
 {
     QStringList lines;
-    ZELKinSolverPrivate::HoldLines(&lines);
+    ZELKinSolver::HoldProgressLines(&lines);
     try {
         SolvedProcedure solved = SolveInPlace(layup);
-        ZELKinSolverPrivate::HoldLines(nullptr);
+        ZELKinSolver::HoldProgressLines(nullptr);
         solved.lines = lines;
         return solved;
     } catch (...) {
-        ZELKinSolverPrivate::HoldLines(nullptr);
+        ZELKinSolver::HoldProgressLines(nullptr);
         throw;
     }
 }
@@ -448,7 +448,7 @@ ZELKinTranslatorPrivate::SolvedProcedure ZELKinTranslatorPrivate::SolveHoldingLi
 ZELKinTranslatorPrivate::SolvedProcedure ZELKinTranslatorPrivate::SolveInPlace(ZELKinRollLayupProcedure* layup) const
 {
     SolvedProcedure solved{layup, solver->Solve(layup), QStringList(), std::nullopt};
-    solved.failure = ZELKinSolverPrivate::TakeFailure();
+    solved.failure = ZELKinSolver::TakeFailure();
     return solved;
 }
 
@@ -461,7 +461,7 @@ void ZELKinTranslatorPrivate::Keep(ZELKinProgram* program, const SolvedProcedure
         PrintLine(ZELKinTranslator::tr("      Could not successfully find a kinematics solution for procedure "
                                        "%1. It will be omitted from the program.")
                       .arg(name));
-        const ZELKinSolverPrivate::FailurePlace place = solved.failure.value_or(ZELKinSolverPrivate::FailurePlace());
+        const ZELKinSolver::FailurePlace place = solved.failure.value_or(ZELKinSolver::FailurePlace());
         omissions.append(ZELKinTranslator::Omission{name, place.onLink, place.script, place.point, place.reachable});
         program->RemoveProcedure(solved.layup);
         return;

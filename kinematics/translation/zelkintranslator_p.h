@@ -4,7 +4,7 @@
 #include "zelkintranslator.h"
 
 #include "zelkinsolutionseries.h"
-#include "zelkinsolver_p.h"
+#include "zelkinsolver.h"
 #include "zelkintowcommand.h"
 
 #include <zelcomptowmask.h>
@@ -120,7 +120,7 @@ public:
         ZELKinRollLayupProcedure* layup;
         ZELKinSolutionSeries series;
         QStringList lines;
-        std::optional<ZELKinSolverPrivate::FailurePlace> failure;
+        std::optional<ZELKinSolver::FailurePlace> failure;
     };
 
     //! Solves every roll layup procedure and writes the solutions into its

@@ -139,43 +139,50 @@ TEST(ZELKinToolGCode, QuotesBackslashesAndControlCharactersAreEscaped)
                                                  "\"g\":[],\"m\":[],\"words\":{\"X\":[\"1\"]}}\n"));
 }
 
-TEST(ZELKinToolGCode, BytesThatAreNotUtf8ReadAsReplacementCharacters)
+// How bytes become lines of text: the encoding, its byte order mark, bytes
+// it cannot decode and the carriage returns around line ends.
+struct TextCase
 {
-    const ZELKinToolRun run = RunOnFile("X1 ;caf\xe9\n\xff\xfeG2\n");
-    EXPECT_TRUE(Succeeded(run));
-    EXPECT_EQ(run.standardOutput,
-              QStringLiteral("{\"line\":1,\"comment\":\"caf\ufffd\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"1\"]}}\n"
-                             "{\"line\":2,\"comment\":\"\ufffd\ufffdG2\",\"g\":[2],\"m\":[],\"words\":{}}\n"));
+    const char* name;
+    QByteArray input;
+    QString output;
+};
+
+void PrintTo(const TextCase& c, std::ostream* os)
+{
+    *os << c.name;
 }
 
-TEST(ZELKinToolGCode, Utf8ByteOrderMarkIsNotPartOfTheFirstLine)
+class ZELKinToolGCodeText : public ::testing::TestWithParam<TextCase>
 {
-    const ZELKinToolRun run = RunOnFile("\xef\xbb\xbfG1 ;\xc3\xa4\n");
+};
+
+TEST_P(ZELKinToolGCodeText, IsReadIntoLinesAsTheRulesSay)
+{
+    const ZELKinToolRun run = RunOnFile(GetParam().input);
     EXPECT_TRUE(Succeeded(run));
-    EXPECT_EQ(run.standardOutput,
-              QStringLiteral("{\"line\":1,\"comment\":\"\u00e4\",\"g\":[1],\"m\":[],\"words\":{}}\n"));
+    EXPECT_EQ(run.standardOutput, GetParam().output);
 }
 
-// One carriage return goes with the line end after it, or with the end of
-// the text; any other is part of the line.
-TEST(ZELKinToolGCode, OneCarriageReturnBeforeALineEndOrTheEndOfTheTextIsNotPartOfTheLine)
-{
-    const ZELKinToolRun run = RunOnFile("G1\rX2\r\r\nX3\r\n\r");
-    EXPECT_TRUE(Succeeded(run));
-    EXPECT_EQ(run.standardOutput,
-              QStringLiteral("{\"line\":1,\"comment\":\"G1\\rX2\\r\",\"g\":[1],\"m\":[],\"words\":{\"X\":[\"2\"]}}\n"
-                             "{\"line\":2,\"comment\":\"X3\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"3\"]}}\n"
-                             "{\"line\":3,\"comment\":\"\",\"g\":[],\"m\":[],\"words\":{}}\n"));
-}
-
-TEST(ZELKinToolGCode, Utf16ByteOrderMarkChoosesUtf16)
-{
-    const ZELKinToolRun run = RunOnFile(QByteArray("\xff\xfeG\0001\000\n\000X\0002\000", 12));
-    EXPECT_TRUE(Succeeded(run));
-    EXPECT_EQ(run.standardOutput,
-              QStringLiteral("{\"line\":1,\"comment\":\"G1\",\"g\":[1],\"m\":[],\"words\":{}}\n"
-                             "{\"line\":2,\"comment\":\"X2\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"2\"]}}\n"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Rules, ZELKinToolGCodeText,
+    ::testing::Values(
+        TextCase{"BytesThatAreNotUtf8ReadAsReplacementCharacters", "X1 ;caf\xe9\n\xff\xfeG2\n",
+                 QStringLiteral("{\"line\":1,\"comment\":\"caf\ufffd\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"1\"]}}\n"
+                                "{\"line\":2,\"comment\":\"\ufffd\ufffdG2\",\"g\":[2],\"m\":[],\"words\":{}}\n")},
+        TextCase{"Utf8ByteOrderMarkIsNotPartOfTheFirstLine", "\xef\xbb\xbfG1 ;\xc3\xa4\n",
+                 QStringLiteral("{\"line\":1,\"comment\":\"\u00e4\",\"g\":[1],\"m\":[],\"words\":{}}\n")},
+        // One carriage return goes with the line end after it, or with the
+        // end of the text; any other is part of the line.
+        TextCase{"OneCarriageReturnBeforeALineEndOrTheEndOfTheTextIsNotPartOfTheLine", "G1\rX2\r\r\nX3\r\n\r",
+                 QStringLiteral(
+                     "{\"line\":1,\"comment\":\"G1\\rX2\\r\",\"g\":[1],\"m\":[],\"words\":{\"X\":[\"2\"]}}\n"
+                     "{\"line\":2,\"comment\":\"X3\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"3\"]}}\n"
+                     "{\"line\":3,\"comment\":\"\",\"g\":[],\"m\":[],\"words\":{}}\n")},
+        TextCase{"Utf16ByteOrderMarkChoosesUtf16", QByteArray("\xff\xfeG\0001\000\n\000X\0002\000", 12),
+                 QStringLiteral("{\"line\":1,\"comment\":\"G1\",\"g\":[1],\"m\":[],\"words\":{}}\n"
+                                "{\"line\":2,\"comment\":\"X2\",\"g\":[],\"m\":[],\"words\":{\"X\":[\"2\"]}}\n")}),
+    [](const ::testing::TestParamInfo<TextCase>& info) { return std::string(info.param.name); });
 
 // The text is read in blocks; a character whose bytes two blocks share is
 // read whole, wherever the blocks end.

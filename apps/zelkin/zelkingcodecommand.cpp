@@ -6,6 +6,7 @@
 #include <zelkingcoderecord.h>
 #include <zelkinnclinereader.h>
 #include <zelsysexception.h>
+#include <zelsysjsontext.h>
 
 #include <QFile>
 #include <QMap>
@@ -37,42 +38,6 @@ void OpenForReading(QFile& file, const QString& path)
         throw ZELSysException(QStringLiteral("cannot read %1: %2").arg(NameOf(path), file.errorString()));
 }
 
-void AppendJsonString(QString& json, QStringView text)
-{
-    json += QLatin1Char('"');
-    for (const QChar c : text) {
-        switch (c.unicode()) {
-        case '"':
-            json += QLatin1String("\\\"");
-            break;
-        case '\\':
-            json += QLatin1String("\\\\");
-            break;
-        case '\b':
-            json += QLatin1String("\\b");
-            break;
-        case '\f':
-            json += QLatin1String("\\f");
-            break;
-        case '\n':
-            json += QLatin1String("\\n");
-            break;
-        case '\r':
-            json += QLatin1String("\\r");
-            break;
-        case '\t':
-            json += QLatin1String("\\t");
-            break;
-        default:
-            if (c.unicode() < 0x20)
-                json += QStringLiteral("\\u%1").arg(uint(c.unicode()), 4, 16, QLatin1Char('0'));
-            else
-                json += c;
-        }
-    }
-    json += QLatin1Char('"');
-}
-
 void AppendJsonNumbers(QString& json, const QList<unsigned>& numbers)
 {
     json += QLatin1Char('[');
@@ -99,13 +64,13 @@ void AppendJsonWords(QString& json, const ZELKinGCodeRecord& record)
     for (auto it = valuesByName.cbegin(); it != valuesByName.cend(); ++it) {
         if (it != valuesByName.cbegin())
             json += QLatin1Char(',');
-        AppendJsonString(json, it.key());
+        ZELSysJsonText::AppendString(json, it.key());
         json += QLatin1String(":[");
         const QStringList& values = it.value();
         for (qsizetype j = 0; j < values.size(); ++j) {
             if (j > 0)
                 json += QLatin1Char(',');
-            AppendJsonString(json, values.at(j));
+            ZELSysJsonText::AppendString(json, values.at(j));
         }
         json += QLatin1Char(']');
     }
@@ -116,7 +81,7 @@ void AppendJsonWords(QString& json, const ZELKinGCodeRecord& record)
 QString ToJsonLine(const ZELKinGCodeRecord& record)
 {
     QString json = QStringLiteral("{\"line\":%1,\"comment\":").arg(record.GetLineNumber());
-    AppendJsonString(json, record.GetComment());
+    ZELSysJsonText::AppendString(json, record.GetComment());
     json += QLatin1String(",\"g\":");
     AppendJsonNumbers(json, record.GetGCodes());
     json += QLatin1String(",\"m\":");

@@ -2,13 +2,12 @@
 
 #include "zelkinarguments.h"
 #include "zelkinoutputfile.h"
-#include "zelkintoolpathgenerator.h"
-#include "zelkintoolpathjsonwriter.h"
-#include "zelkintoolpathpart.h"
 
+#include <zelgenpart.h>
+#include <zelgentoolpathgenerator.h>
 #include <zelsysexception.h>
+#include <zeltpdocumentwriter.h>
 #include <zeltpfilename.h>
-
 
 #include <memory>
 
@@ -55,10 +54,10 @@ public:
         return m_parsed.GetValue(option);
     }
 
-    std::unique_ptr<ZELKinToolpathPart> GetPart() const
+    std::unique_ptr<ZELGenPart> GetPart() const
     {
         const QString kind = GetRequired(PartOption, QStringLiteral("part (--part flat|cylinder|dome)"));
-        std::unique_ptr<ZELKinToolpathPart> part = ZELKinToolpathPart::Create(kind);
+        std::unique_ptr<ZELGenPart> part = ZELGenPart::Create(kind);
         if (!part)
             throw ZELKinUsageError(QStringLiteral("unknown part '%1': expected flat, cylinder or dome").arg(kind),
                                    m_command);
@@ -164,8 +163,8 @@ QString ZELKinGenerateToolpathCommand::GetDescription() const
 int ZELKinGenerateToolpathCommand::Run(const QStringList& arguments)
 {
     const OptionReader reader(GetName(), arguments);
-    const std::unique_ptr<ZELKinToolpathPart> part = reader.GetPart();
-    ZELKinToolpathGenerator::Settings settings;
+    const std::unique_ptr<ZELGenPart> part = reader.GetPart();
+    ZELGenToolpathGenerator::Settings settings;
     settings.plyAngles = reader.GetPlyAngles();
     settings.courses =
         reader.GetCount(CoursesOption, QStringLiteral("course count"), settings.courses, 1, kMostCourses);
@@ -175,8 +174,8 @@ int ZELKinGenerateToolpathCommand::Run(const QStringList& arguments)
     const QString path = reader.GetRequired(OutputOption, QStringLiteral("output file (-o FILE.json)"));
 
     ZELKinOutputFile file(path);
-    ZELKinToolpathJsonWriter writer(file.GetDevice(), path);
-    ZELKinToolpathGenerator(*part, settings).Write(writer);
+    ZELTPDocumentWriter writer(file.GetDevice(), path);
+    ZELGenToolpathGenerator(*part, settings).Write(writer);
     file.Commit();
     return ZELKinExitStatus::Success;
 }

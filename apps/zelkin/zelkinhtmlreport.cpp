@@ -4,6 +4,7 @@
 #include <zelkinvariable.h>
 #include <zelkinverifysummary.h>
 #include <zelsysexception.h>
+#include <zelsysjsontext.h>
 
 #include <QFile>
 #include <QFileInfo>
@@ -86,18 +87,10 @@ QString Html(const QString& text)
 
 // Also escapes '<', so that no string can end the script element that
 // holds the data.
+// The page's data sits inside a <script> element.
 QString JsonString(const QString& text)
 {
-    QString json = QStringLiteral("\"");
-    for (const QChar c : text) {
-        if (c == QLatin1Char('"') || c == QLatin1Char('\\'))
-            json += QLatin1Char('\\') + c;
-        else if (c.unicode() < 0x20 || c == QLatin1Char('<') || c.unicode() == 0x2028 || c.unicode() == 0x2029)
-            json += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-        else
-            json += c;
-    }
-    return json + QLatin1Char('"');
+    return ZELSysJsonText::Quoted(text, ZELSysJsonText::Embedding::HtmlScript);
 }
 
 QString JsonNumber(double value, int decimals)

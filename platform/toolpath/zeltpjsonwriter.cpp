@@ -1,77 +1,49 @@
-#include "zelkintoolpathjsonwriter.h"
+#include "zeltpjsonwriter_p.h"
 
 #include <zelsysexception.h>
+#include <zelsysjsontext.h>
 
 #include <QIODevice>
 
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 namespace {
 
 // Large enough that each write to the device is cheap, small enough not to matter.
 constexpr std::size_t kFlushSize = 1 << 20;
 
-void AppendEscaped(std::string& buffer, const QByteArray& utf8)
-{
-    for (const char c : utf8) {
-        switch (c) {
-        case '"':
-            buffer += "\\\"";
-            break;
-        case '\\':
-            buffer += "\\\\";
-            break;
-        case '\n':
-            buffer += "\\n";
-            break;
-        case '\t':
-            buffer += "\\t";
-            break;
-        default:
-            if (static_cast<unsigned char>(c) < 0x20) {
-                std::array<char, 8> escape{};
-                std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(c));
-                buffer += escape.data();
-            } else {
-                buffer += c;
-            }
-        }
-    }
-}
-
 } // namespace
 
-ZELKinToolpathJsonWriter::ZELKinToolpathJsonWriter(QIODevice* device, const QString& name)
+ZELTPJsonWriter::ZELTPJsonWriter(QIODevice* device, const QString& name)
     : m_device(device)
     , m_name(name)
 {
     m_buffer.reserve(kFlushSize + 4096);
 }
 
-void ZELKinToolpathJsonWriter::BeginObject(Layout layout)
+void ZELTPJsonWriter::BeginObject(Layout layout)
 {
     Open('{', layout);
 }
 
-void ZELKinToolpathJsonWriter::EndObject()
+void ZELTPJsonWriter::EndObject()
 {
     Close('}');
 }
 
-void ZELKinToolpathJsonWriter::BeginArray(Layout layout)
+void ZELTPJsonWriter::BeginArray(Layout layout)
 {
     Open('[', layout);
 }
 
-void ZELKinToolpathJsonWriter::EndArray()
+void ZELTPJsonWriter::EndArray()
 {
     Close(']');
 }
 
-void ZELKinToolpathJsonWriter::WriteKey(const char* key)
+void ZELTPJsonWriter::WriteKey(const char* key)
 {
     BeginValue();
     m_buffer += '"';
@@ -80,16 +52,14 @@ void ZELKinToolpathJsonWriter::WriteKey(const char* key)
     m_afterKey = true;
 }
 
-void ZELKinToolpathJsonWriter::WriteString(const QString& text)
+void ZELTPJsonWriter::WriteString(const QString& text)
 {
     BeginValue();
-    m_buffer += '"';
-    AppendEscaped(m_buffer, text.toUtf8());
-    m_buffer += '"';
+    m_buffer += ZELSysJsonText::Quoted(text).toStdString();
     FlushWhenFull();
 }
 
-void ZELKinToolpathJsonWriter::WriteNumber(double value)
+void ZELTPJsonWriter::WriteNumber(double value)
 {
     if (!std::isfinite(value))
         throw ZELSysException(QStringLiteral("cannot write a number that is not finite: %1").arg(value));
@@ -101,7 +71,7 @@ void ZELKinToolpathJsonWriter::WriteNumber(double value)
     FlushWhenFull();
 }
 
-void ZELKinToolpathJsonWriter::WriteInteger(long long value)
+void ZELTPJsonWriter::WriteInteger(long long value)
 {
     BeginValue();
     std::array<char, 24> text{};
@@ -109,13 +79,13 @@ void ZELKinToolpathJsonWriter::WriteInteger(long long value)
     m_buffer.append(text.data(), end.ptr);
 }
 
-void ZELKinToolpathJsonWriter::Finish()
+void ZELTPJsonWriter::Finish()
 {
     m_buffer += '\n';
     Flush();
 }
 
-void ZELKinToolpathJsonWriter::Open(char bracket, Layout layout)
+void ZELTPJsonWriter::Open(char bracket, Layout layout)
 {
     BeginValue();
     m_buffer += bracket;
@@ -124,7 +94,7 @@ void ZELKinToolpathJsonWriter::Open(char bracket, Layout layout)
     m_containers.push_back({inLine ? Layout::Line : layout, 0});
 }
 
-void ZELKinToolpathJsonWriter::Close(char bracket)
+void ZELTPJsonWriter::Close(char bracket)
 {
     const Container closed = m_containers.back();
     m_containers.pop_back();
@@ -134,7 +104,7 @@ void ZELKinToolpathJsonWriter::Close(char bracket)
     FlushWhenFull();
 }
 
-void ZELKinToolpathJsonWriter::BeginValue()
+void ZELTPJsonWriter::BeginValue()
 {
     if (m_afterKey) {
         m_afterKey = false;
@@ -151,19 +121,19 @@ void ZELKinToolpathJsonWriter::BeginValue()
         m_buffer += ' ';
 }
 
-void ZELKinToolpathJsonWriter::BreakLine(std::size_t depth)
+void ZELTPJsonWriter::BreakLine(std::size_t depth)
 {
     m_buffer += '\n';
     m_buffer.append(2 * depth, ' ');
 }
 
-void ZELKinToolpathJsonWriter::FlushWhenFull()
+void ZELTPJsonWriter::FlushWhenFull()
 {
     if (m_buffer.size() >= kFlushSize)
         Flush();
 }
 
-void ZELKinToolpathJsonWriter::Flush()
+void ZELTPJsonWriter::Flush()
 {
     const char* data = m_buffer.data();
     auto remaining = static_cast<qint64>(m_buffer.size());

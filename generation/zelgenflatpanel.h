@@ -1,22 +1,24 @@
-#ifndef ZELKINTOOLPATHFLATPANEL_H
-#define ZELKINTOOLPATHFLATPANEL_H
+#ifndef ZELGENFLATPANEL_H
+#define ZELGENFLATPANEL_H
 
-#include "zelkintoolpathdevelopedpart.h"
+#include "zelgeneration_export.h"
+
+#include "zelgendevelopedpart.h"
 
 /*!
     A flat panel, 3000 mm along machine X by 1500 mm along Y, lying
     horizontally with its normal up (+Z). The course plane is the panel
     itself.
 */
-class ZELKinToolpathFlatPanel : public ZELKinToolpathDevelopedPart
+class ZELGENERATION_EXPORT ZELGenFlatPanel : public ZELGenDevelopedPart
 {
 public:
-    ZELKinToolpathFlatPanel();
+    ZELGenFlatPanel();
 
     QString GetName() const override;
     QString GetPropagation() const override;
-    ZELKinToolpathPoint GetSurfacePoint(const ZELMathVector2D& position,
+    ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position,
                                         const ZELMathVector2D& direction) const override;
 };
 
-#endif // ZELKINTOOLPATHFLATPANEL_H
+#endif // ZELGENFLATPANEL_H

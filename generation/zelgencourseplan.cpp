@@ -1,6 +1,6 @@
-#include "zelkintoolpathcourseplan.h"
+#include "zelgencourseplan.h"
 
-#include "zelkintoolpathpart.h"
+#include "zelgenpart.h"
 
 #include <algorithm>
 #include <numeric>
@@ -25,12 +25,12 @@ ZELMathVector2D Offset(const ZELMathVector2D& point, const ZELMathVector2D& dire
 double CentreOffsetOf(int firstTow, int towCount)
 {
     const double middleTow = firstTow + (towCount - 1) / 2.0;
-    return (middleTow - (ZELKinToolpathCoursePlan::kNumHeadTows - 1) / 2.0) * ZELKinToolpathCoursePlan::kTowWidth;
+    return (middleTow - (ZELGenCoursePlan::kNumHeadTows - 1) / 2.0) * ZELGenCoursePlan::kTowWidth;
 }
 
 } // namespace
 
-ZELKinToolpathCoursePlan::ZELKinToolpathCoursePlan(const ZELKinToolpathPart& part, const ZELMathVector2D& direction,
+ZELGenCoursePlan::ZELGenCoursePlan(const ZELGenPart& part, const ZELMathVector2D& direction,
                                                    double across, int firstTow, int towCount)
     : m_part(part)
     , m_direction(direction)
@@ -42,27 +42,27 @@ ZELKinToolpathCoursePlan::ZELKinToolpathCoursePlan(const ZELKinToolpathPart& par
     PlanStations();
 }
 
-bool ZELKinToolpathCoursePlan::IsEmpty() const
+bool ZELGenCoursePlan::IsEmpty() const
 {
     return m_groups.isEmpty();
 }
 
-const QList<double>& ZELKinToolpathCoursePlan::GetStations() const
+const QList<double>& ZELGenCoursePlan::GetStations() const
 {
     return m_stations;
 }
 
-double ZELKinToolpathCoursePlan::GetStart() const
+double ZELGenCoursePlan::GetStart() const
 {
     return m_stations.first();
 }
 
-double ZELKinToolpathCoursePlan::GetEnd() const
+double ZELGenCoursePlan::GetEnd() const
 {
     return m_stations.last();
 }
 
-QString ZELKinToolpathCoursePlan::GetStretchMask(int stretch) const
+QString ZELGenCoursePlan::GetStretchMask(int stretch) const
 {
     const double from = m_stations.at(stretch);
     const double to = m_stations.at(stretch + 1);
@@ -71,12 +71,12 @@ QString ZELKinToolpathCoursePlan::GetStretchMask(int stretch) const
     });
 }
 
-QString ZELKinToolpathCoursePlan::GetTowMask() const
+QString ZELGenCoursePlan::GetTowMask() const
 {
     return GetMask([](const Group&) { return true; });
 }
 
-QList<double> ZELKinToolpathCoursePlan::GetTowLengths() const
+QList<double> ZELGenCoursePlan::GetTowLengths() const
 {
     QList<double> lengths(kNumHeadTows, 0.0);
     for (const Group& group : m_groups) {
@@ -88,26 +88,26 @@ QList<double> ZELKinToolpathCoursePlan::GetTowLengths() const
     return lengths;
 }
 
-double ZELKinToolpathCoursePlan::GetMaterialLength() const
+double ZELGenCoursePlan::GetMaterialLength() const
 {
     const QList<double> lengths = GetTowLengths();
     return std::accumulate(lengths.cbegin(), lengths.cend(), 0.0);
 }
 
-ZELKinToolpathPoint ZELKinToolpathCoursePlan::GetPoint(double along) const
+ZELGenPoint ZELGenCoursePlan::GetPoint(double along) const
 {
     return m_part.GetSurfacePoint(Offset(m_base, m_direction, along), m_direction);
 }
 
-void ZELKinToolpathCoursePlan::PlanGroup(int firstTow, int towCount)
+void ZELGenCoursePlan::PlanGroup(int firstTow, int towCount)
 {
     const ZELMathVector2D line = Offset(m_base, m_left, CentreOffsetOf(firstTow, towCount));
-    const std::optional<ZELKinToolpathPart::Range> inside = m_part.GetCrossing(line, m_direction);
+    const std::optional<ZELGenPart::Range> inside = m_part.GetCrossing(line, m_direction);
     if (inside && inside->to - inside->from >= kShortestTow)
         m_groups.append(Group{firstTow, towCount, inside->from, inside->to});
 }
 
-void ZELKinToolpathCoursePlan::PlanStations()
+void ZELGenCoursePlan::PlanStations()
 {
     QList<double> places;
     for (const Group& group : m_groups)
@@ -119,7 +119,7 @@ void ZELKinToolpathCoursePlan::PlanStations()
     }
 }
 
-QString ZELKinToolpathCoursePlan::GetMask(const std::function<bool(const Group&)>& laid) const
+QString ZELGenCoursePlan::GetMask(const std::function<bool(const Group&)>& laid) const
 {
     QString mask(kNumHeadTows, QLatin1Char('0'));
     for (const Group& group : m_groups) {

@@ -1,7 +1,9 @@
-#ifndef ZELKINTOOLPATHDEVELOPEDPART_H
-#define ZELKINTOOLPATHDEVELOPEDPART_H
+#ifndef ZELGENDEVELOPEDPART_H
+#define ZELGENDEVELOPEDPART_H
 
-#include "zelkintoolpathpart.h"
+#include "zelgeneration_export.h"
+
+#include "zelgenpart.h"
 
 /*!
     A part whose surface unrolls flat without stretching (a plane, a
@@ -10,7 +12,7 @@
     plane, and the boundary is a rectangle centred on the course plane's
     origin. Its probing targets stand beyond three of its corners' sides.
 */
-class ZELKinToolpathDevelopedPart : public ZELKinToolpathPart
+class ZELGENERATION_EXPORT ZELGenDevelopedPart : public ZELGenPart
 {
 public:
     double GetLength(const ZELMathVector2D& from, const ZELMathVector2D& to) const override;
@@ -22,11 +24,11 @@ public:
 protected:
     //! The boundary reaches `halfLength` mm either way along course-plane x
     //! and `halfWidth` mm along y.
-    ZELKinToolpathDevelopedPart(double halfLength, double halfWidth);
+    ZELGenDevelopedPart(double halfLength, double halfWidth);
 
 private:
     double m_halfLength;
     double m_halfWidth;
 };
 
-#endif // ZELKINTOOLPATHDEVELOPEDPART_H
+#endif // ZELGENDEVELOPEDPART_H

@@ -1,12 +1,17 @@
-#ifndef ZELKINTOOLPATHGENERATOR_H
-#define ZELKINTOOLPATHGENERATOR_H
+#ifndef ZELGENTOOLPATHGENERATOR_H
+#define ZELGENTOOLPATHGENERATOR_H
+
+#include "zelgeneration_export.h"
+
+#include <zelmathplane.h>
+#include <zeltpmachineconfiguration.h>
 
 #include <QList>
 #include <QString>
 
-class ZELKinToolpathCoursePlan;
-class ZELKinToolpathJsonWriter;
-class ZELKinToolpathPart;
+class ZELGenCoursePlan;
+class ZELTPDocumentWriter;
+class ZELGenPart;
 
 /*!
     Makes a fibre placement toolpath program for a part on the example gantry
@@ -19,7 +24,7 @@ class ZELKinToolpathPart;
       wide) side by side across the middle of the part; where they would be
       wider together than the part, they are spread across it and overlap.
       Tows are added and cut in groups of four where each group enters and
-      leaves the part (ZELKinToolpathCoursePlan);
+      leaves the part (ZELGenCoursePlan);
     - a course: an approach down to a lifted lead-in point, a roll-in that
       touches down 25.4 mm before the first add, one tow trajectory per
       stretch of unchanged tows with `pointsPerCourse` points spread evenly
@@ -37,7 +42,7 @@ class ZELKinToolpathPart;
     towards +Y. Tilt and smoothing angles are 0. The same settings give the
     same text, byte for byte.
 */
-class ZELKinToolpathGenerator
+class ZELGENERATION_EXPORT ZELGenToolpathGenerator
 {
 public:
     struct Settings
@@ -53,11 +58,11 @@ public:
     };
 
     //! `part` is not owned and must outlive the generator.
-    ZELKinToolpathGenerator(const ZELKinToolpathPart& part, const Settings& settings);
+    ZELGenToolpathGenerator(const ZELGenPart& part, const Settings& settings);
 
     //! Writes the whole program as one document. Throws what the writer
     //! throws when its device refuses the text.
-    void Write(ZELKinToolpathJsonWriter& writer) const;
+    void Write(ZELTPDocumentWriter& writer) const;
 
 private:
     //! A roller and the head tows it lays: `towCount` from `firstTow` (0 for tow 1).
@@ -68,17 +73,18 @@ private:
         int towCount;
     };
 
-    void WriteLayupProcedure(ZELKinToolpathJsonWriter& writer, int ply, const Roller*& onHead) const;
-    void WriteLinks(ZELKinToolpathJsonWriter& writer, int ply, const Roller*& onHead) const;
-    void WriteCourses(ZELKinToolpathJsonWriter& writer, int ply) const;
-    void WriteCourse(ZELKinToolpathJsonWriter& writer, const ZELKinToolpathCoursePlan& plan, const Roller& roller,
+    void WriteLayupProcedure(ZELTPDocumentWriter& writer, int ply, const Roller*& onHead) const;
+    void WriteLinks(ZELTPDocumentWriter& writer, int ply, const Roller*& onHead) const;
+    void WriteCourses(ZELTPDocumentWriter& writer, int ply) const;
+    void WriteCourse(ZELTPDocumentWriter& writer, const ZELGenCoursePlan& plan, const Roller& roller,
                      int number) const;
-    void WriteTowTrajectory(ZELKinToolpathJsonWriter& writer, const ZELKinToolpathCoursePlan& plan,
+    void WriteTowTrajectory(ZELTPDocumentWriter& writer, const ZELGenCoursePlan& plan,
                             int stretch) const;
-    void WriteProbingProcedure(ZELKinToolpathJsonWriter& writer) const;
-    void WriteSafetyPlane(ZELKinToolpathJsonWriter& writer) const;
+    void WriteProbingProcedure(ZELTPDocumentWriter& writer) const;
 
-    ZELKinToolpathCoursePlan PlanCourse(int ply, int course) const;
+    static ZELTPMachineConfiguration MachineConfigurationOf(const Roller& roller);
+    ZELMathPlane GetSafetyPlane() const;
+    ZELGenCoursePlan PlanCourse(int ply, int course) const;
     const Roller& GetRoller(int ply, int course) const;
     double GetMaterialLength(int ply) const;
     double GetSafetyHeight() const;
@@ -88,8 +94,8 @@ private:
     static const Roller kWideRoller;
     static const Roller kNarrowRoller;
 
-    const ZELKinToolpathPart& m_part;
+    const ZELGenPart& m_part;
     Settings m_settings;
 };
 
-#endif // ZELKINTOOLPATHGENERATOR_H
+#endif // ZELGENTOOLPATHGENERATOR_H

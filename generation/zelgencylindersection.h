@@ -1,7 +1,9 @@
-#ifndef ZELKINTOOLPATHCYLINDERSECTION_H
-#define ZELKINTOOLPATHCYLINDERSECTION_H
+#ifndef ZELGENCYLINDERSECTION_H
+#define ZELGENCYLINDERSECTION_H
 
-#include "zelkintoolpathdevelopedpart.h"
+#include "zelgeneration_export.h"
+
+#include "zelgendevelopedpart.h"
 
 /*!
     A convex section of a cylinder of radius 1500 mm whose axis runs along
@@ -10,15 +12,15 @@
     axis, y the arc length around it from the crest (towards +Y), so that a
     course at a fixed angle is a helix.
 */
-class ZELKinToolpathCylinderSection : public ZELKinToolpathDevelopedPart
+class ZELGENERATION_EXPORT ZELGenCylinderSection : public ZELGenDevelopedPart
 {
 public:
-    ZELKinToolpathCylinderSection();
+    ZELGenCylinderSection();
 
     QString GetName() const override;
     QString GetPropagation() const override;
-    ZELKinToolpathPoint GetSurfacePoint(const ZELMathVector2D& position,
+    ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position,
                                         const ZELMathVector2D& direction) const override;
 };
 
-#endif // ZELKINTOOLPATHCYLINDERSECTION_H
+#endif // ZELGENCYLINDERSECTION_H

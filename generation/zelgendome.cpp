@@ -1,27 +1,28 @@
-#include "zelkintoolpathdome.h"
+#include "zelgendome.h"
+
+#include <QtMath>
 
 #include <cmath>
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr double kRadius = 2500.0;
 // The radius of the rim seen from above: the sphere's radius times the sine of 30 degrees.
 constexpr double kRimRadius = kRadius * 0.5;
 
 } // namespace
 
-QString ZELKinToolpathDome::GetName() const
+QString ZELGenDome::GetName() const
 {
     return QStringLiteral("dome");
 }
 
-QString ZELKinToolpathDome::GetPropagation() const
+QString ZELGenDome::GetPropagation() const
 {
     return QStringLiteral("parallel");
 }
 
-ZELKinToolpathPoint ZELKinToolpathDome::GetSurfacePoint(const ZELMathVector2D& position,
+ZELGenPoint ZELGenDome::GetSurfacePoint(const ZELMathVector2D& position,
                                                         const ZELMathVector2D& direction) const
 {
     const double x = position.GetX();
@@ -31,7 +32,7 @@ ZELKinToolpathPoint ZELKinToolpathDome::GetSurfacePoint(const ZELMathVector2D& p
     // Moving along the course, the surface falls by the rate at which the
     // height shrinks; the tangent so found is perpendicular to the normal.
     const double fall = (x * direction.GetX() + y * direction.GetY()) / height;
-    return ZELKinToolpathPoint(ZELMathPoint(kCentreX + x, kCentreY + y, centreZ + height),
+    return ZELGenPoint(ZELMathPoint(kCentreX + x, kCentreY + y, centreZ + height),
                                ZELMathVector(direction.GetX(), direction.GetY(), -fall).GetNormalized(),
                                ZELMathVector(x / kRadius, y / kRadius, height / kRadius));
 }
@@ -40,7 +41,7 @@ ZELKinToolpathPoint ZELKinToolpathDome::GetSurfacePoint(const ZELMathVector2D& p
 // the sphere; its radius follows from the plane's distance to the sphere's
 // axis, and each end's place along the arc from its horizontal distance
 // along the plane.
-double ZELKinToolpathDome::GetLength(const ZELMathVector2D& from, const ZELMathVector2D& to) const
+double ZELGenDome::GetLength(const ZELMathVector2D& from, const ZELMathVector2D& to) const
 {
     const ZELMathVector2D delta(to.GetX() - from.GetX(), to.GetY() - from.GetY());
     const double distance = delta.GetLength();
@@ -52,7 +53,7 @@ double ZELKinToolpathDome::GetLength(const ZELMathVector2D& from, const ZELMathV
     return arcRadius * (std::asin(direction.Dot(to) / arcRadius) - std::asin(direction.Dot(from) / arcRadius));
 }
 
-std::optional<ZELKinToolpathPart::Range> ZELKinToolpathDome::GetCrossing(const ZELMathVector2D& position,
+std::optional<ZELGenPart::Range> ZELGenDome::GetCrossing(const ZELMathVector2D& position,
                                                                          const ZELMathVector2D& direction) const
 {
     const double along = position.Dot(direction);
@@ -63,17 +64,17 @@ std::optional<ZELKinToolpathPart::Range> ZELKinToolpathDome::GetCrossing(const Z
     return Range{-along - halfChord, -along + halfChord};
 }
 
-ZELKinToolpathPart::Range ZELKinToolpathDome::GetExtent(const ZELMathVector2D&) const
+ZELGenPart::Range ZELGenDome::GetExtent(const ZELMathVector2D&) const
 {
     return Range{-kRimRadius, kRimRadius};
 }
 
-QList<ZELMathVector2D> ZELKinToolpathDome::GetProbeTargets() const
+QList<ZELMathVector2D> ZELGenDome::GetProbeTargets() const
 {
     const double radius = kRimRadius + kProbeTargetMargin;
     QList<ZELMathVector2D> targets;
     for (const double degrees : {-90.0, 30.0, 150.0}) {
-        const double angle = degrees * kPi / 180.0;
+        const double angle = qDegreesToRadians(degrees);
         targets.append(ZELMathVector2D(radius * std::cos(angle), radius * std::sin(angle)));
     }
     return targets;

@@ -1,7 +1,9 @@
-#ifndef ZELKINTOOLPATHCOURSEPLAN_H
-#define ZELKINTOOLPATHCOURSEPLAN_H
+#ifndef ZELGENCOURSEPLAN_H
+#define ZELGENCOURSEPLAN_H
 
-#include "zelkintoolpathpoint.h"
+#include "zelgeneration_export.h"
+
+#include "zelgenpoint.h"
 
 #include <zelmathvector2d.h>
 
@@ -10,7 +12,7 @@
 
 #include <functional>
 
-class ZELKinToolpathPart;
+class ZELGenPart;
 
 /*!
     Where one course lays which tows: the course's centre line in the part's
@@ -32,14 +34,14 @@ class ZELKinToolpathPart;
     group whose stretch inside the boundary is shorter than 101.6 mm is not
     laid. Lengths and places are in mm. Nothing here throws.
 */
-class ZELKinToolpathCoursePlan
+class ZELGENERATION_EXPORT ZELGenCoursePlan
 {
 public:
     //! The tows of the head and the width of each (mm).
     static constexpr int kNumHeadTows = 16;
     static constexpr double kTowWidth = 6.35;
 
-    ZELKinToolpathCoursePlan(const ZELKinToolpathPart& part, const ZELMathVector2D& direction, double across,
+    ZELGenCoursePlan(const ZELGenPart& part, const ZELMathVector2D& direction, double across,
                              int firstTow, int towCount);
 
     //! True when no group of tows crosses enough of the part to be laid.
@@ -65,7 +67,7 @@ public:
     double GetMaterialLength() const;
 
     //! The surface point on the course's centre line at `along`.
-    ZELKinToolpathPoint GetPoint(double along) const;
+    ZELGenPoint GetPoint(double along) const;
 
 private:
     struct Group
@@ -81,7 +83,7 @@ private:
     //! The tows of the groups that `laid` accepts.
     QString GetMask(const std::function<bool(const Group&)>& laid) const;
 
-    const ZELKinToolpathPart& m_part;
+    const ZELGenPart& m_part;
     ZELMathVector2D m_direction;
     ZELMathVector2D m_base;
     ZELMathVector2D m_left;
@@ -89,4 +91,4 @@ private:
     QList<double> m_stations;
 };
 
-#endif // ZELKINTOOLPATHCOURSEPLAN_H
+#endif // ZELGENCOURSEPLAN_H

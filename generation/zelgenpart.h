@@ -1,7 +1,9 @@
-#ifndef ZELKINTOOLPATHPART_H
-#define ZELKINTOOLPATHPART_H
+#ifndef ZELGENPART_H
+#define ZELGENPART_H
 
-#include "zelkintoolpathpoint.h"
+#include "zelgeneration_export.h"
+
+#include "zelgenpoint.h"
 
 #include <zelmathvector2d.h>
 
@@ -22,7 +24,7 @@
     crosses it at most once. Every part is highest at the centre of its
     course plane. Lengths are in mm, angles in radians; nothing here throws.
 */
-class ZELKinToolpathPart
+class ZELGENERATION_EXPORT ZELGenPart
 {
 public:
     //! The stretch of a line from `from` to `to` (mm along the line).
@@ -32,11 +34,11 @@ public:
         double to;
     };
 
-    virtual ~ZELKinToolpathPart() = default;
+    virtual ~ZELGenPart() = default;
 
     //! The part named by `kind`: "flat", "cylinder" or "dome"; null for any
     //! other word.
-    static std::unique_ptr<ZELKinToolpathPart> Create(const QString& kind);
+    static std::unique_ptr<ZELGenPart> Create(const QString& kind);
 
     //! The part's name, used as the default program name ("flat-panel", ...).
     virtual QString GetName() const = 0;
@@ -46,7 +48,7 @@ public:
 
     //! The surface point over `position` of the course plane, travelling
     //! along the course-plane direction `direction` (unit).
-    virtual ZELKinToolpathPoint GetSurfacePoint(const ZELMathVector2D& position,
+    virtual ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position,
                                                 const ZELMathVector2D& direction) const = 0;
     //! The length on the surface of the straight course-plane segment from
     //! `from` to `to`.
@@ -73,4 +75,4 @@ protected:
     static constexpr double kProbeTargetMargin = 150.0;
 };
 
-#endif // ZELKINTOOLPATHPART_H
+#endif // ZELGENPART_H

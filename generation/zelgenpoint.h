@@ -1,5 +1,7 @@
-#ifndef ZELKINTOOLPATHPOINT_H
-#define ZELKINTOOLPATHPOINT_H
+#ifndef ZELGENPOINT_H
+#define ZELGENPOINT_H
+
+#include "zelgeneration_export.h"
 
 #include <zelmathpoint.h>
 #include <zelmathvector.h>
@@ -10,19 +12,19 @@
     surface normal pointing out of the part towards the head, perpendicular
     to each other. Nothing here throws.
 */
-class ZELKinToolpathPoint
+class ZELGENERATION_EXPORT ZELGenPoint
 {
 public:
-    ZELKinToolpathPoint(const ZELMathPoint& origin, const ZELMathVector& travel, const ZELMathVector& normal);
+    ZELGenPoint(const ZELMathPoint& origin, const ZELMathVector& travel, const ZELMathVector& normal);
 
     ZELMathPoint GetOrigin() const { return m_origin; }
     ZELMathVector GetTravel() const { return m_travel; }
     ZELMathVector GetNormal() const { return m_normal; }
 
     //! The point moved `distance` mm along its normal, directions kept.
-    ZELKinToolpathPoint GetLifted(double distance) const;
+    ZELGenPoint GetLifted(double distance) const;
     //! The point moved straight up or down to the height `z` (mm), directions kept.
-    ZELKinToolpathPoint GetAtHeight(double z) const;
+    ZELGenPoint GetAtHeight(double z) const;
 
 private:
     ZELMathPoint m_origin;
@@ -30,4 +32,4 @@ private:
     ZELMathVector m_normal;
 };
 
-#endif // ZELKINTOOLPATHPOINT_H
+#endif // ZELGENPOINT_H

@@ -1,5 +1,5 @@
-#ifndef ZELKINTOOLPATHJSONWRITER_H
-#define ZELKINTOOLPATHJSONWRITER_H
+#ifndef ZELTPJSONWRITER_P_H
+#define ZELTPJSONWRITER_P_H
 
 #include <QString>
 
@@ -12,7 +12,8 @@ class QIODevice;
     Writes one JSON document to a device as it goes, so that a document of
     any size needs no more memory than a small buffer.
 
-    The caller opens objects and arrays, names members with WriteKey() and
+    The toolpath document writer (ZELTPDocumentWriter) speaks the format
+    through it. The caller opens objects and arrays, names members with WriteKey() and
     writes values; the writer puts the commas in. A container opened with
     Layout::Block puts each entry on a line of its own, indented by two
     blanks per level; one opened with Layout::Line keeps its entries, and
@@ -24,13 +25,13 @@ class QIODevice;
     the text; the document is then incomplete and the device should be
     discarded.
 */
-class ZELKinToolpathJsonWriter
+class ZELTPJsonWriter
 {
 public:
     enum class Layout { Block, Line };
 
     //! Writes to `device` (not owned), open for writing; `name` names it in errors.
-    ZELKinToolpathJsonWriter(QIODevice* device, const QString& name);
+    ZELTPJsonWriter(QIODevice* device, const QString& name);
 
     void BeginObject(Layout layout = Layout::Block);
     void EndObject();
@@ -40,6 +41,7 @@ public:
     //! Names the next value, inside an object. `key` is written as it is:
     //! plain ASCII without quotes, backslashes or control characters.
     void WriteKey(const char* key);
+    //! Writes `text` escaped as ZELSysJsonText escapes it.
     void WriteString(const QString& text);
     //! Throws ZELSysException "cannot write a number that is not finite: <value>"
     //! for NaN and infinities, which JSON cannot hold.
@@ -70,4 +72,4 @@ private:
     bool m_afterKey = false;
 };
 
-#endif // ZELKINTOOLPATHJSONWRITER_H
+#endif // ZELTPJSONWRITER_P_H

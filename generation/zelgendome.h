@@ -1,7 +1,9 @@
-#ifndef ZELKINTOOLPATHDOME_H
-#define ZELKINTOOLPATHDOME_H
+#ifndef ZELGENDOME_H
+#define ZELGENDOME_H
 
-#include "zelkintoolpathpart.h"
+#include "zelgeneration_export.h"
+
+#include "zelgenpart.h"
 
 /*!
     A spherical cap: a sphere of radius 2500 mm cut 30 degrees around its
@@ -10,12 +12,12 @@
     sphere by a vertical plane and the courses of a ply lie in parallel
     planes. The boundary is the circle the cap's rim makes in it.
 */
-class ZELKinToolpathDome : public ZELKinToolpathPart
+class ZELGENERATION_EXPORT ZELGenDome : public ZELGenPart
 {
 public:
     QString GetName() const override;
     QString GetPropagation() const override;
-    ZELKinToolpathPoint GetSurfacePoint(const ZELMathVector2D& position,
+    ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position,
                                         const ZELMathVector2D& direction) const override;
     double GetLength(const ZELMathVector2D& from, const ZELMathVector2D& to) const override;
     std::optional<Range> GetCrossing(const ZELMathVector2D& position,
@@ -24,4 +26,4 @@ public:
     QList<ZELMathVector2D> GetProbeTargets() const override;
 };
 
-#endif // ZELKINTOOLPATHDOME_H
+#endif // ZELGENDOME_H

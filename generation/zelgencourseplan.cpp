@@ -30,8 +30,8 @@ double CentreOffsetOf(int firstTow, int towCount)
 
 } // namespace
 
-ZELGenCoursePlan::ZELGenCoursePlan(const ZELGenPart& part, const ZELMathVector2D& direction,
-                                                   double across, int firstTow, int towCount)
+ZELGenCoursePlan::ZELGenCoursePlan(const ZELGenPart& part, const ZELMathVector2D& direction, double across,
+                                   int firstTow, int towCount)
     : m_part(part)
     , m_direction(direction)
     , m_left(-direction.GetY(), direction.GetX())
@@ -66,9 +66,8 @@ QString ZELGenCoursePlan::GetStretchMask(int stretch) const
 {
     const double from = m_stations.at(stretch);
     const double to = m_stations.at(stretch + 1);
-    return GetMask([from, to](const Group& group) {
-        return group.from <= from + kSamePlace && group.to >= to - kSamePlace;
-    });
+    return GetMask(
+        [from, to](const Group& group) { return group.from <= from + kSamePlace && group.to >= to - kSamePlace; });
 }
 
 QString ZELGenCoursePlan::GetTowMask() const
@@ -81,8 +80,8 @@ QList<double> ZELGenCoursePlan::GetTowLengths() const
     QList<double> lengths(kNumHeadTows, 0.0);
     for (const Group& group : m_groups) {
         const ZELMathVector2D line = Offset(m_base, m_left, CentreOffsetOf(group.firstTow, group.towCount));
-        const double length =
-            m_part.GetLength(Offset(line, m_direction, group.from), Offset(line, m_direction, group.to));
+        const double length = m_part.GetLength(Offset(line, m_direction, group.from),
+                                               Offset(line, m_direction, group.to));
         std::fill_n(lengths.begin() + group.firstTow, group.towCount, length);
     }
     return lengths;

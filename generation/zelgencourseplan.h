@@ -41,8 +41,8 @@ public:
     static constexpr int kNumHeadTows = 16;
     static constexpr double kTowWidth = 6.35;
 
-    ZELGenCoursePlan(const ZELGenPart& part, const ZELMathVector2D& direction, double across,
-                             int firstTow, int towCount);
+    ZELGenCoursePlan(const ZELGenPart& part, const ZELMathVector2D& direction, double across, int firstTow,
+                     int towCount);
 
     //! True when no group of tows crosses enough of the part to be laid.
     bool IsEmpty() const;

@@ -27,14 +27,13 @@ QString ZELGenCylinderSection::GetPropagation() const
 }
 
 ZELGenPoint ZELGenCylinderSection::GetSurfacePoint(const ZELMathVector2D& position,
-                                                                   const ZELMathVector2D& direction) const
+                                                   const ZELMathVector2D& direction) const
 {
     const double angle = position.GetY() / kRadius;
     const double sine = std::sin(angle);
     const double cosine = std::cos(angle);
     const double axisZ = kTopZ - kRadius;
-    return ZELGenPoint(
-        ZELMathPoint(kCentreX + position.GetX(), kCentreY + kRadius * sine, axisZ + kRadius * cosine),
-        ZELMathVector(direction.GetX(), direction.GetY() * cosine, -direction.GetY() * sine),
-        ZELMathVector(0.0, sine, cosine));
+    return ZELGenPoint(ZELMathPoint(kCentreX + position.GetX(), kCentreY + kRadius * sine, axisZ + kRadius * cosine),
+                       ZELMathVector(direction.GetX(), direction.GetY() * cosine, -direction.GetY() * sine),
+                       ZELMathVector(0.0, sine, cosine));
 }

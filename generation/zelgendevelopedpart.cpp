@@ -38,8 +38,8 @@ double ZELGenDevelopedPart::GetLength(const ZELMathVector2D& from, const ZELMath
     return ZELMathVector2D(to.GetX() - from.GetX(), to.GetY() - from.GetY()).GetLength();
 }
 
-std::optional<ZELGenPart::Range> ZELGenDevelopedPart::GetCrossing(
-    const ZELMathVector2D& position, const ZELMathVector2D& direction) const
+std::optional<ZELGenPart::Range> ZELGenDevelopedPart::GetCrossing(const ZELMathVector2D& position,
+                                                                  const ZELMathVector2D& direction) const
 {
     const std::optional<Range> alongX = CrossSlab(position.GetX(), direction.GetX(), m_halfLength);
     const std::optional<Range> alongY = CrossSlab(position.GetY(), direction.GetY(), m_halfWidth);

@@ -16,8 +16,7 @@ class ZELGENERATION_EXPORT ZELGenDevelopedPart : public ZELGenPart
 {
 public:
     double GetLength(const ZELMathVector2D& from, const ZELMathVector2D& to) const override;
-    std::optional<Range> GetCrossing(const ZELMathVector2D& position,
-                                     const ZELMathVector2D& direction) const override;
+    std::optional<Range> GetCrossing(const ZELMathVector2D& position, const ZELMathVector2D& direction) const override;
     Range GetExtent(const ZELMathVector2D& across) const override;
     QList<ZELMathVector2D> GetProbeTargets() const override;
 

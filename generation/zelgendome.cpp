@@ -22,8 +22,7 @@ QString ZELGenDome::GetPropagation() const
     return QStringLiteral("parallel");
 }
 
-ZELGenPoint ZELGenDome::GetSurfacePoint(const ZELMathVector2D& position,
-                                                        const ZELMathVector2D& direction) const
+ZELGenPoint ZELGenDome::GetSurfacePoint(const ZELMathVector2D& position, const ZELMathVector2D& direction) const
 {
     const double x = position.GetX();
     const double y = position.GetY();
@@ -33,8 +32,8 @@ ZELGenPoint ZELGenDome::GetSurfacePoint(const ZELMathVector2D& position,
     // height shrinks; the tangent so found is perpendicular to the normal.
     const double fall = (x * direction.GetX() + y * direction.GetY()) / height;
     return ZELGenPoint(ZELMathPoint(kCentreX + x, kCentreY + y, centreZ + height),
-                               ZELMathVector(direction.GetX(), direction.GetY(), -fall).GetNormalized(),
-                               ZELMathVector(x / kRadius, y / kRadius, height / kRadius));
+                       ZELMathVector(direction.GetX(), direction.GetY(), -fall).GetNormalized(),
+                       ZELMathVector(x / kRadius, y / kRadius, height / kRadius));
 }
 
 // A course is an arc of the circle the vertical plane through it cuts from
@@ -54,7 +53,7 @@ double ZELGenDome::GetLength(const ZELMathVector2D& from, const ZELMathVector2D&
 }
 
 std::optional<ZELGenPart::Range> ZELGenDome::GetCrossing(const ZELMathVector2D& position,
-                                                                         const ZELMathVector2D& direction) const
+                                                         const ZELMathVector2D& direction) const
 {
     const double along = position.Dot(direction);
     const double discriminant = along * along - position.Dot(position) + kRimRadius * kRimRadius;

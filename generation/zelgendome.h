@@ -17,11 +17,9 @@ class ZELGENERATION_EXPORT ZELGenDome : public ZELGenPart
 public:
     QString GetName() const override;
     QString GetPropagation() const override;
-    ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position,
-                                        const ZELMathVector2D& direction) const override;
+    ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position, const ZELMathVector2D& direction) const override;
     double GetLength(const ZELMathVector2D& from, const ZELMathVector2D& to) const override;
-    std::optional<Range> GetCrossing(const ZELMathVector2D& position,
-                                     const ZELMathVector2D& direction) const override;
+    std::optional<Range> GetCrossing(const ZELMathVector2D& position, const ZELMathVector2D& direction) const override;
     Range GetExtent(const ZELMathVector2D& across) const override;
     QList<ZELMathVector2D> GetProbeTargets() const override;
 };

@@ -15,10 +15,8 @@ QString ZELGenFlatPanel::GetPropagation() const
     return QStringLiteral("angle");
 }
 
-ZELGenPoint ZELGenFlatPanel::GetSurfacePoint(const ZELMathVector2D& position,
-                                                             const ZELMathVector2D& direction) const
+ZELGenPoint ZELGenFlatPanel::GetSurfacePoint(const ZELMathVector2D& position, const ZELMathVector2D& direction) const
 {
     return ZELGenPoint(ZELMathPoint(kCentreX + position.GetX(), kCentreY + position.GetY(), kTopZ),
-                               ZELMathVector(direction.GetX(), direction.GetY(), 0.0),
-                               ZELMathVector(0.0, 0.0, 1.0));
+                       ZELMathVector(direction.GetX(), direction.GetY(), 0.0), ZELMathVector(0.0, 0.0, 1.0));
 }

@@ -17,8 +17,7 @@ public:
 
     QString GetName() const override;
     QString GetPropagation() const override;
-    ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position,
-                                        const ZELMathVector2D& direction) const override;
+    ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position, const ZELMathVector2D& direction) const override;
 };
 
 #endif // ZELGENFLATPANEL_H

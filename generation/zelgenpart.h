@@ -48,8 +48,7 @@ public:
 
     //! The surface point over `position` of the course plane, travelling
     //! along the course-plane direction `direction` (unit).
-    virtual ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position,
-                                                const ZELMathVector2D& direction) const = 0;
+    virtual ZELGenPoint GetSurfacePoint(const ZELMathVector2D& position, const ZELMathVector2D& direction) const = 0;
     //! The length on the surface of the straight course-plane segment from
     //! `from` to `to`.
     virtual double GetLength(const ZELMathVector2D& from, const ZELMathVector2D& to) const = 0;

@@ -1,7 +1,6 @@
 #include "zelgenpoint.h"
 
-ZELGenPoint::ZELGenPoint(const ZELMathPoint& origin, const ZELMathVector& travel,
-                                         const ZELMathVector& normal)
+ZELGenPoint::ZELGenPoint(const ZELMathPoint& origin, const ZELMathVector& travel, const ZELMathVector& normal)
     : m_origin(origin)
     , m_travel(travel)
     , m_normal(normal)

@@ -42,7 +42,7 @@ constexpr double kProbingFeedrate = 3000.0;
 // Where the head puts down one roller and picks up the other (mm), the head
 // pointing straight down.
 const ZELGenPoint kToolChangePoint(ZELMathPoint(1000.0, 1500.0, -1000.0), ZELMathVector(1.0, 0.0, 0.0),
-                                           ZELMathVector(0.0, 0.0, 1.0));
+                                   ZELMathVector(0.0, 0.0, 1.0));
 const char* const kHeadName = "H1";
 
 constexpr double kProbeSphereDiameter = 12.7;
@@ -147,8 +147,8 @@ void ZELGenToolpathGenerator::WriteLayupProcedure(ZELTPDocumentWriter& writer, i
     procedure.safetyPlane = GetSafetyPlane();
     procedure.addingFeedrate = kAddingFeedrate;
     procedure.cuttingFeedrate = kCuttingFeedrate;
-    procedure.material =
-        ZELTPMaterialDescription(QStringLiteral("IM7-8552-6.35"), QStringLiteral("IM7/8552 1/4in tow"));
+    procedure.material = ZELTPMaterialDescription(QStringLiteral("IM7-8552-6.35"),
+                                                  QStringLiteral("IM7/8552 1/4in tow"));
     procedure.totalMaterialLength = GetMaterialLength(ply);
     procedure.plies = {{QStringLiteral("P") + AngleText(angle), angle, m_part.GetPropagation()}};
     writer.BeginRollLayupProcedure(procedure);
@@ -196,9 +196,9 @@ void ZELGenToolpathGenerator::WriteLinks(ZELTPDocumentWriter& writer, int ply, c
     // The course nearest the middle of the part always crosses it, so some
     // course was laid.
     writer.BeginLink(QStringLiteral("retract"), ZELTPCourseLink::PointsDetailLow);
-    WriteOffPartTrajectory(writer, kLinkFeedrate,
-                           {previousEnd.value().GetAtHeight(GetTraverseHeight()),
-                            previousEnd.value().GetAtHeight(GetParkHeight())});
+    WriteOffPartTrajectory(
+        writer, kLinkFeedrate,
+        {previousEnd.value().GetAtHeight(GetTraverseHeight()), previousEnd.value().GetAtHeight(GetParkHeight())});
     writer.EndLink();
     writer.EndLinks();
 }
@@ -270,8 +270,9 @@ void ZELGenToolpathGenerator::WriteProbingProcedure(ZELTPDocumentWriter& writer)
 {
     QList<ZELGenPoint> targets;
     for (const ZELMathVector2D& place : m_part.GetProbeTargets()) {
-        const ZELMathPoint centre =
-            m_part.GetSurfacePoint(place, ZELMathVector2D(1.0, 0.0)).GetLifted(kProbeSphereDiameter / 2.0).GetOrigin();
+        const ZELMathPoint centre = m_part.GetSurfacePoint(place, ZELMathVector2D(1.0, 0.0))
+                                        .GetLifted(kProbeSphereDiameter / 2.0)
+                                        .GetOrigin();
         targets.append(ZELGenPoint(centre, ZELMathVector(1.0, 0.0, 0.0), ZELMathVector(0.0, 0.0, 1.0)));
     }
 
@@ -305,8 +306,7 @@ ZELTPMachineConfiguration ZELGenToolpathGenerator::MachineConfigurationOf(const 
 ZELGenCoursePlan ZELGenToolpathGenerator::PlanCourse(int ply, int course) const
 {
     const ZELMathVector2D direction = DirectionOf(m_settings.plyAngles.at(ply));
-    const ZELGenPart::Range extent =
-        m_part.GetExtent(ZELMathVector2D(-direction.GetY(), direction.GetX()));
+    const ZELGenPart::Range extent = m_part.GetExtent(ZELMathVector2D(-direction.GetY(), direction.GetX()));
     const double width = kWideRoller.towCount * ZELGenCoursePlan::kTowWidth;
     const double spacing = std::min(width, (extent.to - extent.from) / m_settings.courses);
     const double across = (extent.from + extent.to) / 2.0 + (course - (m_settings.courses - 1) / 2.0) * spacing;
@@ -330,8 +330,7 @@ double ZELGenToolpathGenerator::GetMaterialLength(int ply) const
 double ZELGenToolpathGenerator::GetSafetyHeight() const
 {
     // Every part is highest at its centre.
-    return m_part.GetSurfacePoint(ZELMathVector2D(), ZELMathVector2D(1.0, 0.0)).GetOrigin().GetZ()
-        + kSafetyClearance;
+    return m_part.GetSurfacePoint(ZELMathVector2D(), ZELMathVector2D(1.0, 0.0)).GetOrigin().GetZ() + kSafetyClearance;
 }
 
 double ZELGenToolpathGenerator::GetTraverseHeight() const

@@ -76,10 +76,8 @@ private:
     void WriteLayupProcedure(ZELTPDocumentWriter& writer, int ply, const Roller*& onHead) const;
     void WriteLinks(ZELTPDocumentWriter& writer, int ply, const Roller*& onHead) const;
     void WriteCourses(ZELTPDocumentWriter& writer, int ply) const;
-    void WriteCourse(ZELTPDocumentWriter& writer, const ZELGenCoursePlan& plan, const Roller& roller,
-                     int number) const;
-    void WriteTowTrajectory(ZELTPDocumentWriter& writer, const ZELGenCoursePlan& plan,
-                            int stretch) const;
+    void WriteCourse(ZELTPDocumentWriter& writer, const ZELGenCoursePlan& plan, const Roller& roller, int number) const;
+    void WriteTowTrajectory(ZELTPDocumentWriter& writer, const ZELGenCoursePlan& plan, int stretch) const;
     void WriteProbingProcedure(ZELTPDocumentWriter& writer) const;
 
     static ZELTPMachineConfiguration MachineConfigurationOf(const Roller& roller);

@@ -306,8 +306,7 @@ void ZELTPDocumentWriter::BeginTowTrajectory(double feedrate, const Tilts& tilts
     d->OpenPoints();
 }
 
-void ZELTPDocumentWriter::AddPoint(const ZELMathPoint& origin, const ZELMathVector& travel,
-                                   const ZELMathVector& normal)
+void ZELTPDocumentWriter::AddPoint(const ZELMathPoint& origin, const ZELMathVector& travel, const ZELMathVector& normal)
 {
     Q_D(ZELTPDocumentWriter);
     d->json.BeginObject(Layout::Line);

@@ -60,4 +60,6 @@ TEST_P(ZELSysJsonTextTest, AppendsToWhatIsAlreadyWritten)
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, ZELSysJsonTextTest, ::testing::ValuesIn(kCases),
-                         [](const ::testing::TestParamInfo<JsonTextCase>& info) { return std::string(info.param.name); });
+                         [](const ::testing::TestParamInfo<JsonTextCase>& info) {
+                             return std::string(info.param.name);
+                         });

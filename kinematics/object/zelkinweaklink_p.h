@@ -1,7 +1,7 @@
 #ifndef ZELKINWEAKLINK_P_H
 #define ZELKINWEAKLINK_P_H
 
-#include <zelgeolink_p.h>
+#include <zelgeolinks.h>
 
 /*!
     A back reference to one object (a variable's machine, a joint's parent):

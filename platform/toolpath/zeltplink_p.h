@@ -1,7 +1,7 @@
 #ifndef ZELTPLINK_P_H
 #define ZELTPLINK_P_H
 
-#include <zelgeolink_p.h>
+#include <zelgeolinks.h>
 
 /*!
     A plain reference from one toolpath geometry to another (a course's

@@ -1,5 +1,5 @@
-#ifndef ZELGEOLINK_P_H
-#define ZELGEOLINK_P_H
+#ifndef ZELGEOLINKS_H
+#define ZELGEOLINKS_H
 
 #include "zelgeocontainer.h"
 #include "zelgeogeometrynotfoundexception.h"
@@ -84,4 +84,4 @@ T* Read(ZELGeoStream& stream)
 
 } // namespace ZELGeoLinks
 
-#endif // ZELGEOLINK_P_H
+#endif // ZELGEOLINKS_H

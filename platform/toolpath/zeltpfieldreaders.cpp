@@ -23,6 +23,10 @@ namespace Key = ZELTPDocument::Key;
 
 namespace {
 
+// How far travel and normal may be from unit length, and their dot product
+// from zero.
+constexpr double DirectionTolerance = 1e-6;
+
 // A range's end as the document would write it.
 QString Bound(double value)
 {

@@ -22,10 +22,6 @@
 */
 namespace ZELTPReading {
 
-// How far travel and normal may be from unit length, and their dot product
-// from zero.
-constexpr double DirectionTolerance = 1e-6;
-
 /*
     The range a number of the format lies in, both ends included. Each holds
     what any part and machine need by far, and keeps what the NC programs

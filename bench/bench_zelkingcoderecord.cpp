@@ -13,7 +13,7 @@ const char* const HeadLines[] = {
     "; Sequence 0101 processed by jdoe at Tue Mar 5 14:07:09 2024",
     "; SEQ       PLY      MATERIAL   ANGLE    METHOD  ",
     "; ==== ============= ======== ========= ======== ",
-    "; 0101 P1            IM7         45.000 A-ANGLE ",
+    "; 0101 P1            T35         45.000 A-ANGLE ",
     ";[BEGIN START-UP CODES]",
     "G700; English Units",
     "HSL; Establish High Speed Functions",
@@ -36,7 +36,7 @@ const char* const HeadLines[] = {
     ";[END START-UP CODES]",
     "MSG(\"PART\")",
     ";[PLY] PlyId=P1,Angle=0.785,Method=A-ANGLE,Area=1.500",
-    "GUD_MATERIAL_REQUIRED=\"IM7\"",
+    "GUD_MATERIAL_REQUIRED=\"T35\"",
     "M27; Verify Material Loaded",
     ";[PHASE] Phase=AFP",
     "M61; Activate Layup Traori",
@@ -71,7 +71,7 @@ QString PlyFileText()
         text += QLatin1String(line) + QLatin1Char('\n');
     int lineNumber = 0;
     for (int course = 1; course <= Courses; ++course) {
-        text += QStringLiteral(";[COURSE] CourseNumber=%1,TowRoller=8,TowsUsed=000F,Material=IM7\n").arg(course);
+        text += QStringLiteral(";[COURSE] CourseNumber=%1,TowRoller=8,TowsUsed=000F,Material=T35\n").arg(course);
         text += QStringLiteral(";PMAC1: G500U25.400A/B[000F]\n");
         text += QStringLiteral("GUD_TOW_MASK=15\n");
         for (int step = 0; step < MotionLinesPerCourse; ++step)

@@ -48,7 +48,7 @@ public:
         program->SetAuthor(QStringLiteral("bench"));
         ZELKinPlyDescription ply;
         ply.SetName(QStringLiteral("P1"));
-        ply.SetMaterial(QStringLiteral("IM7"));
+        ply.SetMaterial(QStringLiteral("T35"));
         // The ply table prints the angle and the area; a ply made without
         // them has NaN, which the writer refuses.
         ply.SetAngle(0.0);

@@ -147,8 +147,8 @@ void ZELGenToolpathGenerator::WriteLayupProcedure(ZELTPDocumentWriter& writer, i
     procedure.safetyPlane = GetSafetyPlane();
     procedure.addingFeedrate = kAddingFeedrate;
     procedure.cuttingFeedrate = kCuttingFeedrate;
-    procedure.material = ZELTPMaterialDescription(QStringLiteral("IM7-8552-6.35"),
-                                                  QStringLiteral("IM7/8552 1/4in tow"));
+    procedure.material = ZELTPMaterialDescription(QStringLiteral("T35-E120-6.35"),
+                                                  QStringLiteral("T35/E120 1/4in tow"));
     procedure.totalMaterialLength = GetMaterialLength(ply);
     procedure.plies = {{QStringLiteral("P") + AngleText(angle), angle, m_part.GetPropagation()}};
     writer.BeginRollLayupProcedure(procedure);

@@ -117,7 +117,7 @@ TEST(ZELKinPostCommand, ThePlyFileLaysTheCourseWithItsTowsAddedAndCut)
     const QStringList lines = LinesOf(output + QStringLiteral("/flat-test/flat-test#0101.PPF"));
     EXPECT_TRUE(lines.contains(QStringLiteral("GUD_EID=\"flat-test\"")));
     EXPECT_TRUE(lines.contains(QStringLiteral("GUD_REVISION=\"B\"")));
-    EXPECT_TRUE(lines.contains(QStringLiteral(";[COURSE] CourseNumber=1,TowRoller=16,TowsUsed=FFFF,Material=IM7-8552")));
+    EXPECT_TRUE(lines.contains(QStringLiteral(";[COURSE] CourseNumber=1,TowRoller=16,TowsUsed=FFFF,Material=T35-E120")));
     EXPECT_TRUE(lines.contains(QStringLiteral("; Tows Required for Course [FFFF]")));
     EXPECT_FALSE(lines.contains(QStringLiteral("M85; 8-Tow Roller Loaded")));
     EXPECT_TRUE(lines.contains(QStringLiteral("M84; 16-Tow Roller Loaded")));
@@ -744,10 +744,10 @@ INSTANTIATE_TEST_SUITE_P(
     Values, ZELKinPostCommandUnfitToolpath,
     ::testing::Values(
         UnfitToolpathCase{"MaterialIdHoldingNcLines",
-                          [](QJsonObject& layup) { SetMaterialId(layup, QStringLiteral("IM7-8552\nG0 Z0\nM30")); },
+                          [](QJsonObject& layup) { SetMaterialId(layup, QStringLiteral("T35-E120\nG0 Z0\nM30")); },
                           "$.program.procedures[0].material.id: text contains the line end U+000A"},
         UnfitToolpathCase{"MaterialIdClosingItsQuotes",
-                          [](QJsonObject& layup) { SetMaterialId(layup, QStringLiteral("IM7\")\nM30")); },
+                          [](QJsonObject& layup) { SetMaterialId(layup, QStringLiteral("T35\")\nM30")); },
                           "$.program.procedures[0].material.id: text contains a double quote"},
         UnfitToolpathCase{"OriginOf1e300",
                           [](QJsonObject& layup) { MovePoint(layup, 2, 3, 1e300); },

@@ -297,7 +297,7 @@ QString PlyFile()
         QStringLiteral("G94; Feed-Per-Minute Mode"),
         QStringLiteral(";[END START-UP CODES]"),
         QStringLiteral("M61; Activate Layup Traori"),
-        QStringLiteral(";[COURSE] CourseNumber=1,TowRoller=16,TowsUsed=FFFF,Material=IM7-8552"),
+        QStringLiteral(";[COURSE] CourseNumber=1,TowRoller=16,TowsUsed=FFFF,Material=T35-E120"),
         QStringLiteral(";PMAC1: G400U0"),
         QStringLiteral(";PMAC1: G500U%1A/B[FFFF]").arg(down + 60.0, 0, 'f', 3),
         QStringLiteral(";PMAC1: G500U%1C/B[FFFF]").arg(down + 150.0, 0, 'f', 3),

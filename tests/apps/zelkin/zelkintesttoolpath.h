@@ -123,7 +123,7 @@ inline QJsonObject SafetyPlane()
     return QJsonObject{{QStringLiteral("origin"), Vector(0, 0, -1000)}, {QStringLiteral("normal"), Vector(0, 0, 1)}};
 }
 
-//! A roll layup procedure of one ply, P0 at 0 deg, laid with IM7-8552.
+//! A roll layup procedure of one ply, P0 at 0 deg, laid with T35-E120.
 inline QJsonObject LayupProcedureOf(const QString& name, const QJsonObject& safetyPlane, const QJsonArray& links,
                                     const QJsonArray& courses)
 {
@@ -133,7 +133,7 @@ inline QJsonObject LayupProcedureOf(const QString& name, const QJsonObject& safe
         {QStringLiteral("safetyPlane"), safetyPlane},
         {QStringLiteral("addingFeedrate"), 2540},
         {QStringLiteral("cuttingFeedrate"), 1270},
-        {QStringLiteral("material"), QJsonObject{{QStringLiteral("id"), QStringLiteral("IM7-8552")}}},
+        {QStringLiteral("material"), QJsonObject{{QStringLiteral("id"), QStringLiteral("T35-E120")}}},
         {QStringLiteral("totalMaterialLength"), 1440.0},
         {QStringLiteral("plies"), QJsonArray{QJsonObject{{QStringLiteral("name"), QStringLiteral("P0")},
                                                          {QStringLiteral("orientation"), 0.0},

@@ -32,7 +32,7 @@ protected:
     {
         procedure = f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply"), addFeedrate, cutFeedrate);
         procedure->AddPlyDefinition(
-            NCFixture::Ply(QStringLiteral("P1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, 1.0));
+            NCFixture::Ply(QStringLiteral("P1"), QStringLiteral("T35"), 0.0, ZELCompStrategy::Angle, 1.0));
         for (int i = 0; i < courses; ++i) {
             f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 0.0}, 2540.0);
             f.AddCourse(procedure, 0x3, 16);

@@ -99,7 +99,7 @@ TEST(ZELKinAFPGCodePly, APlyOfAnAreaThatIsNotANumberIsNotWritten)
     NCFixture f;
     ZELKinRollLayupProcedure* procedure = f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply"));
     procedure->AddPlyDefinition(
-        NCFixture::Ply(QStringLiteral("P1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, ZELTest::kNaN));
+        NCFixture::Ply(QStringLiteral("P1"), QStringLiteral("T35"), 0.0, ZELCompStrategy::Angle, ZELTest::kNaN));
     f.AddShortCourse(procedure);
     // The ply record follows the three heading lines, the ply's head line,
     // 21 start-up lines, the message and the retract model.
@@ -129,16 +129,16 @@ class ZELKinAFPGCodePlyRecordTest : public ::testing::TestWithParam<PlyRecordCas
 };
 
 const PlyRecordCase kPlyRecordCases[] = {
-    {"MinusFortyFive", "P1", "IM7", -45.0, 0, 2.0, "; 0101 P1            IM7        -45.000 A-ANGLE ",
+    {"MinusFortyFive", "P1", "T35", -45.0, 0, 2.0, "; 0101 P1            T35        -45.000 A-ANGLE ",
      ";[PLY] PlyId=P1,Angle=-0.785,Method=A-ANGLE,Area=2.000"},
-    {"Ninety", "P1", "IM7", 90.0, 1, 0.1234, "; 0101 P1            IM7         90.000 A-OFFSET",
+    {"Ninety", "P1", "T35", 90.0, 1, 0.1234, "; 0101 P1            T35         90.000 A-OFFSET",
      ";[PLY] PlyId=P1,Angle=1.571,Method=A-OFFSET,Area=0.123"},
-    {"LongNameShiftsTheColumns", "ABCDEFGHIJKLMNOP", "IM7", 0.0, 2, 1.0,
-     "; 0101 ABCDEFGHIJKLMNOP IM7          0.000 G-OFFSET",
+    {"LongNameShiftsTheColumns", "ABCDEFGHIJKLMNOP", "T35", 0.0, 2, 1.0,
+     "; 0101 ABCDEFGHIJKLMNOP T35          0.000 G-OFFSET",
      ";[PLY] PlyId=ABCDEFGHIJKLMNOP,Angle=0.000,Method=G-OFFSET,Area=1.000"},
-    {"LongLabelIsWrittenWhole", "P1", "IM7", 0.0, 5, 1.0, "; 0101 P1            IM7          0.000 User Defined",
+    {"LongLabelIsWrittenWhole", "P1", "T35", 0.0, 5, 1.0, "; 0101 P1            T35          0.000 User Defined",
      ";[PLY] PlyId=P1,Angle=0.000,Method=User Defined,Area=1.000"},
-    {"ShortLabelIsPadded", "P1", "IM7", 0.0, 4, 1.0, "; 0101 P1            IM7          0.000 Geodesic",
+    {"ShortLabelIsPadded", "P1", "T35", 0.0, 4, 1.0, "; 0101 P1            T35          0.000 Geodesic",
      ";[PLY] PlyId=P1,Angle=0.000,Method=Geodesic,Area=1.000"},
 };
 
@@ -166,7 +166,7 @@ TEST(ZELKinAFPGCodePly, TheRequiredMaterialIsThatOfTheLastPly)
 {
     NCFixture f;
     ZELKinRollLayupProcedure* procedure = f.AddLayup(QStringLiteral("Ply"), QStringLiteral("Ply"));
-    for (const char* material : {"IM7", "AS4", "T800"})
+    for (const char* material : {"T35", "AS4", "T800"})
         procedure->AddPlyDefinition(
             NCFixture::Ply(QStringLiteral("P"), QString::fromLatin1(material), 0.0, ZELCompStrategy::Angle, 1.0));
     f.AddShortCourse(procedure);

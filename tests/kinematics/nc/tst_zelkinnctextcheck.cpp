@@ -31,7 +31,7 @@ void Spoil(NCFixture& f, Field field, const QString& text)
     auto* plyA = qobject_cast<ZELKinRollLayupProcedure*>(f.program->GetProcedure(0));
     auto* plyB = qobject_cast<ZELKinRollLayupProcedure*>(f.program->GetProcedure(2));
     const QString ply = field == Field::PlyName ? text : QStringLiteral("P3");
-    const QString material = field == Field::Material ? text : QStringLiteral("IM7");
+    const QString material = field == Field::Material ? text : QStringLiteral("T35");
     switch (field) {
     case Field::ProgramName:
         f.program->SetOriginalFileName(text);
@@ -70,7 +70,7 @@ const std::vector<SpoiledTextCase> kSpoiledTextCases{
      "cannot write the NC: the author contains the line end U+0085"},
     {"LineSeparatorInAProcedureName", Field::ProcedureName, With("Ply", 0x2028, "B"),
      "cannot write the NC: the name of layup procedure 2 contains the line end U+2028"},
-    {"ParagraphSeparatorInAMaterial", Field::Material, With("IM7", 0x2029, ""),
+    {"ParagraphSeparatorInAMaterial", Field::Material, With("T35", 0x2029, ""),
      "cannot write the NC: the material of procedure 'Ply A' contains the line end U+2029"},
     {"EscapeInAMaterial", Field::Material, With("IM", 0x001B, "7"),
      "cannot write the NC: the material of procedure 'Ply A' contains the control character U+001B"},

@@ -67,7 +67,7 @@ void BuildKit(NCFixture& f)
     ZELKinRollLayupProcedure* ply = f.AddLayup(QStringLiteral("Ply K"), QStringLiteral("Layup K"));
     ply->SetSafetyPlane(ZELMathPlane(ZELMathPoint(0, 0, 254.0), ZELMathVector(0, 0, 1)));
     ply->AddPlyDefinition(
-        NCFixture::Ply(QStringLiteral("K1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Offset, 0.5));
+        NCFixture::Ply(QStringLiteral("K1"), QStringLiteral("T35"), 0.0, ZELCompStrategy::Offset, 0.5));
     f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(ply), {0.0, 0.0, 25.4, 0.0, 0.0}, 2540.0);
     ZELKinTowCourse* course = f.AddCourse(ply, 0x1, 12);
     f.AddCoursePosition(course, 1, {0.0, 0.0, 0.0, 0.0, 0.0, 0.0}, 2540.0);
@@ -713,7 +713,7 @@ TEST_F(ZELKinWriterTest, OnePlyReplacesItsSectionOfTheBundleAndKeepsTheRest)
     const QString before = NCFixture::ReadText(bundle);
     // The second ply changes before it is written again on its own.
     second->AddPlyDefinition(
-        NCFixture::Ply(QStringLiteral("NEW"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, 1.0));
+        NCFixture::Ply(QStringLiteral("NEW"), QStringLiteral("T35"), 0.0, ZELCompStrategy::Angle, 1.0));
 
     EXPECT_EXIT(
         {
@@ -784,7 +784,7 @@ TEST_F(ZELKinWriterTest, OnePlyMissingFromTheOldBundleEndsTheProcessAndLeavesThe
     // A third ply that the bundle does not hold yet.
     ZELKinRollLayupProcedure* third = f.AddLayup(QStringLiteral("Ply C"), QStringLiteral("Ply C"));
     third->AddPlyDefinition(
-        NCFixture::Ply(QStringLiteral("C1"), QStringLiteral("IM7"), 0.0, ZELCompStrategy::Angle, 1.0));
+        NCFixture::Ply(QStringLiteral("C1"), QStringLiteral("T35"), 0.0, ZELCompStrategy::Angle, 1.0));
     f.AddShortCourse(third);
 
     EXPECT_DEATH(

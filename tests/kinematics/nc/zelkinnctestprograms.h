@@ -224,7 +224,7 @@ struct NCFixture : ZELKinTestSixAxisMachine
     }
 
     /*!
-        Ply A: plies P1 (IM7, 45 degrees) and P2-LONG-NAME-X (AS4, -90
+        Ply A: plies P1 (T35, 45 degrees) and P2-LONG-NAME-X (AS4, -90
         degrees); an approach link, course 0 (tows 1-4 on an 8-tow roller,
         with a feed command, an add, a force, a cut and a release, a position
         that repeats the one before and a Y change within the modal
@@ -238,7 +238,7 @@ struct NCFixture : ZELKinTestSixAxisMachine
         ZELKinRollLayupProcedure* procedure = AddLayup(QStringLiteral("Ply A"), QStringLiteral("Layup A"));
         procedure->SetSafetyPlane(ZELMathPlane(ZELMathPoint(0, 0, 508.0), ZELMathVector(0, 0, 1)));
         procedure->AddPlyDefinition(
-            Ply(QStringLiteral("P1"), QStringLiteral("IM7"), Radians(45), ZELCompStrategy::Angle, 1.5));
+            Ply(QStringLiteral("P1"), QStringLiteral("T35"), Radians(45), ZELCompStrategy::Angle, 1.5));
         procedure->AddPlyDefinition(Ply(QStringLiteral("P2-LONG-NAME-X"), QStringLiteral("AS4"), Radians(-90),
                                         ZELCompStrategy::GeodesicOffset, 2.25));
         const double right = Radians(90);

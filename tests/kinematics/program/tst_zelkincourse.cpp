@@ -106,9 +106,9 @@ TEST(ZELKinCourse, RollerAndMaterialKeepWhatIsSet)
     RollLayupFixture f;
     ZELKinCourse* course = ZELTest::AddCourse(f.procedure, 0);
     course->SetRoller(QStringLiteral("R-76"));
-    course->SetMaterial(QStringLiteral("IM7/8552 ⅛\""));
+    course->SetMaterial(QStringLiteral("T35/E120 ⅛\""));
     EXPECT_EQ(course->GetRoller(), QStringLiteral("R-76"));
-    EXPECT_EQ(course->GetMaterial(), QStringLiteral("IM7/8552 ⅛\""));
+    EXPECT_EQ(course->GetMaterial(), QStringLiteral("T35/E120 ⅛\""));
 }
 
 TEST(ZELKinCourse, ToolPathCourseIsACountedLinkThatReadsNullOnceTheCourseIsGone)
@@ -192,7 +192,7 @@ TEST(ZELKinCourse, SaveAndLoadKeepProcedureIndexRollerAndMaterialButNotTheToolPa
     ZELTest::AddLinksAndCourses(f.procedure, {0, 0}, {0, 0});
     ZELKinCourse* saved = f.procedure->GetCourse(1);
     saved->SetRoller(QStringLiteral("R2"));
-    saved->SetMaterial(QStringLiteral("IM7"));
+    saved->SetMaterial(QStringLiteral("T35"));
     saved->SetToolPathCourse(new ZELTPCourse(&f.container, QStringLiteral("c2")));
 
     ZELGeoContainer target;
@@ -204,7 +204,7 @@ TEST(ZELKinCourse, SaveAndLoadKeepProcedureIndexRollerAndMaterialButNotTheToolPa
     EXPECT_EQ(loaded->GetProgram(), ZELTest::FirstOf<ZELKinProgram>(target));
     EXPECT_EQ(loaded->GetIndex(), 1);
     EXPECT_EQ(loaded->GetRoller(), QStringLiteral("R2"));
-    EXPECT_EQ(loaded->GetMaterial(), QStringLiteral("IM7"));
+    EXPECT_EQ(loaded->GetMaterial(), QStringLiteral("T35"));
     EXPECT_EQ(loaded->GetToolPathCourse(), nullptr);
     EXPECT_NE(ZELTest::FirstOf<ZELTPCourse>(target), nullptr);
     EXPECT_EQ(loaded->GetApproachLink(), procedure->GetCourseLink(1));

@@ -16,7 +16,7 @@ ZELKinPlyDescription MakePly()
 {
     ZELKinPlyDescription ply;
     ply.SetName(QStringLiteral("P045"));
-    ply.SetMaterial(QStringLiteral("IM7/8552"));
+    ply.SetMaterial(QStringLiteral("T35/E120"));
     ply.SetAngle(0.7853981633974483);
     ply.SetMethod(ZELCompStrategy::GeodesicOffset);
     ply.SetArea(1.25e6);
@@ -64,7 +64,7 @@ TEST(ZELKinPlyDescription, DefaultIsNotValidWithEmptyTextsNaNNumbersAndTheFirstM
 TEST(ZELKinPlyDescription, SettingANameMakesItValidAndClearingItMakesItInvalidAgain)
 {
     ZELKinPlyDescription ply;
-    ply.SetMaterial(QStringLiteral("IM7/8552"));
+    ply.SetMaterial(QStringLiteral("T35/E120"));
     ply.SetAngle(0.0);
     EXPECT_FALSE(ply.IsValid());
     ply.SetName(QStringLiteral("P1"));
@@ -77,7 +77,7 @@ TEST(ZELKinPlyDescription, EveryFieldKeepsWhatIsSet)
 {
     const ZELKinPlyDescription ply = MakePly();
     EXPECT_EQ(ply.GetName(), QStringLiteral("P045"));
-    EXPECT_EQ(ply.GetMaterial(), QStringLiteral("IM7/8552"));
+    EXPECT_EQ(ply.GetMaterial(), QStringLiteral("T35/E120"));
     EXPECT_TRUE(ZELTest::SameDouble(0.7853981633974483, ply.GetAngle(), ZELTest::kExact));
     EXPECT_EQ(ply.GetMethod(), ZELCompStrategy::GeodesicOffset);
     EXPECT_TRUE(ZELTest::SameDouble(1.25e6, ply.GetArea(), ZELTest::kExact));
@@ -136,7 +136,7 @@ TEST(ZELKinPlyDescription, StreamFormIsNameMaterialAngleMethodAsInt32AndArea)
 {
     const ZELKinPlyDescription ply = MakePly();
     const QByteArray expected = Written([](QDataStream& out) {
-        out << QStringLiteral("P045") << QStringLiteral("IM7/8552") << 0.7853981633974483
+        out << QStringLiteral("P045") << QStringLiteral("T35/E120") << 0.7853981633974483
             << qint32(ZELCompStrategy::GeodesicOffset) << 1.25e6;
     });
     EXPECT_EQ(Written([&](QDataStream& out) { out << ply; }), expected);

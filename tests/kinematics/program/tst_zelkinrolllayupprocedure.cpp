@@ -323,11 +323,11 @@ TEST(ZELKinRollLayupProcedure, InsertingACommandIntoTheProcedureItselfIsNotImple
 TEST(ZELKinRollLayupProcedure, AddPlyDefinitionAppendsWithoutCheckingValidityOrDuplicates)
 {
     RollLayupFixture f;
-    f.procedure->AddPlyDefinition(Ply(QStringLiteral("P1"), QStringLiteral("IM7"), 0.5));
+    f.procedure->AddPlyDefinition(Ply(QStringLiteral("P1"), QStringLiteral("T35"), 0.5));
     f.procedure->AddPlyDefinition(ZELKinPlyDescription());
     f.procedure->AddPlyDefinition(Ply(QStringLiteral("P1")));
     ASSERT_EQ(f.procedure->GetNumPlies(), 3);
-    ExpectSamePly(Ply(QStringLiteral("P1"), QStringLiteral("IM7"), 0.5), f.procedure->GetPlyDefinition(0));
+    ExpectSamePly(Ply(QStringLiteral("P1"), QStringLiteral("T35"), 0.5), f.procedure->GetPlyDefinition(0));
     EXPECT_FALSE(f.procedure->GetPlyDefinition(1).IsValid());
     EXPECT_EQ(f.procedure->GetPlyDefinition(2).GetName(), QStringLiteral("P1"));
 }
@@ -440,19 +440,19 @@ TEST(ZELKinRollLayupProcedure, RecordHoldsProgramCoursesLinksAndPliesButNoFeedra
 {
     RollLayupFixture f;
     ZELTest::AddLinksAndCourses(f.procedure, {1, 0, 2}, {1, 1});
-    f.procedure->AddPlyDefinition(Ply(QStringLiteral("P1"), QStringLiteral("IM7"), 0.25));
+    f.procedure->AddPlyDefinition(Ply(QStringLiteral("P1"), QStringLiteral("T35"), 0.25));
     f.procedure->AddPlyDefinition(Ply(QStringLiteral("P2")));
     EXPECT_EQ(f.procedure->GetCurrentState(),
               ProcedureRecord(f.program->GetReference(), ReferencesOf(Scripts(f.procedure->GetCourses())),
                               ReferencesOf(Scripts(f.procedure->GetCourseLinks())), 2,
-                              {Ply(QStringLiteral("P1"), QStringLiteral("IM7"), 0.25), Ply(QStringLiteral("P2"))}));
+                              {Ply(QStringLiteral("P1"), QStringLiteral("T35"), 0.25), Ply(QStringLiteral("P2"))}));
 }
 
 TEST(ZELKinRollLayupProcedure, AfterSaveAndLoadFeedratesAreNaNAndTheRestSurvives)
 {
     RollLayupFixture f;
     ZELTest::AddLinksAndCourses(f.procedure, {1, 2}, {3});
-    ZELKinPlyDescription ply = Ply(QStringLiteral("P045"), QStringLiteral("IM7/8552"), 0.785);
+    ZELKinPlyDescription ply = Ply(QStringLiteral("P045"), QStringLiteral("T35/E120"), 0.785);
     ply.SetMethod(ZELCompStrategy::Geodesic);
     ply.SetArea(2.5e5);
     f.procedure->AddPlyDefinition(ply);
@@ -541,7 +541,7 @@ struct WholeProgram : RollLayupFixture
         c = ZELKinTestAccess::CreateVariable(machine, QStringLiteral("C"), ZELKinVariable::Rotary);
         program->SetAuthor(QStringLiteral("jdoe"));
         procedure->SetToolPathProcedure(new ZELTPProcedure(&container, QStringLiteral("ply 101")));
-        ZELKinPlyDescription ply = Ply(QStringLiteral("P045"), QStringLiteral("IM7/8552"), 0.785);
+        ZELKinPlyDescription ply = Ply(QStringLiteral("P045"), QStringLiteral("T35/E120"), 0.785);
         ply.SetMethod(ZELCompStrategy::Parallel);
         ply.SetArea(1.5e5);
         procedure->AddPlyDefinition(ply);
@@ -593,7 +593,7 @@ struct WholeProgram : RollLayupFixture
         ZELKinTowCourse* course = ZELKinTestAccess::CreateTowCourse(procedure, mask);
         course->SetToolPathCourse(new ZELTPCourse(&container, name));
         course->SetRoller(QStringLiteral("R%1").arg(positions));
-        course->SetMaterial(QStringLiteral("IM7/8552"));
+        course->SetMaterial(QStringLiteral("T35/E120"));
         course->SetRollerTows(8);
         for (int tow = 0; tow < 16; ++tow)
             course->SetTowLength(tow, 100.0 * positions + tow);

@@ -333,7 +333,7 @@ TEST(ZELKinTowCourse, RecordHoldsTheCourseThenCommandsMaskAndLengthsButNoRollerT
     mask.SetTowEnabled(5, true);
     ZELKinTowCourse* course = ZELKinTestAccess::CreateTowCourse(f.procedure, mask);
     course->SetRoller(QStringLiteral("R1"));
-    course->SetMaterial(QStringLiteral("IM7"));
+    course->SetMaterial(QStringLiteral("T35"));
     course->SetRollerTows(8);
     course->SetTowLength(4, 812.5);
     const ZELKinCommand* position = ZELKinTestAccess::CreateRollLayupPosition(course);
@@ -341,7 +341,7 @@ TEST(ZELKinTowCourse, RecordHoldsTheCourseThenCommandsMaskAndLengthsButNoRollerT
     QList<double> lengths(16, 0.0);
     lengths[4] = 812.5;
     EXPECT_EQ(course->GetCurrentState(),
-              CourseFields(f.procedure->GetReference(), 0, QStringLiteral("R1"), QStringLiteral("IM7")) +
+              CourseFields(f.procedure->GetReference(), 0, QStringLiteral("R1"), QStringLiteral("T35")) +
                   TowCourseFields({position->GetReference(), cut->GetReference()}, mask, lengths));
 }
 

@@ -432,7 +432,7 @@ TEST_F(ZELKinTranslatorTest, GivesEachPlyTheProcedureMaterialAndTheLaidArea)
     EXPECT_EQ(second.GetMethod(), ZELCompStrategy::GeodesicOffset);
     // 1440 mm of material laid by tows 6.35 mm wide.
     for (const ZELKinPlyDescription& ply : {first, second}) {
-        EXPECT_EQ(ply.GetMaterial(), QStringLiteral("IM7-8552"));
+        EXPECT_EQ(ply.GetMaterial(), QStringLiteral("T35-E120"));
         EXPECT_TRUE(ZELTest::SameDouble(9144.0, ply.GetArea(), ZELTest::kTight));
     }
 }
@@ -468,7 +468,7 @@ TEST_F(ZELKinTranslatorTest, GivesPliesNoAreaOnAMachineWithoutAFibrePlacementHea
     ASSERT_EQ(layup->GetNumPlies(), 2);
     EXPECT_TRUE(ZELTest::SameDouble(0.0, layup->GetPlyDefinition(0).GetArea(), ZELTest::kExact));
     EXPECT_TRUE(ZELTest::SameDouble(0.0, layup->GetPlyDefinition(1).GetArea(), ZELTest::kExact));
-    EXPECT_EQ(layup->GetPlyDefinition(0).GetMaterial(), QStringLiteral("IM7-8552"));
+    EXPECT_EQ(layup->GetPlyDefinition(0).GetMaterial(), QStringLiteral("T35-E120"));
 }
 
 // Scripts in path order.

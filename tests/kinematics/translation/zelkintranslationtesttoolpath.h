@@ -160,7 +160,7 @@ public:
         auto* layup = new ZELTPRollLayupProcedure(m_container, name);
         layup->SetAddingFeedrate(2540.0);
         layup->SetCuttingFeedrate(1270.0);
-        layup->SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("IM7-8552"), QStringLiteral("carbon")));
+        layup->SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("T35-E120"), QStringLiteral("carbon")));
         layup->SetTotalMaterialLength(1440.0);
         layup->AddPlyDescription(ZELTPPlyDescription(QStringLiteral("P0"), 0.0, ZELCompStrategy::Angle));
         layup->AddPlyDescription(ZELTPPlyDescription(QStringLiteral("P45"), 0.785, ZELCompStrategy::GeodesicOffset));

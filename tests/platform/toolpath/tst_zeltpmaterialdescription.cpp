@@ -15,8 +15,8 @@ TEST(ZELTPMaterialDescription, DefaultHasEmptyIdentifierAndName)
 
 TEST(ZELTPMaterialDescription, KeepsIdentifierAndName)
 {
-    const ZELTPMaterialDescription material(QStringLiteral("IM7-8552"), QStringLiteral("Carbon/epoxy prepreg"));
-    EXPECT_EQ(material.GetId(), QStringLiteral("IM7-8552"));
+    const ZELTPMaterialDescription material(QStringLiteral("T35-E120"), QStringLiteral("Carbon/epoxy prepreg"));
+    EXPECT_EQ(material.GetId(), QStringLiteral("T35-E120"));
     EXPECT_EQ(material.GetName(), QStringLiteral("Carbon/epoxy prepreg"));
 }
 
@@ -24,12 +24,12 @@ TEST(ZELTPMaterialDescription, StreamFormIsIdentifierThenName)
 {
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
-    out << ZELTPMaterialDescription(QStringLiteral("IM7-8552"), QStringLiteral("Carbon/epoxy prepreg"));
+    out << ZELTPMaterialDescription(QStringLiteral("T35-E120"), QStringLiteral("Carbon/epoxy prepreg"));
     QDataStream in(bytes);
     QString id;
     QString name;
     in >> id >> name;
-    EXPECT_EQ(id, QStringLiteral("IM7-8552"));
+    EXPECT_EQ(id, QStringLiteral("T35-E120"));
     EXPECT_EQ(name, QStringLiteral("Carbon/epoxy prepreg"));
     EXPECT_TRUE(in.atEnd());
 }

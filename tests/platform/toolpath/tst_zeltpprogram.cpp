@@ -195,7 +195,7 @@ struct WholeProgram
         layup->SetSafetyPlane(ZELTPTest::TiltedPlane());
         layup->SetAddingFeedrate(3000.0);
         layup->SetCuttingFeedrate(1500.0);
-        layup->SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("IM7-8552"), QStringLiteral("IM7")));
+        layup->SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("T35-E120"), QStringLiteral("T35")));
         layup->SetTotalMaterialLength(4321.5);
         layup->AddPlyDescription(ZELTPPlyDescription(QStringLiteral("+45"), M_PI / 4.0, ZELCompStrategy::Offset));
         layup->AddPlyDescription(ZELTPPlyDescription(QStringLiteral("-45"), -M_PI / 4.0, ZELCompStrategy::Geodesic));
@@ -346,8 +346,8 @@ TEST(ZELTPProgram, AWholeProgramSurvivesSaveAndLoadWithEveryFieldAndLink)
     EXPECT_TRUE(Same(ZELTPTest::TiltedPlane(), layup->GetSafetyPlane()));
     EXPECT_TRUE(ZELTest::SameDouble(3000.0, layup->GetAddingFeedrate(), ZELTest::kExact));
     EXPECT_TRUE(ZELTest::SameDouble(1500.0, layup->GetCuttingFeedrate(), ZELTest::kExact));
-    EXPECT_EQ(layup->GetMaterialDescription().GetId(), QStringLiteral("IM7-8552"));
-    EXPECT_EQ(layup->GetMaterialDescription().GetName(), QStringLiteral("IM7"));
+    EXPECT_EQ(layup->GetMaterialDescription().GetId(), QStringLiteral("T35-E120"));
+    EXPECT_EQ(layup->GetMaterialDescription().GetName(), QStringLiteral("T35"));
     EXPECT_TRUE(ZELTest::SameDouble(4321.5, layup->GetTotalMaterialLength(), ZELTest::kExact));
     ASSERT_EQ(layup->GetNumPlyDescriptions(), 2);
     EXPECT_EQ(layup->GetPlyDescription(1).GetName(), QStringLiteral("-45"));

@@ -194,8 +194,8 @@ TEST_F(ZELTPProgramReaderComplete, LayupFieldsAreReadWithAnglesInRadians)
 {
     EXPECT_TRUE(ZELTest::SameDouble(2540.0, layup->GetAddingFeedrate(), ZELTest::kExact));
     EXPECT_TRUE(ZELTest::SameDouble(1270.0, layup->GetCuttingFeedrate(), ZELTest::kExact));
-    EXPECT_EQ(layup->GetMaterialDescription().GetId(), QStringLiteral("IM7-8552-6.35"));
-    EXPECT_EQ(layup->GetMaterialDescription().GetName(), QStringLiteral("IM7/8552 1/4in tow"));
+    EXPECT_EQ(layup->GetMaterialDescription().GetId(), QStringLiteral("T35-E120-6.35"));
+    EXPECT_EQ(layup->GetMaterialDescription().GetName(), QStringLiteral("T35/E120 1/4in tow"));
     EXPECT_TRUE(ZELTest::SameDouble(1234.5, layup->GetTotalMaterialLength(), ZELTest::kExact));
 
     ASSERT_EQ(layup->GetNumPlyDescriptions(), 2);
@@ -1295,7 +1295,7 @@ QJsonArray ForcedRatesWithThird(double rate)
 
 QString WithCharacter(char16_t character)
 {
-    return QStringLiteral("IM7") + QChar(character) + QStringLiteral("M30");
+    return QStringLiteral("T35") + QChar(character) + QStringLiteral("M30");
 }
 
 // Every text the NC programs may print, and every kind of character that
@@ -1465,7 +1465,7 @@ const FitFieldCase kFitFields[] = {
      ForcedRatesWithThird(10)},
     {"SixteenTowsOnARollerJustSixteenWide", "program.procedures[0].courses[0].machineConfiguration.roller.width",
      101.5995},
-    {"TextWithQuotesOtherThanDouble", "program.procedures[0].material.id", QStringLiteral("IM7 1/4' `tow`")},
+    {"TextWithQuotesOtherThanDouble", "program.procedures[0].material.id", QStringLiteral("T35 1/4' `tow`")},
     {"TextOfOtherScripts", "program.procedures[0].plies[0].name", QString::fromUtf8("\xC3\xA9paisseur \xE5\xB1\xA4")},
     {"RevisionWithSpaces", "program.revision", QStringLiteral("Rev B 2")},
 };

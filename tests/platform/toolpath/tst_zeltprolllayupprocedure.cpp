@@ -94,12 +94,12 @@ TEST(ZELTPRollLayupProcedure, KeepsFeedratesMaterialAndLength)
     ZELTPRollLayupProcedure procedure(nullptr, QStringLiteral("ply 1"));
     procedure.SetAddingFeedrate(2540.0);
     procedure.SetCuttingFeedrate(1270.0);
-    procedure.SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("IM7"), QStringLiteral("IM7/8552")));
+    procedure.SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("T35"), QStringLiteral("T35/E120")));
     procedure.SetTotalMaterialLength(125400.5);
     EXPECT_TRUE(ZELTest::SameDouble(2540.0, procedure.GetAddingFeedrate(), ZELTest::kExact));
     EXPECT_TRUE(ZELTest::SameDouble(1270.0, procedure.GetCuttingFeedrate(), ZELTest::kExact));
-    EXPECT_EQ(procedure.GetMaterialDescription().GetId(), QStringLiteral("IM7"));
-    EXPECT_EQ(procedure.GetMaterialDescription().GetName(), QStringLiteral("IM7/8552"));
+    EXPECT_EQ(procedure.GetMaterialDescription().GetId(), QStringLiteral("T35"));
+    EXPECT_EQ(procedure.GetMaterialDescription().GetName(), QStringLiteral("T35/E120"));
     EXPECT_TRUE(ZELTest::SameDouble(125400.5, procedure.GetTotalMaterialLength(), ZELTest::kExact));
 }
 
@@ -174,14 +174,14 @@ TEST(ZELTPRollLayupProcedure, RecordIsTheProceduresThenFeedratesMaterialLengthPl
     procedure->SetSafetyPlane(ZELTPTest::TiltedPlane());
     procedure->SetAddingFeedrate(2540.0);
     procedure->SetCuttingFeedrate(1270.0);
-    procedure->SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("IM7"), QStringLiteral("IM7/8552")));
+    procedure->SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("T35"), QStringLiteral("T35/E120")));
     procedure->SetTotalMaterialLength(9876.5);
     procedure->AddPlyDescription(kPlies[1]);
     procedure->AddPlyDescription(kPlies[2]);
     procedure->SetApproachLink(approach);
     const QByteArray expected = ZELTPTest::Record([&](ZELGeoStream& s) {
-        s << QStringLiteral("ply 1") << ZELTPTest::TiltedPlane() << 2540.0 << 1270.0 << QStringLiteral("IM7")
-          << QStringLiteral("IM7/8552") << 9876.5 << qint32(2);
+        s << QStringLiteral("ply 1") << ZELTPTest::TiltedPlane() << 2540.0 << 1270.0 << QStringLiteral("T35")
+          << QStringLiteral("T35/E120") << 9876.5 << qint32(2);
         s << QStringLiteral("+45") << M_PI / 4.0 << qint32(2) << QStringLiteral("90") << M_PI / 2.0 << qint32(3);
         s << approach->GetReference();
     });
@@ -194,7 +194,7 @@ TEST(ZELTPRollLayupProcedure, SurvivesSaveAndLoadWithEveryField)
     auto* procedure = new ZELTPRollLayupProcedure(&source, QStringLiteral("ply 1"));
     procedure->SetSafetyPlane(ZELTPTest::TiltedPlane());
     procedure->SetAddingFeedrate(2540.0);
-    procedure->SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("IM7"), QStringLiteral("IM7/8552")));
+    procedure->SetMaterialDescription(ZELTPMaterialDescription(QStringLiteral("T35"), QStringLiteral("T35/E120")));
     procedure->SetTotalMaterialLength(9876.5);
     for (const ZELTPPlyDescription& ply : kPlies)
         procedure->AddPlyDescription(ply);
@@ -209,8 +209,8 @@ TEST(ZELTPRollLayupProcedure, SurvivesSaveAndLoadWithEveryField)
     EXPECT_TRUE(ZELTPTest::Same(ZELTPTest::TiltedPlane(), copy->GetSafetyPlane()));
     EXPECT_TRUE(ZELTest::SameDouble(2540.0, copy->GetAddingFeedrate(), ZELTest::kExact));
     EXPECT_TRUE(std::isnan(copy->GetCuttingFeedrate()));
-    EXPECT_EQ(copy->GetMaterialDescription().GetId(), QStringLiteral("IM7"));
-    EXPECT_EQ(copy->GetMaterialDescription().GetName(), QStringLiteral("IM7/8552"));
+    EXPECT_EQ(copy->GetMaterialDescription().GetId(), QStringLiteral("T35"));
+    EXPECT_EQ(copy->GetMaterialDescription().GetName(), QStringLiteral("T35/E120"));
     EXPECT_TRUE(ZELTest::SameDouble(9876.5, copy->GetTotalMaterialLength(), ZELTest::kExact));
     ASSERT_EQ(copy->GetNumPlyDescriptions(), 3);
     for (int index = 0; index < 3; ++index)

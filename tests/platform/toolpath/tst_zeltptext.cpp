@@ -20,7 +20,7 @@ class ZELTPTextRule : public ::testing::TestWithParam<TextCase>
 
 QString With(char16_t character)
 {
-    return QStringLiteral("IM7") + QChar(character) + QStringLiteral("8552");
+    return QStringLiteral("T35") + QChar(character) + QStringLiteral("8552");
 }
 
 } // namespace
@@ -35,8 +35,8 @@ TEST_P(ZELTPTextRule, NamesTheFirstCharacterThatWouldLeaveTheLineOrItsQuotes)
 INSTANTIATE_TEST_SUITE_P(
     Texts, ZELTPTextRule,
     ::testing::Values(TextCase{"Empty", QString(), ""},
-                      TextCase{"Plain", QStringLiteral("IM7-8552-6.35"), ""},
-                      TextCase{"SpacesSlashesAndSingleQuotes", QStringLiteral("IM7/8552 1/4' tow (A)"), ""},
+                      TextCase{"Plain", QStringLiteral("T35-E120-6.35"), ""},
+                      TextCase{"SpacesSlashesAndSingleQuotes", QStringLiteral("T35/E120 1/4' tow (A)"), ""},
                       TextCase{"NonAscii", QString::fromUtf8("\xC3\xA9paisseur \xE5\xB1\xA4"), ""},
                       TextCase{"LineFeed", With(0x0A), "text contains the line end U+000A"},
                       TextCase{"VerticalTab", With(0x0B), "text contains the line end U+000B"},

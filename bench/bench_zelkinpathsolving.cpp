@@ -21,6 +21,7 @@
 
 #include <QFile>
 #include <QList>
+#include <QtMath>
 
 #include <cmath>
 #include <memory>
@@ -228,8 +229,8 @@ private:
     static constexpr double kCourseEndX = 7000.0;
     static constexpr double kPointSpacing = 5.0;
     static constexpr int kCoursesPerPly = 21;
-    static constexpr double kFirstCourseAngle = -40.0 * kPi / 180.0;
-    static constexpr double kCourseAngleStep = 4.0 * kPi / 180.0;
+    static constexpr double kFirstCourseAngle = qDegreesToRadians(-40.0);
+    static constexpr double kCourseAngleStep = qDegreesToRadians(4.0);
     // How far the links lift the head off the part.
     static constexpr double kClearance = 100.0;
 

@@ -25,6 +25,7 @@
 
 #include <QFile>
 #include <QStringList>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -36,9 +37,6 @@
 #include <vector>
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kRadiansPerDegree = kPi / 180.0;
 
 // KDL's own defaults for its Newton-Raphson position solver.
 constexpr unsigned int kKdlMaxIterations = 100;
@@ -65,7 +63,7 @@ std::vector<ZELMathAxis> CourseOverCylinder()
     const double radius = 900.0;
     const ZELMathPoint axisStart(11000.0, 4500.0, -2300.0);
     const double length = 2500.0;
-    const double sweep = 100.0 * kRadiansPerDegree;
+    const double sweep = qDegreesToRadians(100.0);
     const double spacing = 1.0;
     const double pathLength = std::hypot(length, radius * sweep);
     const int count = int(pathLength / spacing) + 1;

@@ -63,10 +63,15 @@ QString AngleText(double degrees)
     return QString::number(degrees, 'g', 15);
 }
 
+void AddPoint(ZELTPDocumentWriter& writer, const ZELGenPoint& point)
+{
+    writer.AddPoint(point.GetOrigin(), point.GetTravel(), point.GetNormal());
+}
+
 void AddPoints(ZELTPDocumentWriter& writer, const QList<ZELGenPoint>& points)
 {
     for (const ZELGenPoint& point : points)
-        writer.AddPoint(point.GetOrigin(), point.GetTravel(), point.GetNormal());
+        AddPoint(writer, point);
 }
 
 void WriteOffPartTrajectory(ZELTPDocumentWriter& writer, double feedrate, const QList<ZELGenPoint>& points)
@@ -250,16 +255,16 @@ void ZELGenToolpathGenerator::WriteTowTrajectory(ZELTPDocumentWriter& writer, co
     const double margin = std::min(1.0, spacing / 4.0);
 
     writer.BeginTowTrajectory(kLayingFeedrate, ZELTPDocumentWriter::Tilts(), plan.GetStretchMask(stretch));
-    AddPoints(writer, {plan.GetPoint(from)});
+    AddPoint(writer, plan.GetPoint(from));
     const int first = std::max(0, static_cast<int>(std::floor((from - plan.GetStart()) / spacing)));
     for (int index = first; index < count; ++index) {
         const double along = plan.GetStart() + index * spacing;
         if (along >= to - margin)
             break;
         if (along > from + margin)
-            AddPoints(writer, {plan.GetPoint(along)});
+            AddPoint(writer, plan.GetPoint(along));
     }
-    AddPoints(writer, {plan.GetPoint(to)});
+    AddPoint(writer, plan.GetPoint(to));
     writer.EndTrajectory();
 }
 

@@ -6,11 +6,10 @@
 
 #include <QList>
 
-class ZELKinScript;
-
 class ZELKinCourse;
 class ZELKinCourseLink;
 class ZELKinRollLayupProcedurePrivate;
+class ZELKinScript;
 
 /*!
     The procedure that lays material: its courses (the on-part passes) and

@@ -4,6 +4,7 @@
 #include "zelgenpart.h"
 #include "zelgenpoint.h"
 
+#include <zelsysprogress.h>
 #include <zeltpdocumentwriter.h>
 
 #include <QtMath>
@@ -136,13 +137,16 @@ void ZELGenToolpathGenerator::Write(ZELTPDocumentWriter& writer) const
     writer.BeginProgram(m_settings.name, QStringLiteral("A"));
     // The head starts with the wide roller; each course may need the other.
     const Roller* onHead = &kWideRoller;
+    ZELSysProgress progress(QStringLiteral("Generating the toolpath"), QStringLiteral("courses"),
+                            qint64(m_settings.plyAngles.size()) * m_settings.courses);
     for (int ply = 0; ply < m_settings.plyAngles.size(); ++ply)
-        WriteLayupProcedure(writer, ply, onHead);
+        WriteLayupProcedure(writer, ply, onHead, progress);
     WriteProbingProcedure(writer);
     writer.EndProgram();
 }
 
-void ZELGenToolpathGenerator::WriteLayupProcedure(ZELTPDocumentWriter& writer, int ply, const Roller*& onHead) const
+void ZELGenToolpathGenerator::WriteLayupProcedure(ZELTPDocumentWriter& writer, int ply, const Roller*& onHead,
+                                                  ZELSysProgress& progress) const
 {
     const double angle = m_settings.plyAngles.at(ply);
     const QString signedAngle = (angle > 0.0 ? QStringLiteral("+") : QString()) + AngleText(angle);
@@ -158,7 +162,7 @@ void ZELGenToolpathGenerator::WriteLayupProcedure(ZELTPDocumentWriter& writer, i
     procedure.plies = {{QStringLiteral("P") + AngleText(angle), angle, m_part.GetPropagation()}};
     writer.BeginRollLayupProcedure(procedure);
     WriteLinks(writer, ply, onHead);
-    WriteCourses(writer, ply);
+    WriteCourses(writer, ply, progress);
     writer.EndRollLayupProcedure();
 }
 
@@ -208,7 +212,7 @@ void ZELGenToolpathGenerator::WriteLinks(ZELTPDocumentWriter& writer, int ply, c
     writer.EndLinks();
 }
 
-void ZELGenToolpathGenerator::WriteCourses(ZELTPDocumentWriter& writer, int ply) const
+void ZELGenToolpathGenerator::WriteCourses(ZELTPDocumentWriter& writer, int ply, ZELSysProgress& progress) const
 {
     writer.BeginCourses();
     int number = 0;
@@ -216,6 +220,7 @@ void ZELGenToolpathGenerator::WriteCourses(ZELTPDocumentWriter& writer, int ply)
         const ZELGenCoursePlan plan = PlanCourse(ply, course);
         if (!plan.IsEmpty())
             WriteCourse(writer, plan, GetRoller(ply, course), ++number);
+        progress.Advance(1);
     }
     writer.EndCourses();
 }

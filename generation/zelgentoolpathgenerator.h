@@ -12,6 +12,7 @@
 class ZELGenCoursePlan;
 class ZELTPDocumentWriter;
 class ZELGenPart;
+class ZELSysProgress;
 
 /*!
     Makes a fibre placement toolpath program for a part on the example gantry
@@ -60,8 +61,9 @@ public:
     //! `part` is not owned and must outlive the generator.
     ZELGenToolpathGenerator(const ZELGenPart& part, const Settings& settings);
 
-    //! Writes the whole program as one document. Throws what the writer
-    //! throws when its device refuses the text.
+    //! Writes the whole program as one document, counting the courses
+    //! planned as "Generating the toolpath" (ZELSysProgress). Throws what
+    //! the writer throws when its device refuses the text.
     void Write(ZELTPDocumentWriter& writer) const;
 
 private:
@@ -73,9 +75,10 @@ private:
         int towCount;
     };
 
-    void WriteLayupProcedure(ZELTPDocumentWriter& writer, int ply, const Roller*& onHead) const;
+    void WriteLayupProcedure(ZELTPDocumentWriter& writer, int ply, const Roller*& onHead,
+                             ZELSysProgress& progress) const;
     void WriteLinks(ZELTPDocumentWriter& writer, int ply, const Roller*& onHead) const;
-    void WriteCourses(ZELTPDocumentWriter& writer, int ply) const;
+    void WriteCourses(ZELTPDocumentWriter& writer, int ply, ZELSysProgress& progress) const;
     void WriteCourse(ZELTPDocumentWriter& writer, const ZELGenCoursePlan& plan, const Roller& roller, int number) const;
     void WriteTowTrajectory(ZELTPDocumentWriter& writer, const ZELGenCoursePlan& plan, int stretch) const;
     void WriteProbingProcedure(ZELTPDocumentWriter& writer) const;

@@ -6,11 +6,14 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
@@ -18,6 +21,10 @@ namespace {
 const QString ErrorKind = QStringLiteral("error");
 
 bool errorReported = false;
+// Lines reach stderr from the libraries' threads and the progress display's.
+std::mutex errorStreamMutex;
+// The status line on the terminal, empty while none is shown.
+QString statusLine;
 // The system's reason for the last failed write of Print; 0 while none failed.
 int printError = 0;
 
@@ -43,6 +50,7 @@ void HandleQtMessage(QtMsgType type, const QMessageLogContext&, const QString& m
     ZELKinConsole::Diagnose(KindOf(type), message);
     if (type != QtFatalMsg)
         return;
+    ZELKinConsole::ShowStatus(QString());
     // Returning would let Qt abort. _Exit skips the destructors of objects a
     // half-built machine may have left inconsistent; stdout must be flushed
     // by hand, since _Exit does not.
@@ -58,11 +66,56 @@ void ZELKinConsole::Print(const QString& text)
         printError = errno;
 }
 
+namespace {
+
+// "\r" goes back to the line's start and "ESC [ K" clears it to its end:
+// what every terminal emulator in use understands.
+const char* const ClearTerminalLine = "\r\x1b[K";
+
+int TerminalColumns()
+{
+    winsize size{};
+    if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        return size.ws_col;
+    return 80;
+}
+
+void WriteToErrorStream(const QString& line)
+{
+    std::lock_guard<std::mutex> lock(errorStreamMutex);
+    if (!statusLine.isEmpty())
+        std::fputs(ClearTerminalLine, stderr);
+    std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stderr);
+    if (!statusLine.isEmpty())
+        std::fputs(statusLine.toUtf8().constData(), stderr);
+    std::fflush(stderr);
+}
+
+} // namespace
+
 void ZELKinConsole::Diagnose(const QString& kind, const QString& message)
 {
     errorReported = errorReported || kind == ErrorKind;
-    const QString line = QStringLiteral("zelkin: %1: %2\n").arg(kind, message);
-    std::fputs(line.toUtf8().constData(), stderr);
+    WriteToErrorStream(QStringLiteral("zelkin: %1: %2").arg(kind, message));
+}
+
+void ZELKinConsole::Report(const QString& line)
+{
+    WriteToErrorStream(line);
+}
+
+void ZELKinConsole::ShowStatus(const QString& line)
+{
+    // A line wider than the terminal would wrap, and the carriage return
+    // would then redraw only its last row.
+    const QString shown = line.left(std::max(1, TerminalColumns() - 1));
+    std::lock_guard<std::mutex> lock(errorStreamMutex);
+    if (shown == statusLine)
+        return;
+    std::fputs(ClearTerminalLine, stderr);
+    std::fputs(shown.toUtf8().constData(), stderr);
+    std::fflush(stderr);
+    statusLine = shown;
 }
 
 bool ZELKinConsole::HasReportedError()

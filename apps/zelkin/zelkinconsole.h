@@ -15,6 +15,15 @@ void Print(const QString& text);
 
 //! Writes "zelkin: <kind>: <message>" and a line break to stderr.
 void Diagnose(const QString& kind, const QString& message);
+//! Writes `line` and a line break to stderr: a progress line of the tool or
+//! of the libraries. The status line, when one is shown, is taken away
+//! first and shown again after it.
+void Report(const QString& line);
+//! Shows `line` as the one status line at the foot of a terminal on stderr,
+//! in place of the one before; an empty line takes it away. Only for a
+//! stderr that is a terminal: the line is redrawn with a carriage return.
+void ShowStatus(const QString& line);
+
 //! Whether a diagnostic of the kind "error" was written.
 bool HasReportedError();
 

@@ -1,13 +1,18 @@
 #include "zelkingeneratetoolpathcommand.h"
 
 #include "zelkinarguments.h"
+#include "zelkinconsole.h"
 #include "zelkinoutputfile.h"
+#include "zelkinprogressdisplay.h"
+#include "zelkinunits.h"
 
 #include <zelgenpart.h>
 #include <zelgentoolpathgenerator.h>
 #include <zelsysexception.h>
 #include <zeltpdocumentwriter.h>
 #include <zeltpfilename.h>
+
+#include <QFileInfo>
 
 #include <memory>
 
@@ -31,7 +36,8 @@ QList<QCommandLineOption> GetOptions()
             QCommandLineOption(CoursesOption, QString(), QStringLiteral("count")),
             QCommandLineOption(PointsOption, QString(), QStringLiteral("count")),
             QCommandLineOption(NameOption, QString(), QStringLiteral("name")),
-            QCommandLineOption({OutputOption, QStringLiteral("output")}, QString(), QStringLiteral("file"))};
+            QCommandLineOption({OutputOption, QStringLiteral("output")}, QString(), QStringLiteral("file")),
+            QCommandLineOption(ZELKinProgressDisplay::QuietOption)};
 }
 
 // The command's options read and checked, each refused with a usage error
@@ -46,6 +52,8 @@ public:
         m_parsed.RequireAtMostPositionals(0);
         m_parsed.RequirePaths({OutputOption});
     }
+
+    bool IsQuiet() const { return m_parsed.IsSet(ZELKinProgressDisplay::QuietOption); }
 
     QString GetRequired(const QString& option, const QString& what) const
     {
@@ -114,6 +122,16 @@ private:
     ZELKinArguments m_parsed;
 };
 
+// "Wrote T.json: 3 procedures, 16 courses, 14 links, 1 234 points, 456 789 bytes".
+QString DescribeWritten(const QString& path, const ZELTPDocumentWriter::Counts& counts)
+{
+    using ZELKinUnits::Grouped;
+    // One arg() call: a path that holds "%2" stays as it is.
+    return QStringLiteral("Wrote %1: %2 procedures, %3 courses, %4 links, %5 points, %6 bytes\n")
+        .arg(path, QString::number(counts.procedures), Grouped(counts.courses), Grouped(counts.links),
+             Grouped(counts.points), Grouped(QFileInfo(path).size()));
+}
+
 } // namespace
 
 QString ZELKinGenerateToolpathCommand::GetName() const
@@ -129,7 +147,7 @@ QString ZELKinGenerateToolpathCommand::GetSummary() const
 QString ZELKinGenerateToolpathCommand::GetSynopsis() const
 {
     return QStringLiteral("--part flat|cylinder|dome --plies A,B,... [--courses N] [--points-per-course M]\n"
-                          "       [--name NAME] -o FILE.json");
+                          "       [--name NAME] [--quiet] -o FILE.json");
 }
 
 QString ZELKinGenerateToolpathCommand::GetDescription() const
@@ -157,7 +175,11 @@ QString ZELKinGenerateToolpathCommand::GetDescription() const
         "  --name NAME                the program's name (default: the part's name,\n"
         "                             flat-panel, cylinder-section or dome).\n"
         "  -o, --output FILE.json     the file to write; it is replaced only once the\n"
-        "                             new one is complete.\n");
+        "                             new one is complete.\n"
+        "  --quiet                    Show no progress.\n"
+        "\n"
+        "Ends with one line on standard output: the file, its procedures, courses,\n"
+        "links, points and bytes.\n");
 }
 
 int ZELKinGenerateToolpathCommand::Run(const QStringList& arguments)
@@ -173,9 +195,11 @@ int ZELKinGenerateToolpathCommand::Run(const QStringList& arguments)
     settings.name = reader.GetName(part->GetName());
     const QString path = reader.GetRequired(OutputOption, QStringLiteral("output file (-o FILE.json)"));
 
+    const ZELKinProgressDisplay display(ZELKinProgressDisplay::ChooseMode(reader.IsQuiet()));
     ZELKinOutputFile file(path);
     ZELTPDocumentWriter writer(file.GetDevice(), path);
     ZELGenToolpathGenerator(*part, settings).Write(writer);
     file.Commit();
+    ZELKinConsole::Print(DescribeWritten(path, writer.GetCounts()));
     return ZELKinExitStatus::Success;
 }

@@ -5,6 +5,8 @@
 #include "zelkinconsole.h"
 #include "zelkinoutputfile.h"
 #include "zelkinpositioncsv.h"
+#include "zelkinpostsummary.h"
+#include "zelkinprogressdisplay.h"
 #include "zelkintranslationjob.h"
 
 #include <zelkinprogram.h>
@@ -119,6 +121,27 @@ private:
     bool m_ok = true;
 };
 
+// The files the post wrote, in the order the folder lists them: for
+// ONEPLY the one ply file of its own folder, which holds the files of
+// earlier single-ply posts too.
+QStringList FilesIn(const QString& folder)
+{
+    QStringList files;
+    const QDir directory(folder);
+    for (const QString& name : directory.entryList(QDir::Files, QDir::Name))
+        files.append(directory.filePath(name));
+    return files;
+}
+
+QString Summarize(const ZELKinPostSummary& summary, const QString& output, const QString& ply, const QString& name)
+{
+    if (ply == SinglePly)
+        return summary.DescribeFiles(FilesIn(QDir(output + QStringLiteral("_procedures")).filePath(name)));
+    if (!ReplacesAFolder(output, ply))
+        return summary.Describe({WrittenFile(output)}, WrittenFile(output));
+    return summary.Describe(FilesIn(QDir(output).filePath(name)), output);
+}
+
 } // namespace
 
 QString ZELKinPostCommand::GetName() const
@@ -135,15 +158,19 @@ QString ZELKinPostCommand::GetSynopsis() const
 {
     return QStringLiteral("--machine M.xml --toolpath T.json --output PATH [--format NAME]\n"
                           "                    [--options TEXT] [--ply-to-process TEXT] [--debug-path DIR]\n"
-                          "                    [--trace FILE.csv] [--keep-going]");
+                          "                    [--trace FILE.csv] [--keep-going] [--quiet]");
 }
 
 QString ZELKinPostCommand::GetDescription() const
 {
     return QStringLiteral(
         "Loads the machine description M.xml and the toolpath file T.json, translates\n"
-        "and solves the toolpath for the machine, and writes the NC files, printing\n"
-        "the library's progress lines.\n"
+        "and solves the toolpath for the machine, and writes the NC files. Progress\n"
+        "goes to standard error: on a terminal one status line (phase, ply, percent,\n"
+        "rate, time left), elsewhere a line every few seconds. Standard output gets\n"
+        "the program's name, then, once the files are written, each file with its\n"
+        "size and per ply the courses, positions and laid length, read back from\n"
+        "the files.\n"
         "\n"
         "Before anything is written, the solved program is checked: a layup procedure\n"
         "that could not be solved, a position without axis values and a position\n"
@@ -179,6 +206,7 @@ QString ZELKinPostCommand::GetDescription() const
         "                         names them).\n"
         "  --keep-going           When the check finds problems, write the procedures\n"
         "                         that have none, and still exit with status 3.\n"
+        "  --quiet                Show no progress.\n"
         "\n"
         "Dates in the files come from SOURCE_DATE_EPOCH when it is set.\n");
 }
@@ -195,7 +223,8 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
                                   QCommandLineOption(PlyOption, QString(), valueName),
                                   QCommandLineOption(DebugPathOption, QString(), valueName),
                                   QCommandLineOption(TraceOption, QString(), valueName),
-                                  QCommandLineOption(KeepGoingOption)});
+                                  QCommandLineOption(KeepGoingOption),
+                                  QCommandLineOption(ZELKinProgressDisplay::QuietOption)});
     parsed.RequireAtMostPositionals(0);
     const QString format = FormatOf(parsed, GetName());
     const QString output = parsed.GetRequiredValue(OutputOption);
@@ -205,6 +234,8 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     parsed.RequirePaths(inputs + QStringList{OutputOption, DebugPathOption, TraceOption});
     parsed.RequireNotAnInput(OutputOption, WrittenFile(output), inputs);
     parsed.RequireNotAnInput(TraceOption, parsed.GetValue(TraceOption), inputs);
+    const ZELKinProgressDisplay display(
+        ZELKinProgressDisplay::ChooseMode(parsed.IsSet(ZELKinProgressDisplay::QuietOption)));
     // Kept from the start, so that a post that fails leaves as quickly as
     // one that writes.
     ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(
@@ -225,8 +256,11 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
             trace->Trace(file, line, position);
         });
     }
-    // Progress lines that were lost (a full disk, a closed stdout) fail the
-    // post while it has written nothing yet.
+    // The summary's first line goes out before anything is written: a
+    // standard output that loses it (a full disk) fails the post while it
+    // has written nothing yet.
+    ZELKinConsole::Print(QStringLiteral("Program %1, revision %2\n")
+                             .arg(job.GetProgram()->GetOriginalFileName(), job.GetProgram()->GetRevisionNumber()));
     ZELKinConsole::FlushStandardOutput();
     writer.Write(output, format, options);
     if (writer.IsChosenPlyMissing())
@@ -234,6 +268,8 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
                                              "nothing was written"));
     if (trace)
         trace->Commit();
+    ZELKinConsole::Print(Summarize(ZELKinPostSummary(*job.GetMachine(), *job.GetProgram()), output, ply,
+                                   job.GetProgram()->GetOriginalFileName()));
     job.ThrowIfIncomplete();
     return ZELKinExitStatus::Success;
 }

@@ -4,6 +4,7 @@
 #include "zelkinconsole.h"
 #include "zelkinoutputfile.h"
 #include "zelkinpositioncsv.h"
+#include "zelkinprogressdisplay.h"
 #include "zelkintranslationjob.h"
 
 #include <zelkinprogram.h>
@@ -34,7 +35,7 @@ QString ZELKinSolveCommand::GetSummary() const
 
 QString ZELKinSolveCommand::GetSynopsis() const
 {
-    return QStringLiteral("--machine M.xml --toolpath T.json [--csv FILE] [--keep-going]");
+    return QStringLiteral("--machine M.xml --toolpath T.json [--csv FILE] [--keep-going] [--quiet]");
 }
 
 QString ZELKinSolveCommand::GetDescription() const
@@ -42,7 +43,7 @@ QString ZELKinSolveCommand::GetDescription() const
     return QStringLiteral(
         "Loads the machine description M.xml and the toolpath file T.json, translates\n"
         "the toolpath into a program for that machine and solves its kinematics, as\n"
-        "'zelkin post' does, printing the library's progress lines. Then writes the\n"
+        "'zelkin post' does, showing its progress on standard error. Then writes the\n"
         "axis values of every position as CSV: procedure, script, index, and one column\n"
         "per machine variable (linear axes in mm, rotary axes in degrees).\n"
         "\n"
@@ -53,17 +54,15 @@ QString ZELKinSolveCommand::GetDescription() const
         "Options:\n"
         "  --machine M.xml   The machine description.\n"
         "  --toolpath T.json The toolpath file.\n"
-        "  --csv FILE        Write the CSV to FILE instead of after the progress lines\n"
-        "                    on standard output.\n"
+        "  --csv FILE        Write the CSV to FILE instead of standard output.\n"
         "  --keep-going      When the check finds problems, write the procedures that\n"
-        "                    have none, and still exit with status 3.\n");
+        "                    have none, and still exit with status 3.\n"
+        "  --quiet           Show no progress.\n");
 }
 
 void ZELKinSolveCommand::WriteCsv(const ZELKinProgram& program, const ZELKinArguments& parsed)
 {
     if (parsed.IsSet(CsvOption)) {
-        // Progress lines that were lost fail the command before it writes.
-        ZELKinConsole::FlushStandardOutput();
         ZELKinOutputFile csv(parsed.GetValue(CsvOption));
         if (!ZELKinPositionCsv::Write(program, csv.GetDevice()))
             csv.ThrowWriteError();
@@ -84,10 +83,13 @@ int ZELKinSolveCommand::Run(const QStringList& arguments)
                                  {QCommandLineOption(MachineOption, QString(), QStringLiteral("M.xml")),
                                   QCommandLineOption(ToolpathOption, QString(), QStringLiteral("T.json")),
                                   QCommandLineOption(CsvOption, QString(), QStringLiteral("FILE")),
-                                  QCommandLineOption(KeepGoingOption)});
+                                  QCommandLineOption(KeepGoingOption),
+                                  QCommandLineOption(ZELKinProgressDisplay::QuietOption)});
     parsed.RequireAtMostPositionals(0);
     parsed.RequirePaths({MachineOption, ToolpathOption, CsvOption});
     parsed.RequireNotAnInput(CsvOption, parsed.GetValue(CsvOption), {MachineOption, ToolpathOption});
+    const ZELKinProgressDisplay display(
+        ZELKinProgressDisplay::ChooseMode(parsed.IsSet(ZELKinProgressDisplay::QuietOption)));
     ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(std::make_unique<ZELKinTranslationJob>(
         ZELKinTranslationJob::Input{parsed.GetRequiredValue(MachineOption), parsed.GetRequiredValue(ToolpathOption),
                                     QString()}));

@@ -10,6 +10,7 @@
 #include <zelkinsolver.h>
 #include <zelkintranslator.h>
 #include <zelsysexception.h>
+#include <zelsysprogress.h>
 #include <zeltpcourselink.h>
 #include <zeltpprocedure.h>
 #include <zeltpprogram.h>
@@ -126,7 +127,10 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
     , m_solver(CreateSolver(*m_machine))
 {
     RequireMemoryFor(input.toolpathPath);
-    const ZELTPProgram* toolpath = ZELTPProgramReader(&m_container).Read(input.toolpathPath, GetMaximumToolpathBytes());
+    const ZELTPProgram* toolpath = [&] {
+        const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
+        return ZELTPProgramReader(&m_container).Read(input.toolpathPath, GetMaximumToolpathBytes());
+    }();
     WarnOfAnotherTowWidth(*toolpath, *m_machine);
     m_solver->SetDebugPath(input.debugPath);
 
@@ -138,6 +142,7 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
     m_program = translator.Translate(toolpath);
     m_program->SetOriginalFileName(toolpath->GetName());
     m_program->SetRevisionNumber(toolpath->GetRevision());
+    const ZELSysProgress checking(QStringLiteral("Checking the solved program"), QString(), 0);
     ZELKinProgramCheck check(m_solver.get());
     check.SetThreadCount(QThread::idealThreadCount());
     m_findings = check.Check(m_program, translator.GetOmissions());

@@ -9,6 +9,7 @@
 #include <zelgeocontainer.h>
 #include <zelkinafpmachine.h>
 #include <zelkinncreplay.h>
+#include <zelsysprogress.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramreader.h>
 
@@ -124,8 +125,10 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
     // The toolpath and the posted NC are held whole: no more of either than
     // a post on this machine could take.
     const qint64 maximumBytes = ZELKinTranslationJob::GetMaximumToolpathBytes();
-    const ZELTPProgram* toolpath
-        = ReadInput([&] { return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath, maximumBytes); });
+    const ZELTPProgram* toolpath = ReadInput([&] {
+        const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
+        return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath, maximumBytes);
+    });
     ZELKinNCReplay replay(*m_machine);
     replay.SetMaximumLength(maximumBytes);
     const ZELKinNCProgram nc = ReadInput([&] { return replay.Read(input.ncPath); });

@@ -10,6 +10,8 @@
 #include "zelkinrolllayupprocedure.h"
 #include "zelkintowcourse.h"
 
+#include <zelsysprogress.h>
+
 #include <limits>
 
 namespace {
@@ -32,10 +34,21 @@ ZELKinNCStream::Fixed Inches(double millimetres)
 } // namespace
 
 ZELKinAFPGCodePly::ZELKinAFPGCodePly(const ZELKinRollLayupProcedure* procedure,
-                                     const ZELKinAFPGCodeTowEvents::PinchSplitting& splitting)
+                                     const ZELKinAFPGCodeTowEvents::PinchSplitting& splitting, ZELSysProgress* progress)
     : procedure(procedure)
     , splitting(splitting)
+    , progress(progress)
 {
+}
+
+qint64 ZELKinAFPGCodePly::CountCoursePositions(const ZELKinRollLayupProcedure* procedure)
+{
+    qint64 positions = 0;
+    for (const ZELKinCourse* course : procedure->GetCourses()) {
+        if (qobject_cast<const ZELKinTowCourse*>(course))
+            positions += course->GetNumPositions();
+    }
+    return positions;
 }
 
 void ZELKinAFPGCodePly::Write(ZELKinNCStream& out) const
@@ -118,8 +131,12 @@ void ZELKinAFPGCodePly::WriteCourses(ZELKinNCStream& out) const
     const ZELKinAFPGCodeCourse courseWriter(machine, procedure, splitting);
     const QList<ZELKinCourse*> courses = procedure->GetCourses();
     for (int i = 0; i < courses.size(); ++i) {
-        if (auto* course = qobject_cast<ZELKinTowCourse*>(courses.at(i)))
-            courseWriter.Write(out, course, i);
+        auto* course = qobject_cast<ZELKinTowCourse*>(courses.at(i));
+        if (!course)
+            continue;
+        courseWriter.Write(out, course, i);
+        if (progress)
+            progress->Advance(course->GetNumPositions());
     }
 }
 

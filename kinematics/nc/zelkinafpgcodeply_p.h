@@ -5,6 +5,7 @@
 
 class ZELKinNCStream;
 class ZELKinRollLayupProcedure;
+class ZELSysProgress;
 
 /*!
     The ply file (".PPF", or a ply section of a bundle) of one roll layup
@@ -20,8 +21,13 @@ class ZELKinRollLayupProcedure;
 class ZELKinAFPGCodePly
 {
 public:
+    //! Counts the positions of each course written in `progress` (not
+    //! owned) unless it is null.
     ZELKinAFPGCodePly(const ZELKinRollLayupProcedure* procedure,
-                      const ZELKinAFPGCodeTowEvents::PinchSplitting& splitting);
+                      const ZELKinAFPGCodeTowEvents::PinchSplitting& splitting, ZELSysProgress* progress);
+
+    //! The positions of the procedure's tow courses: what writing it counts.
+    static qint64 CountCoursePositions(const ZELKinRollLayupProcedure* procedure);
 
     void Write(ZELKinNCStream& out) const;
 
@@ -34,6 +40,7 @@ private:
 
     const ZELKinRollLayupProcedure* const procedure;
     const ZELKinAFPGCodeTowEvents::PinchSplitting splitting;
+    ZELSysProgress* const progress;
 };
 
 #endif // ZELKINAFPGCODEPLY_P_H

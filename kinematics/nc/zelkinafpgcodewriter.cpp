@@ -13,12 +13,14 @@
 #include "zelkinstagingfolder_p.h"
 
 #include <zelsysexception.h>
+#include <zelsysprogress.h>
 #include <zeltpprocedure.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QScopedValueRollback>
 #include <QTextStream>
 #include <QtDebug>
 
@@ -106,6 +108,14 @@ QString SectionMarker(const QString& fileName)
 }
 
 // The procedures that are still there, in program order.
+qint64 PositionsToWrite(const ZELKinProgram* program)
+{
+    qint64 positions = 0;
+    for (const ZELKinRollLayupProcedure* procedure : ZELKinAFPGCodePlies::RollLayupProceduresOf(program))
+        positions += ZELKinAFPGCodePly::CountCoursePositions(procedure);
+    return positions;
+}
+
 QList<const ZELKinProcedure*> LiveProceduresOf(const ZELKinProgram* program)
 {
     QList<const ZELKinProcedure*> procedures;
@@ -160,6 +170,11 @@ void ZELKinAFPGCodeWriter::Write(ZELKinProgram* program) const
 {
     ZELKinNCTextCheck::Check(program);
     ZELKinAFPGCodePlies::Number(program);
+    // Which ply the single-ply mode writes is not known yet: its count
+    // has no total.
+    ZELSysProgress counting(tr("Writing the NC"), tr("positions"),
+                            plyToProcess == kSinglePly ? 0 : PositionsToWrite(program));
+    const QScopedValueRollback<ZELSysProgress*> counted(progress, &counting);
     try {
         if (plyToProcess == kSinglePly)
             WriteSinglePly(program);
@@ -168,6 +183,8 @@ void ZELKinAFPGCodeWriter::Write(ZELKinProgram* program) const
         else
             WriteDirectory(program);
     } catch (const WriteFailure& failure) {
+        if (fileErrorMode == ZELKinWriter::FileErrorThrows)
+            throw ZELSysException(failure.message);
         Fatal(failure.message);
     }
 }
@@ -357,10 +374,13 @@ void ZELKinAFPGCodeWriter::WriteFile(const OutputFile& target, const QString& fa
         Fail(WithReason(failure.arg(InLatin1(fileName)), file.errorString()));
 }
 
-void ZELKinAFPGCodeWriter::PrintProgress(const ZELKinProcedure* procedure)
+void ZELKinAFPGCodeWriter::PrintProgress(const ZELKinProcedure* procedure) const
 {
     const ZELTPProcedure* source = procedure->GetToolPathProcedure();
-    PrintTo(stdout, QStringLiteral("  Writing ") + (source ? source->GetName() : QString()) + QLatin1Char('\n'));
+    const QString name = source ? source->GetName() : QString();
+    ZELSysProgress::WriteLine(QStringLiteral("  Writing ") + name);
+    if (progress)
+        progress->SetItem(name);
 }
 
 ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::ProgramSetText(const ZELKinProgram* program) const
@@ -370,7 +390,7 @@ ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::ProgramSetText(const ZELK
 
 ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::PlyText(const ZELKinRollLayupProcedure* procedure) const
 {
-    return [this, procedure](ZELKinNCStream& out) { ZELKinAFPGCodePly(procedure, splitting).Write(out); };
+    return [this, procedure](ZELKinNCStream& out) { ZELKinAFPGCodePly(procedure, splitting, progress).Write(out); };
 }
 
 ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::ProbingText(const ZELKinProbeProcedure* probe) const

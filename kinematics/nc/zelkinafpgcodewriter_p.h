@@ -15,6 +15,7 @@ class ZELKinProbeProcedure;
 class ZELKinProcedure;
 class ZELKinProgram;
 class ZELKinRollLayupProcedure;
+class ZELSysProgress;
 
 /*!
     Writes a program in the "AFPGCode" dialect: the program-set
@@ -68,6 +69,7 @@ public:
     void SetCurrentDateTime(const QDateTime& now);
     //! As ZELKinWriter::SetLineTrace.
     void SetLineTrace(ZELKinWriter::LineTrace trace);
+    void SetFileErrorMode(ZELKinWriter::FileErrorMode mode) { fileErrorMode = mode; }
 
     void Write(ZELKinProgram* program) const;
     //! Whether the last Write, in single-ply mode, was given a ply number
@@ -102,7 +104,7 @@ private:
     //! Writes the file in full through `write`, then puts it in place.
     //! `failure` is the fatal message, "%1" standing for the file name.
     void WriteFile(const OutputFile& target, const QString& failure, const TextWriter& write) const;
-    static void PrintProgress(const ZELKinProcedure* procedure);
+    void PrintProgress(const ZELKinProcedure* procedure) const;
 
     TextWriter ProgramSetText(const ZELKinProgram* program) const;
     TextWriter PlyText(const ZELKinRollLayupProcedure* procedure) const;
@@ -114,8 +116,11 @@ private:
     QString plyToProcess;
     QDateTime now;
     ZELKinWriter::LineTrace lineTrace;
+    ZELKinWriter::FileErrorMode fileErrorMode = ZELKinWriter::FileErrorEndsProcess;
     //! Set by the write itself, which changes nothing else of the writer.
     mutable bool chosenPlyMissing = false;
+    //! The write's count of positions, while it runs.
+    mutable ZELSysProgress* progress = nullptr;
 };
 
 #endif // ZELKINAFPGCODEWRITER_P_H

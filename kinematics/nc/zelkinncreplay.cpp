@@ -8,14 +8,19 @@
 #include <zelkinafpmachine.h>
 #include <zelkinvariable.h>
 #include <zelsysexception.h>
+#include <zelsysprogress.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QThread>
 #include <QtMath>
 
 #include <algorithm>
+#include <atomic>
+#include <future>
+#include <vector>
 
 namespace {
 
@@ -97,6 +102,9 @@ const QRegularExpression
                   + QStringLiteral("(.*)")
                   + QRegularExpression::escape(QLatin1String(ZELKinAFPGCodeTexts::SectionNameEnd)) + QLatin1Char('$'));
 
+// Lines are counted for the progress in chunks, not one by one.
+constexpr int kLinesCountedAtOnce = 8192;
+
 } // namespace
 
 ZELKinNCReplayPrivate::ZELKinNCReplayPrivate(ZELKinNCReplay* q, const ZELKinAFPMachine& machine)
@@ -143,14 +151,43 @@ QList<ZELKinNCReplayPrivate::Section> ZELKinNCReplayPrivate::ReadSections(const 
     return sections;
 }
 
-ZELKinNCPlyFile ZELKinNCReplayPrivate::ReplayPly(const Section& section) const
+// Plies are independent: each is replayed on a thread of its own, as many
+// at once as the machine has cores.
+QList<ZELKinNCPlyFile> ZELKinNCReplayPrivate::ReplayPlies(const QList<const Section*>& sections) const
+{
+    qint64 lines = 0;
+    for (const Section* section : sections)
+        lines += section->lines.size();
+    ZELSysProgress progress(QStringLiteral("Replaying the NC"), QStringLiteral("lines"), lines);
+    QList<ZELKinNCPlyFile> plies(sections.size());
+    std::atomic<qsizetype> next{0};
+    const auto replayNext = [&] {
+        for (qsizetype i = next++; i < sections.size(); i = next++)
+            plies[i] = ReplayPly(*sections.at(i), progress);
+    };
+    const int threads = int(std::min<qsizetype>(std::max(1, QThread::idealThreadCount()), sections.size()));
+    std::vector<std::future<void>> running;
+    for (int t = 1; t < threads; ++t)
+        running.push_back(std::async(std::launch::async, replayNext));
+    replayNext();
+    for (std::future<void>& thread : running)
+        thread.get();
+    return plies;
+}
+
+ZELKinNCPlyFile ZELKinNCReplayPrivate::ReplayPly(const Section& section, ZELSysProgress& progress) const
 {
     ZELKinNCPlyFile ply;
     ply.path = section.path;
     ply.name = section.name;
+    progress.SetItem(section.name);
     ZELKinNCPlyRun run(ply, labels, scales);
-    for (int i = 0; i < section.lines.size(); ++i)
+    for (int i = 0; i < section.lines.size(); ++i) {
         run.Run(section.firstLine + unsigned(i + 1), section.lines.at(i));
+        if ((i + 1) % kLinesCountedAtOnce == 0)
+            progress.Advance(kLinesCountedAtOnce);
+    }
+    progress.Advance(section.lines.size() % kLinesCountedAtOnce);
     run.Finish();
     return ply;
 }
@@ -177,7 +214,10 @@ ZELKinNCProgram ZELKinNCReplay::Read(const QString& path) const
 {
     Q_D(const ZELKinNCReplay);
     using Section = ZELKinNCReplayPrivate::Section;
-    const QList<Section> sections = d->ReadSections(path);
+    const QList<Section> sections = [&] {
+        const ZELSysProgress reading(QStringLiteral("Reading the NC"), QString(), 0);
+        return d->ReadSections(path);
+    }();
     QList<const Section*> programSets;
     for (const Section& section : sections) {
         if (section.name.endsWith(kProgramSetSuffix))
@@ -202,21 +242,23 @@ ZELKinNCProgram ZELKinNCReplay::Read(const QString& path) const
             procedures.insert(ply.captured(1), ply.captured(2));
     }
 
+    QList<const Section*> plySections;
     for (const Section& section : sections) {
         const QRegularExpressionMatch number = kPlyFileName.match(section.name);
         if (!number.hasMatch())
             continue;
-        if (!procedures.contains(number.captured(1))) {
-            program.irregularities.append(
-                ZELKinNCIrregularity{QStringLiteral("program"), section.path, section.firstLine, 0, section.name,
-                                     QStringLiteral("the program-set file does not list ply %1 (%2)")
-                                         .arg(number.captured(1), section.name)});
+        if (procedures.contains(number.captured(1))) {
+            plySections.append(&section);
             continue;
         }
-        ZELKinNCPlyFile ply = d->ReplayPly(section);
-        ply.plyNumber = number.captured(1);
+        program.irregularities.append(ZELKinNCIrregularity{
+            QStringLiteral("program"), section.path, section.firstLine, 0, section.name,
+            QStringLiteral("the program-set file does not list ply %1 (%2)").arg(number.captured(1), section.name)});
+    }
+    program.plies = d->ReplayPlies(plySections);
+    for (ZELKinNCPlyFile& ply : program.plies) {
+        ply.plyNumber = kPlyFileName.match(ply.name).captured(1);
         ply.procedure = procedures.value(ply.plyNumber);
-        program.plies.append(ply);
     }
     std::sort(program.plies.begin(), program.plies.end(),
               [](const ZELKinNCPlyFile& a, const ZELKinNCPlyFile& b) { return a.plyNumber < b.plyNumber; });

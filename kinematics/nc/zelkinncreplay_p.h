@@ -10,6 +10,8 @@
 
 #include <limits>
 
+class ZELSysProgress;
+
 class ZELKinNCReplayPrivate
 {
     Q_DECLARE_PUBLIC(ZELKinNCReplay)
@@ -29,7 +31,10 @@ public:
     };
 
     QList<Section> ReadSections(const QString& path) const;
-    ZELKinNCPlyFile ReplayPly(const Section& section) const;
+    //! The plies of `sections`, in their order, replayed side by side.
+    QList<ZELKinNCPlyFile> ReplayPlies(const QList<const Section*>& sections) const;
+    //! Counts the section's lines in `progress` as they are run.
+    ZELKinNCPlyFile ReplayPly(const Section& section, ZELSysProgress& progress) const;
 
     ZELKinNCReplay* const q_ptr;
     //! Per machine variable, in the machine's order: its address and the

@@ -133,6 +133,12 @@ void ZELKinWriter::SetLineTrace(LineTrace trace)
     d->lineTrace = std::move(trace);
 }
 
+void ZELKinWriter::SetFileErrorMode(FileErrorMode mode)
+{
+    Q_D(ZELKinWriter);
+    d->fileErrorMode = mode;
+}
+
 void ZELKinWriter::Write(const QString& path, const QString& format, const QString& options)
 {
     Q_D(ZELKinWriter);
@@ -153,6 +159,7 @@ void ZELKinWriter::Write(const QString& path, const QString& format, const QStri
     if (!d->currentDateTime.isNull())
         writer.SetCurrentDateTime(d->currentDateTime);
     writer.SetLineTrace(d->lineTrace);
+    writer.SetFileErrorMode(d->fileErrorMode);
     writer.Write(d->program);
     d->chosenPlyMissing = writer.IsChosenPlyMissing();
 }

@@ -25,11 +25,14 @@ class ZELKinWriterPrivate;
     has none gets U values measured along its toolpath points, in mm of
     material from the course start.
 
-    Progress ("  Writing " and the name of each procedure's toolpath
-    procedure) goes to standard output. A folder that cannot be made or a
-    file that cannot be opened or written ends the process through Qt's
-    fatal message handler. No number that is not finite is ever written
-    (see Write).
+    Progress lines ("  Writing " and the name of each procedure's toolpath
+    procedure) go where the libraries' progress lines go (ZELSysProgress:
+    standard output unless the host chose otherwise), and the positions of
+    the courses written are counted there as "Writing the NC". A folder
+    that cannot be made or a file that cannot be opened or written ends the
+    process through Qt's fatal message handler, unless the host chose
+    FileErrorThrows (SetFileErrorMode). No number that is not finite is ever
+    written (see Write).
 */
 class ZELKINEMATICS_EXPORT ZELKinWriter
 {
@@ -67,6 +70,20 @@ public:
     */
     using LineTrace = std::function<void(const QString& file, qint64 line, const ZELKinPosition* position)>;
     void SetLineTrace(LineTrace trace);
+
+    //! What Write does when a folder cannot be made or a file cannot be
+    //! opened, written or put in place.
+    enum FileErrorMode {
+        //! Ends the process through Qt's fatal message handler, with the
+        //! message (the default).
+        FileErrorEndsProcess,
+        //! Throws ZELSysException with the same message, such as "Could not
+        //! open the PPF file for writing at: '<file>': <reason>". What Write
+        //! leaves behind is the same: a folder's files are published whole
+        //! or not at all, and a file that failed stays as it was.
+        FileErrorThrows
+    };
+    void SetFileErrorMode(FileErrorMode mode);
 
     /*!
         Checks an options text for Write before anything is read, so that a
@@ -121,8 +138,8 @@ public:
         stays as it was. The files written before it stay written, and
         nothing after it is written.
 
-        Otherwise nothing of its own is thrown, and the process ends as
-        described above.
+        Otherwise nothing of its own is thrown, and a file error ends the
+        process or throws as SetFileErrorMode chose.
     */
     void Write(const QString& path, const QString& format, const QString& options);
 

@@ -25,6 +25,7 @@ public:
     //! The time the files print; the current time while null.
     QDateTime currentDateTime;
     ZELKinWriter::LineTrace lineTrace;
+    ZELKinWriter::FileErrorMode fileErrorMode = ZELKinWriter::FileErrorEndsProcess;
     bool chosenPlyMissing = false;
 };
 

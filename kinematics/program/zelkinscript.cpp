@@ -38,6 +38,18 @@ ZELKinPosition* ZELKinScript::GetLastPosition() const
     return found;
 }
 
+int ZELKinScript::GetNumPositions() const
+{
+    int positions = 0;
+    VisitCommands(
+        [&positions](ZELKinCommand* command) {
+            positions += qobject_cast<ZELKinPosition*>(command) ? 1 : 0;
+            return true;
+        },
+        WalkOrder::Forward);
+    return positions;
+}
+
 ZELKinPosition* ZELKinScript::GetCorrespondingPosition(const ZELTPPoint* point, int* index) const
 {
     ZELKinPosition* found = nullptr;

@@ -52,6 +52,8 @@ public:
     //! The last command, in index order, that is a position; null if none.
     //! Does not throw.
     ZELKinPosition* GetLastPosition() const;
+    //! How many of the commands are positions. Does not throw.
+    int GetNumPositions() const;
     //! The first position, in index order, whose toolpath point is `point`
     //! (the same object; a null point finds the first position without one).
     //! When one is found and `index` is not null, its flat command index is

@@ -7,6 +7,7 @@
 #include "zelkinposition.h"
 #include "zelkinrolllayupprocedure.h"
 
+#include <zelsysprogress.h>
 #include <zeltpcourselink.h>
 #include <zeltppoint.h>
 
@@ -34,6 +35,7 @@ double Fraction(double arcLength, double pathLength)
 ZELKinPathSolving::ZELKinPathSolving(const ZELKinSolverPrivate& solver, ZELKinRollLayupProcedure* procedure,
                                      const QString& procedureName)
     : solver(*solver.q_ptr)
+    , progress(solver.progress)
     , procedure(procedure)
     , diagnostics(solver.debugPath, procedureName, solver.machine)
 {
@@ -51,10 +53,15 @@ ZELKinSolutionSeries ZELKinPathSolving::Run()
             continue;
         EnterScript(child);
         const int count = child->GetNumCommands();
+        int positions = 0;
         for (int index = 0; index < count; ++index) {
-            if (auto* position = qobject_cast<ZELKinPosition*>(child->GetCommand(index)))
+            if (auto* position = qobject_cast<ZELKinPosition*>(child->GetCommand(index))) {
                 TakePosition(position);
+                ++positions;
+            }
         }
+        if (progress)
+            progress->Advance(positions);
     }
     return Finish();
 }

@@ -17,6 +17,7 @@ class ZELKinPosition;
 class ZELKinRollLayupProcedure;
 class ZELKinScript;
 class ZELKinSolverPrivate;
+class ZELSysProgress;
 
 /*!
     Solves one roll layup procedure into one continuous series of solutions,
@@ -160,6 +161,7 @@ private:
     static int Cheapest(const Costs& costs);
 
     const ZELKinSolver& solver;
+    ZELSysProgress* const progress;
     ZELKinRollLayupProcedure* const procedure;
     ZELKinPathSolvingDiagnostics diagnostics;
 

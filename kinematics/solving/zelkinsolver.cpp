@@ -4,11 +4,11 @@
 #include "zelkinpathsolving_p.h"
 #include "zelkinrolllayupprocedure.h"
 
+#include <zelsysprogress.h>
 #include <zeltpprocedure.h>
 
 #include <QCoreApplication>
 
-#include <cstdio>
 #include <limits>
 
 namespace {
@@ -50,8 +50,7 @@ void ZELKinSolver::PrintProgressLine(const QString& line)
         heldLines->append(line);
         return;
     }
-    std::fputs((line + QLatin1Char('\n')).toUtf8().constData(), stdout);
-    std::fflush(stdout);
+    ZELSysProgress::WriteLine(line);
 }
 
 bool ZELKinSolverPrivate::IsFree(const QList<ZELKinSolution>& candidates)
@@ -107,6 +106,12 @@ void ZELKinSolver::SetDebugPath(const QString& path)
 {
     Q_D(ZELKinSolver);
     d->debugPath = path;
+}
+
+void ZELKinSolver::SetProgress(ZELSysProgress* progress)
+{
+    Q_D(ZELKinSolver);
+    d->progress = progress;
 }
 
 void ZELKinSolver::SetSummaryPath(const QString& path)

@@ -18,6 +18,7 @@
 class ZELKinMachine;
 class ZELKinProcedure;
 class ZELKinSolverPrivate;
+class ZELSysProgress;
 class ZELKinVariable;
 
 /*!
@@ -119,6 +120,10 @@ public:
     //! Folder for summary diagnostics; empty by default. Path solving
     //! writes nothing there.
     void SetSummaryPath(const QString& path);
+    //! Counts the positions Solve(procedure) walks in `progress` (not
+    //! owned; null, the default, for none), a script at a time, from every
+    //! thread that solves.
+    void SetProgress(ZELSysProgress* progress);
 
     /*!
         Solves a whole roll layup procedure into one series of solutions,
@@ -175,9 +180,11 @@ public:
     //! thread since the last call, if any; forgets it.
     static std::optional<FailurePlace> TakeFailure();
 
-    //! Writes `line` and a line end to standard output at once, so that
-    //! progress and failure lines keep their order with other output; on a
-    //! thread that holds its lines back, appends it to them instead.
+    //! Writes `line` where the libraries' progress lines go
+    //! (ZELSysProgress::WriteLine; standard output unless the host chose
+    //! otherwise) at once, so that progress and failure lines keep their
+    //! order with other output; on a thread that holds its lines back,
+    //! appends it to them instead.
     static void PrintProgressLine(const QString& line);
     //! From now on the progress and failure lines of the calling thread go
     //! to `lines`; null prints them again. Procedures solved side by side

@@ -37,6 +37,8 @@ public:
     QString debugPath;
     //! Folder of the summary diagnostics of path solving; none when empty.
     QString summaryPath;
+    //! Counts the positions walked; not owned, null for none.
+    ZELSysProgress* progress = nullptr;
     //! Room for state that path solving might keep between procedures. It
     //! keeps none today (each Solve(procedure) starts from scratch), so the
     //! word stays zero.

@@ -17,15 +17,16 @@
 #include "zelkinvariable.h"
 
 #include <zelsysexception.h>
+#include <zelsysprogress.h>
 #include <zeltpcourselink.h>
 #include <zeltpoffpartpoint.h>
 #include <zeltponparttrajectory.h>
 #include <zeltpprobingprocedure.h>
 #include <zeltpprogram.h>
 #include <zeltprolllayupprocedure.h>
+#include <zeltptext.h>
 #include <zeltptoolchangelink.h>
 #include <zeltptowcourse.h>
-#include <zeltptext.h>
 #include <zeltptowtrajectory.h>
 
 #include <QSet>
@@ -51,6 +52,23 @@ void PrintLine(const QString& line)
 {
     ZELKinSolver::PrintProgressLine(line);
 }
+
+// Counts the solver's positions in a progress for as long as it lives, and
+// no longer: the solver outlives the translation.
+class ProgressOfSolver
+{
+public:
+    ProgressOfSolver(ZELKinSolver* solver, ZELSysProgress* progress)
+        : m_solver(solver)
+    {
+        m_solver->SetProgress(progress);
+    }
+    ~ProgressOfSolver() { m_solver->SetProgress(nullptr); }
+    Q_DISABLE_COPY_MOVE(ProgressOfSolver)
+
+private:
+    ZELKinSolver* const m_solver;
+};
 
 // The NC files print the author in comments and headers: a strange login
 // name is refused here, naming the variable to fix, rather than written.
@@ -403,10 +421,15 @@ void ZELKinTranslatorPrivate::AddProbePositions(ZELKinProbeProcedure* procedure,
 void ZELKinTranslatorPrivate::Solve(ZELKinProgram* program) const
 {
     QList<ZELKinRollLayupProcedure*> layups;
+    qint64 positions = 0;
     for (ZELKinProcedure* procedure : program->GetProcedures()) {
-        if (auto* layup = qobject_cast<ZELKinRollLayupProcedure*>(procedure))
+        if (auto* layup = qobject_cast<ZELKinRollLayupProcedure*>(procedure)) {
             layups.append(layup);
+            positions += layup->GetNumPositions();
+        }
     }
+    ZELSysProgress progress(ZELKinTranslator::tr("Solving kinematics"), ZELKinTranslator::tr("positions"), positions);
+    const ProgressOfSolver counting(solver, &progress);
     if (threadCount <= 1) {
         for (ZELKinRollLayupProcedure* layup : std::as_const(layups))
             Keep(program, SolveInPlace(layup));
@@ -510,8 +533,14 @@ ZELKinProgram* ZELKinTranslator::Translate(const ZELTPProgram* program) const
     result->SetAuthor(author);
     result->SetDate(d->GetProgramDate());
     const int numProcedures = program ? program->GetNumProcedures() : 0;
-    for (int i = 0; i < numProcedures; ++i)
-        d->TranslateProcedure(result, program->GetProcedure(i), i);
+    {
+        ZELSysProgress progress(tr("Translating the program"), tr("procedures"), numProcedures);
+        for (int i = 0; i < numProcedures; ++i) {
+            progress.SetItem(program->GetProcedure(i) ? program->GetProcedure(i)->GetName() : QString());
+            d->TranslateProcedure(result, program->GetProcedure(i), i);
+            progress.Advance(1);
+        }
+    }
     PrintLine(tr("Solving kinematics"));
     d->Solve(result);
     return result;

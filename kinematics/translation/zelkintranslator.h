@@ -25,9 +25,12 @@ class ZELTPProgram;
     creator of program objects, and calls Initialize() on each right after
     building it.
 
-    Progress goes to standard output, in order with what the solver prints
-    there: "Translating the program", then "Solving kinematics", then the
-    solver's own lines; a roll layup procedure for which no continuous
+    Progress lines go where the libraries' progress lines go
+    (ZELSysProgress: standard output unless the host chose otherwise), in
+    order with the solver's: "Translating the program", then "Solving
+    kinematics", then the solver's own lines. The same two stretches of work
+    are counted for ZELSysProgress's step handler, in procedures and in
+    positions. A roll layup procedure for which no continuous
     solution exists is removed from the program (not destroyed) with the
     line "      Could not successfully find a kinematics solution for
     procedure <name>. It will be omitted from the program.", <name> being

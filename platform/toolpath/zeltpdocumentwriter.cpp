@@ -163,6 +163,7 @@ void ZELTPDocumentWriter::EndProgram()
 void ZELTPDocumentWriter::BeginRollLayupProcedure(const RollLayup& procedure)
 {
     Q_D(ZELTPDocumentWriter);
+    ++d->counts.procedures;
     d->json.BeginObject();
     d->WriteText(Key::kKind, QLatin1String(ZELTPDocument::ProcedureKind::kRollLayup));
     d->WriteText(Key::kName, procedure.name);
@@ -204,6 +205,7 @@ void ZELTPDocumentWriter::EndLinks()
 void ZELTPDocumentWriter::BeginLink(const QString& name, ZELTPCourseLink::PointsDetail pointsDetail)
 {
     Q_D(ZELTPDocumentWriter);
+    ++d->counts.links;
     d->BeginTrajectoryOwner(name);
     d->WriteText(Key::kPointsDetail, PointsDetailText(pointsDetail));
     d->json.WriteKey(Key::kTrajectories);
@@ -235,6 +237,7 @@ void ZELTPDocumentWriter::EndCourses()
 void ZELTPDocumentWriter::BeginCourse(const Course& course)
 {
     Q_D(ZELTPDocumentWriter);
+    ++d->counts.courses;
     d->BeginTrajectoryOwner(course.name);
     d->WriteText(Key::kTowMask, course.towMask);
     d->WriteMachineConfiguration(Key::kMachineConfiguration, course.machineConfiguration);
@@ -259,6 +262,7 @@ void ZELTPDocumentWriter::EndCourse()
 void ZELTPDocumentWriter::BeginProbingProcedure(const QString& name, const ZELMathPlane& safetyPlane)
 {
     Q_D(ZELTPDocumentWriter);
+    ++d->counts.procedures;
     d->json.BeginObject();
     d->WriteText(Key::kKind, QLatin1String(ZELTPDocument::ProcedureKind::kProbing));
     d->WriteText(Key::kName, name);
@@ -309,6 +313,7 @@ void ZELTPDocumentWriter::BeginTowTrajectory(double feedrate, const Tilts& tilts
 void ZELTPDocumentWriter::AddPoint(const ZELMathPoint& origin, const ZELMathVector& travel, const ZELMathVector& normal)
 {
     Q_D(ZELTPDocumentWriter);
+    ++d->counts.points;
     d->json.BeginObject(Layout::Line);
     d->WriteTriple(Key::kOrigin, origin.GetX(), origin.GetY(), origin.GetZ());
     d->WriteTriple(Key::kTravel, travel.GetX(), travel.GetY(), travel.GetZ());
@@ -321,4 +326,10 @@ void ZELTPDocumentWriter::EndTrajectory()
     Q_D(ZELTPDocumentWriter);
     d->json.EndArray();
     d->json.EndObject();
+}
+
+ZELTPDocumentWriter::Counts ZELTPDocumentWriter::GetCounts() const
+{
+    Q_D(const ZELTPDocumentWriter);
+    return d->counts;
 }

@@ -139,6 +139,17 @@ public:
     void AddPoint(const ZELMathPoint& origin, const ZELMathVector& travel, const ZELMathVector& normal);
     void EndTrajectory();
 
+    //! What has been begun so far: procedures of both kinds, courses,
+    //! links and points (of every trajectory).
+    struct Counts
+    {
+        int procedures = 0;
+        int courses = 0;
+        int links = 0;
+        qint64 points = 0;
+    };
+    Counts GetCounts() const;
+
 protected:
     explicit ZELTPDocumentWriter(ZELTPDocumentWriterPrivate* d);
 

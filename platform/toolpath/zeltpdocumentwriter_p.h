@@ -33,6 +33,7 @@ public:
 
     ZELTPDocumentWriter* const q_ptr;
     ZELTPJsonWriter json;
+    ZELTPDocumentWriter::Counts counts;
 };
 
 #endif // ZELTPDOCUMENTWRITER_P_H

@@ -41,4 +41,4 @@ run_step("configuring the host project"
 run_step("building the host project"
     "${CMAKE_COMMAND}" --build "${consumer_build}" ${config_arguments})
 run_step("running the host application"
-    "${consumer_build}/zelkin_host")
+    "${consumer_build}/zelkin_host" ${HOST_ARGUMENTS})

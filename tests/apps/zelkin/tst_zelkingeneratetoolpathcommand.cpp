@@ -177,16 +177,48 @@ QByteArray ReadBytes(const QString& path)
     return file.readAll();
 }
 
+// "1 234 567": groups of three digits apart.
+QString Grouped(qint64 count)
+{
+    QString digits = QString::number(count);
+    for (qsizetype i = digits.size() - 3; i > 0; i -= 3)
+        digits.insert(i, QLatin1Char(' '));
+    return digits;
+}
+
+// The one line the command ends with, from the file it wrote: its
+// procedures, courses, links, points of every trajectory and bytes.
+QString WrittenLineFor(const QString& path)
+{
+    const QJsonObject document = ReadDocument(path);
+    qint64 courses = 0;
+    qint64 links = 0;
+    qint64 points = 0;
+    for (const QJsonObject& procedure : GetProcedures(document)) {
+        const QList<QJsonObject> procedureLinks = ToObjects(procedure.value(QStringLiteral("links")));
+        const QList<QJsonObject> procedureCourses = ToObjects(procedure.value(QStringLiteral("courses")));
+        links += procedureLinks.size();
+        courses += procedureCourses.size();
+        for (const QJsonObject& owner : procedureLinks + procedureCourses + QList<QJsonObject>{procedure})
+            points += GetPointsOf(GetTrajectories(owner)).size();
+    }
+    return QStringLiteral("Wrote %1: %2 procedures, %3 courses, %4 links, %5 points, %6 bytes\n")
+        .arg(path, QString::number(GetProcedures(document).size()), Grouped(courses), Grouped(links), Grouped(points),
+             Grouped(QFileInfo(path).size()));
+}
+
 // Runs the command with `options` and "-o <directory>/<name>"; expects it
-// to succeed silently and returns the file's path.
+// to succeed, showing at most its progress on stderr and saying what it
+// wrote on stdout, and returns the file's path.
 QString Generate(const QTemporaryDir& directory, const QString& name, const QStringList& options)
 {
     const QString path = QDir(directory.path()).filePath(name);
     const ZELKinToolRun run = RunZelkin(QStringList{Command} + options + QStringList{QStringLiteral("-o"), path});
     EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
     EXPECT_EQ(run.exitCode, 0) << run.standardError.toStdString();
-    EXPECT_EQ(run.standardError, QString());
-    EXPECT_EQ(run.standardOutput, QString());
+    for (const QString& line : run.GetErrorLines())
+        EXPECT_TRUE(line.startsWith(QStringLiteral("Generating the toolpath: "))) << line.toStdString();
+    EXPECT_EQ(run.standardOutput, WrittenLineFor(path));
     return path;
 }
 
@@ -981,9 +1013,9 @@ TEST(ZELKinToolGenerateToolpathOptions, HelpShowsTheOptions)
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_TRUE(run.standardOutput.startsWith(
         QStringLiteral("Usage: zelkin generate-toolpath --part flat|cylinder|dome --plies A,B,... [--courses N] "
-                       "[--points-per-course M]\n       [--name NAME] -o FILE.json\n\n")))
+                       "[--points-per-course M]\n       [--name NAME] [--quiet] -o FILE.json\n\n")))
         << run.standardOutput.toStdString();
-    for (const char* option : {"--part", "--plies", "--courses", "--points-per-course", "--name", "-o, --output"})
+    for (const char* option : {"--part", "--plies", "--courses", "--points-per-course", "--name", "-o, --output", "--quiet"})
         EXPECT_TRUE(run.standardOutput.contains(QLatin1String(option))) << option;
 
     const ZELKinToolRun list = RunZelkin({QStringLiteral("help")});

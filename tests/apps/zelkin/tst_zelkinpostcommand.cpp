@@ -76,6 +76,22 @@ struct Posting
     QString toolpath;
 };
 
+// The largest material axis value ("U" word, mm) of the ply file's lines.
+double LastMaterialOf(const QString& plyFile)
+{
+    QFile file(plyFile);
+    if (!file.open(QIODevice::ReadOnly))
+        return -1.0;
+    const QRegularExpression word(QStringLiteral("(?:^|[^A-Z_])U(-?\\d+\\.\\d+)"));
+    double largest = 0.0;
+    for (const QByteArray& line : file.readAll().split('\n')) {
+        const QRegularExpressionMatch found = word.match(QString::fromLatin1(line));
+        if (found.hasMatch())
+            largest = std::max(largest, found.captured(1).toDouble());
+    }
+    return largest;
+}
+
 } // namespace
 
 TEST(ZELKinPostCommand, WritesTheProgramSetPlyAndProbingFilesInAFolderNamedAfterTheProgram)
@@ -85,12 +101,68 @@ TEST(ZELKinPostCommand, WritesTheProgramSetPlyAndProbingFilesInAFolderNamedAfter
     const ZELKinToolRun run = posting.Post(output);
 
     ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
-    EXPECT_EQ(run.standardError, QString());
-    EXPECT_EQ(run.standardOutput, QStringLiteral("Translating the program\nSolving kinematics\n  Processing ply one\n"
-                                                 "  Writing ply one\n  Writing probe\n"));
     EXPECT_EQ(FilesBelow(output), QStringList({QStringLiteral("flat-test/flat-test#0101.PPF"),
                                                QStringLiteral("flat-test/flat-test.PPSF"),
                                                QStringLiteral("flat-test/flat-test.PTPF")}));
+}
+
+TEST(ZELKinPostCommand, ShowsTheLibrarysProgressLinesOnStandardError)
+{
+    const Posting posting;
+    const ZELKinToolRun run = posting.Post(posting.PathOf(QStringLiteral("nc")));
+
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    const QStringList library = run.GetErrorLines().filter(QRegularExpression(
+        QStringLiteral("^(Translating the program|Solving kinematics|  Processing .*|  Writing .*)$")));
+    EXPECT_EQ(library, QStringList({QStringLiteral("Translating the program"), QStringLiteral("Solving kinematics"),
+                                    QStringLiteral("  Processing ply one"), QStringLiteral("  Writing ply one"),
+                                    QStringLiteral("  Writing probe")}))
+        << run.standardError.toStdString();
+    EXPECT_FALSE(run.standardOutput.contains(QStringLiteral("Translating the program")));
+    EXPECT_TRUE(run.GetErrorLines().filter(QStringLiteral("zelkin: ")).isEmpty()) << run.standardError.toStdString();
+}
+
+TEST(ZELKinPostCommand, EndsWithWhatItWroteOnStandardOutput)
+{
+    const Posting posting;
+    const QString output = posting.PathOf(QStringLiteral("nc"));
+    const ZELKinToolRun run = posting.Post(output, {QStringLiteral("--quiet")});
+
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_EQ(run.standardError, QString());
+    const QStringList lines = run.standardOutput.split(QLatin1Char('\n'));
+    ASSERT_EQ(lines.size(), 10) << run.standardOutput.toStdString();
+    EXPECT_EQ(lines.at(0), QStringLiteral("Program flat-test, revision B"));
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^Wrote 3 files, \\d+(\\.\\d)? k?B:$")).match(lines.at(1)).hasMatch())
+        << lines.at(1).toStdString();
+    // The folder's files in name order, each with its size.
+    const QString folder = QDir(output).filePath(QStringLiteral("flat-test"));
+    const QStringList files{QStringLiteral("flat-test#0101.PPF"), QStringLiteral("flat-test.PPSF"),
+                            QStringLiteral("flat-test.PTPF")};
+    for (int i = 0; i < files.size(); ++i) {
+        const QString path = QDir(folder).filePath(files.at(i));
+        EXPECT_TRUE(lines.at(2 + i).startsWith(QStringLiteral("  ") + path + QStringLiteral("  ")))
+            << lines.at(2 + i).toStdString();
+        const qint64 size = QFileInfo(path).size();
+        const QString shown = size < 1000 ? QStringLiteral("%1 B").arg(size)
+                                          : QStringLiteral("%1 kB").arg(double(size) / 1000.0, 0, 'f', 1);
+        EXPECT_TRUE(lines.at(2 + i).endsWith(QStringLiteral(" ") + shown)) << lines.at(2 + i).toStdString();
+    }
+    EXPECT_EQ(lines.at(5), QString());
+    // One course of 16 positions between the approach link's and the
+    // retract link's position: 18. The material axis counts the course's
+    // material from its start; the ply's laid length is where it ends.
+    const QStringList heading = lines.at(6).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    EXPECT_EQ(heading, QStringList({QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses"),
+                                    QStringLiteral("positions"), QStringLiteral("laid"), QStringLiteral("length")}));
+    EXPECT_TRUE(lines.at(7).startsWith(QStringLiteral("0101  ply one    1        18         ")))
+        << lines.at(7).toStdString();
+    EXPECT_TRUE(lines.at(8).startsWith(QStringLiteral("all              1        18         ")))
+        << lines.at(8).toStdString();
+    const QString laid = lines.at(7).mid(lines.at(7).lastIndexOf(QLatin1String("  ")) + 2);
+    EXPECT_EQ(lines.at(8).mid(lines.at(8).lastIndexOf(QLatin1String("  ")) + 2), laid);
+    EXPECT_EQ(laid, QStringLiteral("%1 m").arg(LastMaterialOf(QDir(folder).filePath(files.first())) / 1000.0, 0, 'f', 2));
+    EXPECT_EQ(lines.at(9), QString());
 }
 
 TEST(ZELKinPostCommand, StampsTheToolpathsNameRevisionAndTheSourceDateIntoTheProgramSet)
@@ -345,15 +417,15 @@ TEST(ZELKinPostCommand, AProcedureThatCannotBeSolvedStopsThePostWithStatusThreeA
 
     EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
     EXPECT_EQ(run.exitCode, 3);
-    EXPECT_EQ(run.GetErrorLines(), QStringList{kCannotBeSolved + QStringLiteral("; nothing was written")})
+    EXPECT_EQ(run.GetDiagnosticLines(), QStringList{kCannotBeSolved + QStringLiteral("; nothing was written")})
         << run.standardError.toStdString();
     // The library's own lines still say where solving stopped.
-    EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("    Kinematics solving failed for course 1 at point 8\n")))
-        << run.standardOutput.toStdString();
-    EXPECT_TRUE(run.standardOutput.contains(
+    EXPECT_TRUE(run.standardError.contains(QStringLiteral("    Kinematics solving failed for course 1 at point 8\n")))
+        << run.standardError.toStdString();
+    EXPECT_TRUE(run.standardError.contains(
         QStringLiteral("      Could not successfully find a kinematics solution for procedure ply one. It will be "
                        "omitted from the program.\n")))
-        << run.standardOutput.toStdString();
+        << run.standardError.toStdString();
     EXPECT_EQ(ContentsBelow(output), before);
 }
 
@@ -383,7 +455,7 @@ TEST(ZELKinPostCommand, AMachineThatCannotReachThreePliesOfFourPostsNone)
                                          QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), output});
 
     EXPECT_EQ(run.exitCode, 3);
-    EXPECT_EQ(run.GetErrorLines(),
+    EXPECT_EQ(run.GetDiagnosticLines(),
               QStringList{QStringLiteral("zelkin: error: procedure 'Ply 2 +45', course 1, point 1: no wrist "
                                          "configuration within the machine's limits reaches this point: the procedure "
                                          "cannot be solved (3 problems in all); nothing was written")})
@@ -399,7 +471,7 @@ TEST(ZELKinPostCommand, KeepGoingWritesTheProceduresWithoutProblemsAndStillExits
     const ZELKinToolRun run = posting.Post(output, {QStringLiteral("--keep-going")});
 
     EXPECT_EQ(run.exitCode, 3);
-    EXPECT_EQ(run.GetErrorLines(), QStringList{kCannotBeSolved + QStringLiteral("; written without 'ply one'")})
+    EXPECT_EQ(run.GetDiagnosticLines(), QStringList{kCannotBeSolved + QStringLiteral("; written without 'ply one'")})
         << run.standardError.toStdString();
     EXPECT_EQ(FilesBelow(output), QStringList({QStringLiteral("flat-test/flat-test.PPSF"),
                                                QStringLiteral("flat-test/flat-test.PTPF")}));
@@ -417,7 +489,7 @@ TEST(ZELKinPostCommand, ASourceDateThatIsNoNumberIsAnErrorAndNothingIsWritten)
                   environment);
 
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.GetErrorLines(),
+    EXPECT_EQ(run.GetDiagnosticLines(),
               QStringList({QStringLiteral("zelkin: error: SOURCE_DATE_EPOCH is not a number of seconds: 'yesterday'")}));
     EXPECT_FALSE(QFile::exists(output));
 }
@@ -442,14 +514,15 @@ TEST(ZELKinPostCommand, PostsTheShippedExampleEndToEnd)
 
 namespace {
 
-// Waits until `process` has printed `text` on its standard output.
-bool WaitForOutput(QProcess& process, const QString& text)
+// Waits until `process` has shown `text` on its standard error.
+bool WaitForProgress(QProcess& process, const QString& text)
 {
+    process.setReadChannel(QProcess::StandardError);
     QByteArray output;
     while (!output.contains(text.toUtf8())) {
         if (!process.waitForReadyRead(60000))
             return false;
-        output += process.readAllStandardOutput();
+        output += process.readAllStandardError();
     }
     return true;
 }
@@ -478,7 +551,7 @@ TEST(ZELKinPostCommand, APostKilledWhileWritingPliesLeavesThePreviousFilesWholeA
     QProcess post;
     post.setProcessEnvironment(ReproducibleEnvironment());
     post.start(QStringLiteral(ZELKIN_EXECUTABLE), arguments);
-    ASSERT_TRUE(WaitForOutput(post, QStringLiteral("  Writing ")));
+    ASSERT_TRUE(WaitForProgress(post, QStringLiteral("  Writing ")));
     post.kill();
     ASSERT_TRUE(post.waitForFinished(60000));
     ASSERT_EQ(post.exitStatus(), QProcess::CrashExit) << "the post ended before it was killed";
@@ -653,8 +726,8 @@ TEST(ZELKinPostCommand, ATraceThatCannotBeWrittenIsAnError)
     const ZELKinToolRun run =
         posting.Post(posting.PathOf(QStringLiteral("nc")), {QStringLiteral("--trace"), QStringLiteral("/dev/full")});
     EXPECT_EQ(run.exitCode, 1);
-    ASSERT_EQ(run.GetErrorLines().size(), 1);
-    EXPECT_TRUE(run.GetErrorLines().first().startsWith(QStringLiteral("zelkin: error: cannot write /dev/full: ")))
+    ASSERT_EQ(run.GetDiagnosticLines().size(), 1);
+    EXPECT_TRUE(run.GetDiagnosticLines().first().startsWith(QStringLiteral("zelkin: error: cannot write /dev/full: ")))
         << run.standardError.toStdString();
 }
 

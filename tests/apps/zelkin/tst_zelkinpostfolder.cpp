@@ -248,7 +248,7 @@ TEST_F(ZELKinPostFolder, AToolpathKeptInsideTheProgramFolderIsRefusedAndTheFolde
     const ZELKinToolRun run = RunZelkin(PostArguments(toolpath, output), ReproducibleEnvironment());
 
     EXPECT_EQ(run.exitCode, 2);
-    EXPECT_EQ(run.GetErrorLines().first(),
+    EXPECT_EQ(run.GetDiagnosticLines().first(),
               QStringLiteral("zelkin: error: --toolpath reads a file inside '%1', which --output replaces")
                   .arg(QDir(output).filePath(kProgram)));
     EXPECT_EQ(ContentsOf(QDir(output).filePath(kProgram)), before);
@@ -289,7 +289,7 @@ TEST_P(ZELKinPostOntoTheToolpath, IsRefusedBeforeAnythingIsReadAndTheToolpathKep
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_EQ(run.standardOutput, QString()) << "the toolpath was read";
     EXPECT_EQ(
-        run.GetErrorLines().first(),
+        run.GetDiagnosticLines().first(),
         QStringLiteral("zelkin: error: --output would overwrite the file that --toolpath reads: '%1'").arg(bundle));
     EXPECT_EQ(ContentsOf(directory.path()), before);
 }

@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -28,6 +29,13 @@ struct ZELKinToolRun
         if (lines.last().isEmpty())
             lines.removeLast();
         return lines;
+    }
+
+    //! The diagnostics among stderr's lines ("zelkin: <kind>: ..."), without
+    //! the progress around them.
+    QStringList GetDiagnosticLines() const
+    {
+        return GetErrorLines().filter(QRegularExpression(QStringLiteral("^zelkin: ")));
     }
 };
 

@@ -96,8 +96,15 @@ class ZELKinWriterTest : public ::testing::Test
 protected:
     void Write(const QString& path, const QString& options = QString(), const QString& format = kFormat)
     {
+        WriteWith(ZELKinWriter::FileErrorEndsProcess, path, options, format);
+    }
+
+    void WriteWith(ZELKinWriter::FileErrorMode mode, const QString& path, const QString& options = QString(),
+                   const QString& format = kFormat)
+    {
         ZELKinWriter writer(f.program);
         writer.SetCurrentDateTime(NCFixture::Now());
+        writer.SetFileErrorMode(mode);
         writer.Write(path, format, options);
     }
 
@@ -666,6 +673,29 @@ TEST_F(ZELKinWriterTest, ABundleFileThatCannotBeOpenedEndsTheProcessWithTheSyste
     EXPECT_DEATH(
         Write(bundle),
         ZELTest::Literally(QStringLiteral("Could not open the bundle file for writing at: '%1': ").arg(bundle)));
+}
+
+// A host that asked for exceptions gets the same messages, and the same
+// files, as the process would have ended with.
+
+TEST_F(ZELKinWriterTest, AnOutputDirectoryThatCannotBeMadeThrowsWhenTheHostAsksForExceptions)
+{
+    f.BuildPart();
+    WriteText(Output(QStringLiteral("file")), QStringLiteral("not a folder"));
+    const QString path = Output(QStringLiteral("file/nc"));
+    EXPECT_THROW_MESSAGE(WriteWith(ZELKinWriter::FileErrorThrows, path), ZELSysException,
+                         QStringLiteral("Could not create the output directory '%1': Not a directory").arg(path));
+}
+
+TEST_P(ZELKinWriterOverlongFileNameTest, ThrowsWhenTheHostAsksForExceptionsAndLeavesNothing)
+{
+    f.BuildPart();
+    const QString name(GetParam().programNameLength, QLatin1Char('P'));
+    f.program->SetOriginalFileName(name);
+    const QString file = Output(QStringLiteral("nc/%1/").arg(name) + QString::fromUtf8(GetParam().fileName).arg(name));
+    EXPECT_THROW_MESSAGE(WriteWith(ZELKinWriter::FileErrorThrows, Output(QStringLiteral("nc"))), ZELSysException,
+                         QString::fromUtf8(GetParam().message).arg(file) + QStringLiteral(": File name too long"));
+    EXPECT_EQ(EntriesOf(Output(QStringLiteral("nc"))), QStringList());
 }
 
 TEST_F(ZELKinWriterTest, ABundleFolderThatCannotBeMadeEndsTheProcess)

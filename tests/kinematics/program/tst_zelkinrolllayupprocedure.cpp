@@ -220,6 +220,19 @@ TEST(ZELKinRollLayupProcedure, ElevenCommandsInterleaveLinksAndCoursesLinkFirst)
     EXPECT_EQ(ZELTest::CommandsByIndex(*f.procedure), expected);
 }
 
+TEST(ZELKinRollLayupProcedure, CountsItsPositionsAndNotItsOtherCommands)
+{
+    RollLayupFixture f;
+    ZELTest::AddLinksAndCourses(f.procedure, {1, 2, 0}, {3, 4});
+    ZELKinTestAccess::CreateToolChange(f.procedure->GetCourseLink(2), QStringLiteral("R1"), QStringLiteral("H1"));
+    // Links 1 + 2 + 0 and courses 3 + 4 positions; the tool change is the
+    // eleventh command.
+    EXPECT_EQ(f.procedure->GetNumCommands(), 11);
+    EXPECT_EQ(f.procedure->GetNumPositions(), 10);
+    EXPECT_EQ(f.procedure->GetCourse(1)->GetNumPositions(), 4);
+    EXPECT_EQ(f.procedure->GetCourseLink(2)->GetNumPositions(), 0);
+}
+
 TEST(ZELKinRollLayupProcedure, WalksFollowTheInterleavedOrderBothWays)
 {
     RollLayupFixture f;

@@ -1,5 +1,9 @@
 // Loads a small machine description through the installed library, catches
-// the library's exception across its edge, and checks what it got.
+// the library's exception across its edge, and checks what it got; then, with
+// a machine description and a toolpath given on the command line, posts the
+// toolpath as a host does (posting.cpp).
+
+#include "posting.h"
 
 #include <ZELKinematics/zelgeocontainer.h>
 #include <ZELKinematics/zelkinmachine.h>
@@ -8,6 +12,9 @@
 #include <ZELKinematics/zelsysexception.h>
 
 #include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <cstdio>
 #include <exception>
@@ -42,7 +49,34 @@ int Fail(const char* what)
 
 } // namespace
 
-int main()
+// The progress lines reach the host's handler, the files are written, and a
+// folder that cannot be made is an exception the host catches.
+int CheckPosting(const QString& machinePath, const QString& toolpathPath)
+{
+    QTemporaryDir directory;
+    const QString output = QDir(directory.path()).filePath(QStringLiteral("nc"));
+    const QStringList lines = PostToolpath(machinePath, toolpathPath, output);
+    if (!lines.contains(QStringLiteral("Translating the program"))
+        || !lines.contains(QStringLiteral("Solving kinematics")))
+        return Fail("the progress lines did not reach the host's handler");
+    if (QDir(output).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() != 1)
+        return Fail("the NC files were not written");
+
+    QFile blocker(QDir(directory.path()).filePath(QStringLiteral("a file")));
+    if (!blocker.open(QIODevice::WriteOnly))
+        return Fail("the scratch file could not be made");
+    blocker.close();
+    try {
+        PostToolpath(machinePath, toolpathPath, QDir(blocker.fileName()).filePath(QStringLiteral("nc")));
+        return Fail("a folder that cannot be made was accepted");
+    } catch (const ZELSysException& exception) {
+        if (!exception.GetMessage().startsWith(QLatin1String("Could not create the output directory")))
+            return Fail("the writer's file error did not reach the host as an exception");
+    }
+    return 0;
+}
+
+int main(int argc, char* argv[])
 {
     ZELGeoContainer container;
     ZELKinMachine* machine = Load(container, kMachine);
@@ -63,6 +97,10 @@ int main()
     } catch (const ZELSysException& exception) {
         if (exception.GetMessage() != QLatin1String("tow width must be greater than zero"))
             return Fail("the exception's message did not cross the library edge");
+    }
+    if (argc == 3) {
+        if (const int failed = CheckPosting(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2])))
+            return failed;
     }
     std::puts("zelkin_host: the installed package works");
     return 0;

@@ -335,3 +335,18 @@ TEST(ZELTPDocumentWriter, ADeviceThatRefusesTheTextEndsTheWriteNamingTheDeviceAn
     writer.BeginProgram(QStringLiteral("p"), QStringLiteral("A"));
     EXPECT_THROW_MESSAGE(writer.EndProgram(), ZELSysException, "cannot write /full/disk.json: No space left on device");
 }
+
+TEST(ZELTPDocumentWriter, CountsTheProceduresCoursesLinksAndPointsItWrote)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    ZELTPDocumentWriter writer(&buffer, QStringLiteral("small.json"));
+    WriteSmallProgram(writer);
+    const ZELTPDocumentWriter::Counts counts = writer.GetCounts();
+    // The layup and the probing procedure; the approach and the retract.
+    EXPECT_EQ(counts.procedures, 2);
+    EXPECT_EQ(counts.links, 2);
+    EXPECT_EQ(counts.courses, 1);
+    // Links 2 + 1, the course's five trajectories 2 each, the probing 2 + 1.
+    EXPECT_EQ(counts.points, 16);
+}

@@ -1,0 +1,108 @@
+#include "zelkinpostsummary.h"
+
+#include "zelkintexttable.h"
+#include "zelkinunits.h"
+
+#include <zelkinafpmachine.h>
+#include <zelkinncreplay.h>
+#include <zelkinprogram.h>
+#include <zelkinrolllayupprocedure.h>
+#include <zelkinvariable.h>
+#include <zeltpprocedure.h>
+
+#include <QFileInfo>
+#include <QHash>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// The positions of each roll layup procedure, by its toolpath procedure's name.
+QHash<QString, qint64> PositionsByProcedure(const ZELKinProgram& program)
+{
+    QHash<QString, qint64> positions;
+    for (const ZELKinProcedure* procedure : program.GetProcedures()) {
+        const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure);
+        const ZELTPProcedure* source = procedure ? procedure->GetToolPathProcedure() : nullptr;
+        if (layup && source)
+            positions.insert(source->GetName(), layup->GetNumPositions());
+    }
+    return positions;
+}
+
+// Material laid by the ply: each course's material axis where the course
+// ends, the axis counting from the course's start (mm).
+double LaidLength(const ZELKinNCPlyFile& ply, int materialIndex)
+{
+    if (materialIndex < 0)
+        return std::nan("");
+    QHash<int, double> courseEnds;
+    for (const ZELKinNCMotion& motion : ply.motions) {
+        const double material = motion.values.value(materialIndex, std::nan(""));
+        if (motion.alongCourse && std::isfinite(material))
+            courseEnds[motion.course] = std::max(courseEnds.value(motion.course, 0.0), material);
+    }
+    double length = 0.0;
+    for (const double end : std::as_const(courseEnds))
+        length += end;
+    return length;
+}
+
+QString Metres(double millimetres)
+{
+    return std::isfinite(millimetres) ? QStringLiteral("%1 m").arg(millimetres / 1000.0, 0, 'f', 2)
+                                      : QStringLiteral("-");
+}
+
+} // namespace
+
+ZELKinPostSummary::ZELKinPostSummary(const ZELKinAFPMachine& machine, const ZELKinProgram& program)
+    : m_machine(machine)
+    , m_program(program)
+{
+}
+
+QString ZELKinPostSummary::Describe(const QStringList& files, const QString& posted) const
+{
+    return DescribeFiles(files) + QLatin1Char('\n') + DescribePlies(posted);
+}
+
+QString ZELKinPostSummary::DescribeFiles(const QStringList& files) const
+{
+    qint64 total = 0;
+    ZELKinTextTable table;
+    for (const QString& file : files) {
+        const qint64 size = QFileInfo(file).size();
+        total += size;
+        table.AddRow({file, ZELKinUnits::Size(size)});
+    }
+    const QString count = files.size() == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(files.size());
+    return QStringLiteral("Wrote %1, %2:\n").arg(count, ZELKinUnits::Size(total)) + table.ToText(2);
+}
+
+QString ZELKinPostSummary::DescribePlies(const QString& posted) const
+{
+    const ZELKinNCProgram nc = ZELKinNCReplay(m_machine).Read(posted);
+    const QHash<QString, qint64> positions = PositionsByProcedure(m_program);
+    const int materialIndex = m_machine.GetVariables().indexOf(m_machine.GetMaterialVariable());
+    ZELKinTextTable table;
+    table.AddRow({QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses"),
+                  QStringLiteral("positions"), QStringLiteral("laid length")});
+    qint64 allCourses = 0;
+    qint64 allPositions = 0;
+    double allLaid = 0.0;
+    for (const ZELKinNCPlyFile& ply : nc.plies) {
+        const qint64 courses = ply.courseRecords.size();
+        const qint64 plyPositions = positions.value(ply.procedure);
+        const double laid = LaidLength(ply, materialIndex);
+        table.AddRow({ply.plyNumber, ply.procedure, ZELKinUnits::Grouped(courses), ZELKinUnits::Grouped(plyPositions),
+                      Metres(laid)});
+        allCourses += courses;
+        allPositions += plyPositions;
+        allLaid += laid;
+    }
+    table.AddRow({QStringLiteral("all"), QString(), ZELKinUnits::Grouped(allCourses),
+                  ZELKinUnits::Grouped(allPositions), Metres(allLaid)});
+    return table.ToText(0);
+}

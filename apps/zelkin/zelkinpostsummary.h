@@ -1,0 +1,39 @@
+#ifndef ZELKINPOSTSUMMARY_H
+#define ZELKINPOSTSUMMARY_H
+
+#include <QString>
+#include <QStringList>
+
+class ZELKinAFPMachine;
+class ZELKinProgram;
+
+/*!
+    What "post" tells when it has written its files: each file with its
+    size, then per ply its courses, positions, laid length and estimated
+    run time, read back from the files as the controller reads them
+    (ZELKinNCReplay), so that the figures are those of the NC and not of
+    the solved program.
+*/
+class ZELKinPostSummary
+{
+public:
+    //! `machine` and `program` (not owned) are those the files were posted
+    //! for and from.
+    ZELKinPostSummary(const ZELKinAFPMachine& machine, const ZELKinProgram& program);
+
+    //! The files `files` (paths, in the order to list them) and, read back
+    //! from `posted` (what the post was given: a folder or a bundle), the
+    //! plies. Throws ZELSysException when the files cannot be read back.
+    QString Describe(const QStringList& files, const QString& posted) const;
+    //! The files alone: the single-ply mode writes no program-set file to
+    //! read the plies back by.
+    QString DescribeFiles(const QStringList& files) const;
+
+private:
+    QString DescribePlies(const QString& posted) const;
+
+    const ZELKinAFPMachine& m_machine;
+    const ZELKinProgram& m_program;
+};
+
+#endif // ZELKINPOSTSUMMARY_H

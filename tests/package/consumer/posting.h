@@ -1,0 +1,12 @@
+#ifndef POSTING_H
+#define POSTING_H
+
+#include <QString>
+#include <QStringList>
+
+//! Posts the toolpath for the machine into the folder `output`; returns the
+//! library's progress lines. Throws ZELSysException on any failure, a file
+//! that cannot be written included.
+QStringList PostToolpath(const QString& machinePath, const QString& toolpathPath, const QString& output);
+
+#endif // POSTING_H

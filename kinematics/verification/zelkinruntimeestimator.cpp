@@ -95,8 +95,7 @@ int CourseIndexOf(ZELKinPlyRunTime& result, int course)
 
 } // namespace
 
-ZELKinRunTimeEstimatorPrivate::ZELKinRunTimeEstimatorPrivate(ZELKinRunTimeEstimator* q,
-                                                             const ZELKinAFPMachine& machine)
+ZELKinRunTimeEstimatorPrivate::ZELKinRunTimeEstimatorPrivate(ZELKinRunTimeEstimator* q, const ZELKinAFPMachine& machine)
     : q_ptr(q)
 {
     const QList<ZELKinVariable*> variables = machine.GetVariables();
@@ -159,8 +158,7 @@ double ZELKinRunTimeEstimatorPrivate::JunctionSpeedOf(const ZELKinNCMotion& befo
 {
     double speed = std::min(ending.speed, starting.speed);
     for (int axis = 0; axis < maxAccelerations.size() && axis < after.values.size(); ++axis) {
-        const double jump
-            = std::abs(TravelOf(after, axis) / starting.length - TravelOf(before, axis) / ending.length);
+        const double jump = std::abs(TravelOf(after, axis) / starting.length - TravelOf(before, axis) / ending.length);
         if (jump > 0.0 && !std::isnan(maxAccelerations.at(axis)))
             speed = std::min(speed, maxAccelerations.at(axis) * kInterpolationCycle / jump);
     }

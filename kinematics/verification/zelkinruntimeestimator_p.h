@@ -25,8 +25,7 @@ public:
     //! the path.
     struct Block
     {
-        enum Kind
-        {
+        enum Kind {
             //! No axis moves: no time, and no stop of its own.
             Still,
             //! A feed line that moves the roller centre: it blends with the

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -51,6 +52,17 @@ bool Moves(const ZELKinNCMotion& motion)
 bool Differ(double a, double b)
 {
     return std::isnan(a) != std::isnan(b) || std::abs(a - b) > kStill;
+}
+
+// A preset (the course start's G92 of the material axis) changes the value
+// an axis holds between two lines; the controller stops for it.
+bool IsPresetBetween(const ZELKinNCMotion& before, const ZELKinNCMotion& motion)
+{
+    for (int axis = 0; axis < motion.starts.size() && axis < before.values.size(); ++axis) {
+        if (Differ(motion.starts.at(axis), before.values.at(axis)))
+            return true;
+    }
+    return false;
 }
 
 // The highest speed at which the head covers `length` of path, starting
@@ -121,7 +133,7 @@ ZELKinRunTimeEstimatorPrivate::Block ZELKinRunTimeEstimatorPrivate::BlockOf(cons
     block.kind = path ? Block::Path : Block::Synchronised;
     block.length = path ? centreTravel : 1.0;
     block.speed = path ? motion.feedrate / kSecondsPerMinute : kInfinity;
-    Limit(block, motion);
+    KeepWithinAxisLimits(block, motion);
     if (!(block.speed > 0.0) || !std::isfinite(block.speed))
         block.kind = Block::Untimed;
     return block;
@@ -129,7 +141,7 @@ ZELKinRunTimeEstimatorPrivate::Block ZELKinRunTimeEstimatorPrivate::BlockOf(cons
 
 // Each axis covers its share of the path: none may go faster, or speed up
 // faster, than its limits.
-void ZELKinRunTimeEstimatorPrivate::Limit(Block& block, const ZELKinNCMotion& motion) const
+void ZELKinRunTimeEstimatorPrivate::KeepWithinAxisLimits(Block& block, const ZELKinNCMotion& motion) const
 {
     for (int axis = 0; axis < motion.values.size() && axis < maxVelocities.size(); ++axis) {
         const double share = std::abs(TravelOf(motion, axis)) / block.length;
@@ -165,17 +177,6 @@ double ZELKinRunTimeEstimatorPrivate::JunctionSpeedOf(const ZELKinNCMotion& befo
     return speed;
 }
 
-// A preset (the course start's G92 of the material axis) changes the value
-// an axis holds between two lines; the controller stops for it.
-bool ZELKinRunTimeEstimatorPrivate::Presets(const ZELKinNCMotion& before, const ZELKinNCMotion& motion) const
-{
-    for (int axis = 0; axis < motion.starts.size() && axis < before.values.size(); ++axis) {
-        if (Differ(motion.starts.at(axis), before.values.at(axis)))
-            return true;
-    }
-    return false;
-}
-
 // Each line's start speed, as high as its junction allows and as the
 // lines before can reach; the head is at rest at the ply's start, around
 // a rapid, a turn in place or a line without a time, and at a preset.
@@ -191,7 +192,7 @@ void ZELKinRunTimeEstimatorPrivate::PlanForward(const ZELKinNCPlyFile& ply, std:
         Block block = BlockOf(motion);
         block.course = CourseIndexOf(result, motion.course);
         ++result.courses[block.course].motionLines;
-        stop = stop || motion.rapid || (i > 0 && Presets(motions.at(i - 1), motion));
+        stop = stop || motion.rapid || (i > 0 && IsPresetBetween(motions.at(i - 1), motion));
         if (block.kind != Block::Still) {
             if (!stop && block.kind == Block::Path) {
                 const Block& before = blocks.at(size_t(moving));

@@ -54,11 +54,10 @@ public:
     };
 
     Block BlockOf(const ZELKinNCMotion& motion) const;
-    void Limit(Block& block, const ZELKinNCMotion& motion) const;
+    void KeepWithinAxisLimits(Block& block, const ZELKinNCMotion& motion) const;
     double CentreTravelOf(const ZELKinNCMotion& motion) const;
     double JunctionSpeedOf(const ZELKinNCMotion& before, const Block& ending, const ZELKinNCMotion& after,
                            const Block& starting) const;
-    bool Presets(const ZELKinNCMotion& before, const ZELKinNCMotion& motion) const;
 
     void PlanForward(const ZELKinNCPlyFile& ply, std::vector<Block>& blocks, ZELKinPlyRunTime& result) const;
     static void PlanBackwardAndTime(std::vector<Block>& blocks, ZELKinPlyRunTime& result);

@@ -81,11 +81,12 @@ QString Clock(const ZELKinRunTime& runTime)
 {
     const qint64 tenths = qRound64(runTime.seconds * 10.0);
     const QChar zero = QLatin1Char('0');
-    return Bounded(runTime, QStringLiteral("%1:%2:%3.%4")
-                                .arg(tenths / 36000)
-                                .arg(tenths / 600 % 60, 2, 10, zero)
-                                .arg(tenths / 10 % 60, 2, 10, zero)
-                                .arg(tenths % 10));
+    return Bounded(runTime,
+                   QStringLiteral("%1:%2:%3.%4")
+                       .arg(tenths / 36000)
+                       .arg(tenths / 600 % 60, 2, 10, zero)
+                       .arg(tenths / 10 % 60, 2, 10, zero)
+                       .arg(tenths % 10));
 }
 
 QStringList RunTimeCells(const ZELKinRunTime& runTime)
@@ -134,8 +135,9 @@ QString Summary(const QString& ncPath, const ZELKinVerification& verification)
                    << QStringLiteral("run time s"));
     for (const ZELKinVerifiedPly& ply : verification.plies) {
         for (const ZELKinVerifiedCourse& course : ply.courseTallies)
-            courses.AddRow(QStringList{ply.plyNumber, QString::number(course.course)}
-                           + ZELKinVerifySummary::GetCells(course) << Seconds(course.runTime));
+            courses.AddRow(
+                QStringList{ply.plyNumber, QString::number(course.course)} + ZELKinVerifySummary::GetCells(course)
+                << Seconds(course.runTime));
     }
     text += table.ToText(0);
     text += QStringLiteral("\nPer course:\n") + courses.ToText(0);

@@ -65,6 +65,61 @@ QList<ZELKinVerifyFinding> Severity(const QList<ZELKinVerifyFinding>& findings, 
     return chosen;
 }
 
+// A time that leaves out lines the estimate cannot time is only a bound.
+QString Bounded(const ZELKinRunTime& runTime, const QString& time)
+{
+    return runTime.IsComplete() ? time : QStringLiteral(">= ") + time;
+}
+
+QString Seconds(const ZELKinRunTime& runTime)
+{
+    return Bounded(runTime, QString::number(runTime.seconds, 'f', 1));
+}
+
+// "1:02:05.5": hours, minutes, and seconds to a tenth.
+QString Clock(const ZELKinRunTime& runTime)
+{
+    const qint64 tenths = qRound64(runTime.seconds * 10.0);
+    const QChar zero = QLatin1Char('0');
+    return Bounded(runTime,
+                   QStringLiteral("%1:%2:%3.%4")
+                       .arg(tenths / 36000)
+                       .arg(tenths / 600 % 60, 2, 10, zero)
+                       .arg(tenths / 10 % 60, 2, 10, zero)
+                       .arg(tenths % 10));
+}
+
+QStringList RunTimeCells(const ZELKinRunTime& runTime)
+{
+    return {QString::number(runTime.motionLines), QString::number(runTime.untimedLines), Seconds(runTime),
+            Clock(runTime)};
+}
+
+QString RunTimes(const ZELKinVerification& verification)
+{
+    ZELKinTextTable table;
+    table.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses"),
+                             QStringLiteral("lines"), QStringLiteral("untimed"), QStringLiteral("seconds"),
+                             QStringLiteral("h:mm:ss.s")});
+    int courses = 0;
+    for (const ZELKinVerifiedPly& ply : verification.plies) {
+        table.AddRow(QStringList{ply.plyNumber, ply.procedure, QString::number(ply.courses)}
+                     + RunTimeCells(ply.runTime));
+        courses += ply.courses;
+    }
+    table.AddRow(QStringList{QStringLiteral("total"), QString(), QString::number(courses)}
+                 + RunTimeCells(verification.runTime));
+    QString text = QStringLiteral("\nEstimated run time:\n") + table.ToText(0);
+    text += QStringLiteral("From the feeds, the rapids and the axes' speed and acceleration limits; the controller's "
+                           "waits (program stops, tow and heater codes) are not counted.\n");
+    if (!verification.runTime.IsComplete())
+        text += QStringLiteral("%1 of %2 lines cannot be timed (a feed line without a feed, or a rapid or a turn in "
+                               "place whose axes have no speed limit): a time marked >= leaves them out.\n")
+                    .arg(verification.runTime.untimedLines)
+                    .arg(verification.runTime.motionLines);
+    return text;
+}
+
 QString Summary(const QString& ncPath, const ZELKinVerification& verification)
 {
     QString text = QStringLiteral("Verified NC: %1\n").arg(ncPath);
@@ -76,14 +131,17 @@ QString Summary(const QString& ncPath, const ZELKinVerification& verification)
         table.AddRow(QStringList{ply.plyNumber, ply.procedure, QString::number(ply.courses)}
                      + ZELKinVerifySummary::GetCells(ply));
     ZELKinTextTable courses;
-    courses.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("course")} + ZELKinVerifySummary::GetHeadings());
+    courses.AddRow(QStringList{QStringLiteral("ply"), QStringLiteral("course")} + ZELKinVerifySummary::GetHeadings()
+                   << QStringLiteral("run time s"));
     for (const ZELKinVerifiedPly& ply : verification.plies) {
         for (const ZELKinVerifiedCourse& course : ply.courseTallies)
-            courses.AddRow(QStringList{ply.plyNumber, QString::number(course.course)}
-                           + ZELKinVerifySummary::GetCells(course));
+            courses.AddRow(
+                QStringList{ply.plyNumber, QString::number(course.course)} + ZELKinVerifySummary::GetCells(course)
+                << Seconds(course.runTime));
     }
     text += table.ToText(0);
     text += QStringLiteral("\nPer course:\n") + courses.ToText(0);
+    text += RunTimes(verification);
     text += Listed(QStringLiteral("Findings"), Severity(verification.findings, false));
     text += Listed(QStringLiteral("Warnings"), Severity(verification.findings, true));
     text += QStringLiteral("\nLink lines (approach, between courses, retract) are gated by their roller centre only; "
@@ -134,7 +192,9 @@ QJsonObject JsonTally(const ZELKinVerifyTally& tally)
         {QStringLiteral("minSingularityMarginDeg"), JsonExtreme(tally.singularityMargin, qRadiansToDegrees(1.0))},
         {QStringLiteral("maxTowEventMm"), JsonExtreme(tally.towEvent, 1.0)},
         {QStringLiteral("maxLinkCentreMm"), JsonExtreme(tally.linkCentre, 1.0)},
-        {QStringLiteral("maxPathGapMm"), JsonExtreme(tally.pathGap, 1.0)}};
+        {QStringLiteral("maxPathGapMm"), JsonExtreme(tally.pathGap, 1.0)},
+        {QStringLiteral("runTimeSeconds"), tally.runTime.seconds},
+        {QStringLiteral("untimedLines"), tally.runTime.untimedLines}};
 }
 
 QJsonObject JsonPly(const ZELKinVerifiedPly& ply)
@@ -188,6 +248,8 @@ QString Json(const QString& ncPath, const ZELKinVerification& verification)
                                         {QStringLiteral("flipDeg"), qRadiansToDegrees(gates.flip)},
                                         {QStringLiteral("singularityDeg"), qRadiansToDegrees(gates.singularity)},
                                         {QStringLiteral("towEventMm"), gates.towEvent}}},
+                           {QStringLiteral("runTimeSeconds"), verification.runTime.seconds},
+                           {QStringLiteral("untimedLines"), verification.runTime.untimedLines},
                            {QStringLiteral("plies"), plies},
                            {QStringLiteral("findings"), findings}};
     return QString::fromUtf8(QJsonDocument(root).toJson(QJsonDocument::Indented));
@@ -236,9 +298,11 @@ QString ZELKinVerifyCommand::GetDescription() const
         "A normal closer to the wrist's singularity than the singularity angle is a\n"
         "warning, which does not fail.\n"
         "\n"
-        "Prints a table per ply and every finding with its course, point, file and\n"
-        "line. Exit status 0 when every check passes, 1 when any fails, 3 when the\n"
-        "machine, the toolpath or the NC cannot be read.\n"
+        "Prints a table per ply and per course, an estimate of each ply's and each\n"
+        "course's run time (from the feeds and the axes' speed and acceleration\n"
+        "limits), and every finding with its course, point, file and line. Exit\n"
+        "status 0 when every check passes, 1 when any fails, 3 when the machine,\n"
+        "the toolpath or the NC cannot be read.\n"
         "\n"
         "Options:\n"
         "  --machine M.xml           The machine description.\n"

@@ -2,6 +2,7 @@
 #define ZELKINVERIFICATION_H
 
 #include "zelkinematics_export.h"
+#include "zelkinruntime.h"
 
 #include <zelmathpoint.h>
 
@@ -133,6 +134,8 @@ struct ZELKinVerifyTally
     //! Findings that fail; warnings apart.
     int findings = 0;
     int warnings = 0;
+    //! How long the machine takes to run the lines (ZELKinRunTimeEstimator).
+    ZELKinRunTime runTime;
 };
 
 //! The checks of one course: its record's lines up to the next course's.
@@ -162,6 +165,8 @@ struct ZELKINEMATICS_EXPORT ZELKinVerification
     QList<ZELKinVerifiedPly> plies;
     //! Warnings among them.
     QList<ZELKinVerifyFinding> findings;
+    //! Every ply's run time together.
+    ZELKinRunTime runTime;
 
     //! True when no finding but warnings.
     bool IsPassed() const { return GetNumFailures() == 0; }

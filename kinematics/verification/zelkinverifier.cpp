@@ -20,6 +20,19 @@ ZELKinVerifyFinding ProgramFinding(const QString& check, const QString& procedur
     return ZELKinVerifyFinding{check, QString(), procedure, place, subject, 0.0, 0.0, message, false};
 }
 
+// Each course's run time goes with its checks; lines before the first
+// course record count for the ply alone, as they do for the checks.
+void AddRunTime(ZELKinVerifiedPly& ply, const ZELKinPlyRunTime& runTime)
+{
+    ply.runTime = runTime;
+    for (ZELKinVerifiedCourse& course : ply.courseTallies) {
+        for (const ZELKinCourseRunTime& timed : runTime.courses) {
+            if (timed.course == course.course)
+                course.runTime = timed;
+        }
+    }
+}
+
 } // namespace
 
 ZELKinVerifierPrivate::ZELKinVerifierPrivate(ZELKinVerifier* q, const ZELKinAFPMachine& machine,
@@ -28,6 +41,7 @@ ZELKinVerifierPrivate::ZELKinVerifierPrivate(ZELKinVerifier* q, const ZELKinAFPM
     , head(machine)
     , machine(machine)
     , gates(gates)
+    , runTime(machine)
 {
 }
 
@@ -71,7 +85,10 @@ ZELKinVerification ZELKinVerifier::Verify(const ZELTPProgram& toolpath, const ZE
                 QStringLiteral("ply %1 lays the procedure '%2', which ply %3 lays already")
                     .arg(ply.plyNumber, ply.procedure, laidBy.value(ply.procedure))));
         laidBy.insert(ply.procedure, laidBy.value(ply.procedure, ply.plyNumber));
-        verification.plies.append(check.Run(plan ? &*plan : nullptr));
+        ZELKinVerifiedPly verified = check.Run(plan ? &*plan : nullptr);
+        AddRunTime(verified, d->runTime.Estimate(ply));
+        verification.runTime.Add(verified.runTime);
+        verification.plies.append(verified);
     }
     for (const ZELTPRollLayupProcedure* procedure : ZELKinVerifyPlan::LayupProceduresOf(toolpath)) {
         if (!laidBy.contains(procedure->GetName()))

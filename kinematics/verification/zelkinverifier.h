@@ -26,7 +26,8 @@ struct ZELKinNCProgram;
     pass are findings. Lines along a course are matched to the point they
     stand for by the material axis and the nearest roller centre, and gated
     by what the NC's modal rule allows them (docs/zelkin.md); link lines by
-    their roller centre against their link's points.
+    their roller centre against their link's points. Each ply's and course's
+    run time is estimated beside the checks (ZELKinRunTimeEstimator).
 */
 class ZELKINEMATICS_EXPORT ZELKinVerifier
 {

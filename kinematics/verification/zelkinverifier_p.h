@@ -1,6 +1,7 @@
 #ifndef ZELKINVERIFIER_P_H
 #define ZELKINVERIFIER_P_H
 
+#include "zelkinruntimeestimator.h"
 #include "zelkinverifier.h"
 #include "zelkinverifierhead_p.h"
 
@@ -17,6 +18,7 @@ public:
     const ZELKinVerifierHead head;
     const ZELKinAFPMachine& machine;
     const ZELKinVerifyGates gates;
+    const ZELKinRunTimeEstimator runTime;
 };
 
 #endif // ZELKINVERIFIER_P_H

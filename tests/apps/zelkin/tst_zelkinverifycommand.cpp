@@ -42,6 +42,10 @@ constexpr double kDegreeWord = 2e-4;
 constexpr double kAllowedLagDegrees = 0.0009 * kDegreesPerRadian;
 // A first roll word moved by five hundredths of a degree.
 constexpr double kSmallTurnDegrees = 0.05;
+// A run time printed to a tenth of a second.
+constexpr double kPrintedTenth = 0.05 + 1e-9;
+// Run times in seconds summed in another order.
+constexpr double kSummedSeconds = 1e-9;
 
 ZELKinToolRun Post(const QString& toolpath, const QString& output)
 {
@@ -324,6 +328,51 @@ QString PlyFile()
 
 } // namespace Wall
 
+// The rows of a summary's "Estimated run time:" table, its heading first.
+QStringList RunTimeRows(const QString& summary)
+{
+    const QStringList lines = summary.split(QLatin1Char('\n'));
+    QStringList rows;
+    for (int i = int(lines.indexOf(QStringLiteral("Estimated run time:"))) + 1;
+         i > 0 && i < lines.size() && !lines.at(i).startsWith(QStringLiteral("From the feeds")); ++i)
+        rows.append(lines.at(i));
+    return rows;
+}
+
+// One row of that table: ply, procedure, courses, lines, lines without a
+// time, then the time in seconds and as h:mm:ss.s, each marked ">= " when
+// lines are left out.
+struct RunTimeRow
+{
+    explicit RunTimeRow(const QString& row)
+    {
+        static const QRegularExpression pattern(
+            QStringLiteral("^(\\S+)  +(.*\\S)?  +(\\d+)  +(\\d+)  +(\\d+)  +"
+                           "(>= )?(\\d+\\.\\d)  +(>= )?(\\d+):(\\d\\d):(\\d\\d\\.\\d)$"));
+        const QRegularExpressionMatch match = pattern.match(row);
+        EXPECT_TRUE(match.hasMatch()) << row.toStdString();
+        ply = match.captured(1);
+        procedure = match.captured(2);
+        courses = match.captured(3).toInt();
+        lines = match.captured(4).toInt();
+        untimed = match.captured(5).toInt();
+        secondsBounded = match.hasCaptured(6);
+        seconds = match.captured(7).toDouble();
+        clockBounded = match.hasCaptured(8);
+        clock = match.captured(9).toInt() * 3600.0 + match.captured(10).toInt() * 60.0 + match.captured(11).toDouble();
+    }
+
+    QString ply;
+    QString procedure;
+    int courses = 0;
+    int lines = 0;
+    int untimed = 0;
+    bool secondsBounded = false;
+    double seconds = 0.0;
+    bool clockBounded = false;
+    double clock = 0.0;
+};
+
 // A posted program, posted once for all tests of a suite; each test works
 // on a copy of it.
 class PostedProgram : public ::testing::Test
@@ -530,6 +579,116 @@ TEST_F(ZELKinVerifyCommand, EachCourseIsCheckedOnItsOwnAndTheCoursesAddUpToThePl
         EXPECT_EQ(matchedLines, ply.value(QStringLiteral("matchedLines")).toInt());
         EXPECT_EQ(points, ply.value(QStringLiteral("points")).toInt());
     }
+}
+
+// The estimated run time.
+
+TEST_F(ZELKinVerifyCommand, TheRunTimeTableHasARowPerPlyAndATotalWithTheTimesOfTheJson)
+{
+    const QStringList rows = RunTimeRows(Verify().standardOutput);
+    ASSERT_EQ(rows.size(), 6);
+    EXPECT_EQ(rows.at(0), QStringLiteral("ply    procedure  courses  lines  untimed  seconds  h:mm:ss.s"));
+    const QJsonObject result = VerifyAsJson();
+    const QStringList procedures{QStringLiteral("Ply 1 0"), QStringLiteral("Ply 2 +45"), QStringLiteral("Ply 3 -45"),
+                                 QStringLiteral("Ply 4 +90")};
+    int lines = 0;
+    for (int p = 0; p < procedures.size(); ++p) {
+        const RunTimeRow row(rows.at(p + 1));
+        const QJsonObject ply = PlyOf(result, QStringLiteral("010%1").arg(p + 1));
+        EXPECT_EQ(row.ply, QStringLiteral("010%1").arg(p + 1));
+        EXPECT_EQ(row.procedure, procedures.at(p));
+        EXPECT_EQ(row.courses, 4);
+        EXPECT_EQ(row.lines, ply.value(QStringLiteral("motionLines")).toInt());
+        EXPECT_EQ(row.untimed, 0);
+        EXPECT_FALSE(row.secondsBounded || row.clockBounded) << rows.at(p + 1).toStdString();
+        EXPECT_TRUE(
+            ZELTest::SameDouble(ply.value(QStringLiteral("runTimeSeconds")).toDouble(), row.seconds, kPrintedTenth));
+        EXPECT_TRUE(ZELTest::SameDouble(row.seconds, row.clock, kPrintedTenth)) << rows.at(p + 1).toStdString();
+        lines += row.lines;
+    }
+    const RunTimeRow total(rows.at(5));
+    EXPECT_EQ(total.ply, QStringLiteral("total"));
+    EXPECT_TRUE(total.procedure.isEmpty());
+    EXPECT_EQ(total.courses, 16);
+    EXPECT_EQ(total.lines, lines);
+    EXPECT_EQ(total.untimed, 0);
+    EXPECT_TRUE(
+        ZELTest::SameDouble(result.value(QStringLiteral("runTimeSeconds")).toDouble(), total.seconds, kPrintedTenth));
+    EXPECT_TRUE(ZELTest::SameDouble(total.seconds, total.clock, kPrintedTenth));
+}
+
+TEST_F(ZELKinVerifyCommand, TheRunTimesOfTheCoursesAddUpToTheirPlysAndThePliesToTheTotal)
+{
+    const QJsonObject result = VerifyAsJson();
+    double plies = 0.0;
+    for (const QJsonValue& value : result.value(QStringLiteral("plies")).toArray()) {
+        const QJsonObject ply = value.toObject();
+        const QString number = ply.value(QStringLiteral("ply")).toString();
+        double courses = 0.0;
+        for (const QJsonValue& course : ply.value(QStringLiteral("courseChecks")).toArray()) {
+            const double seconds = course.toObject().value(QStringLiteral("runTimeSeconds")).toDouble();
+            EXPECT_TRUE(std::isfinite(seconds) && seconds > 0.0) << number.toStdString() << ": " << seconds;
+            EXPECT_EQ(course.toObject().value(QStringLiteral("untimedLines")).toInt(-1), 0);
+            courses += seconds;
+        }
+        const double seconds = ply.value(QStringLiteral("runTimeSeconds")).toDouble();
+        EXPECT_TRUE(ZELTest::SameDouble(seconds, courses, kSummedSeconds)) << number.toStdString();
+        EXPECT_EQ(ply.value(QStringLiteral("untimedLines")).toInt(-1), 0);
+        plies += seconds;
+    }
+    EXPECT_GT(plies, 0.0);
+    EXPECT_TRUE(ZELTest::SameDouble(plies, result.value(QStringLiteral("runTimeSeconds")).toDouble(), kSummedSeconds));
+    EXPECT_EQ(result.value(QStringLiteral("untimedLines")).toInt(-1), 0);
+}
+
+TEST_F(ZELKinVerifyCommand, EachCourseRowEndsWithItsRunTimeInSeconds)
+{
+    const QStringList lines = Verify().standardOutput.split(QLatin1Char('\n'));
+    const int perCourse = int(lines.indexOf(QStringLiteral("Per course:")));
+    ASSERT_GT(perCourse, 0);
+    EXPECT_TRUE(lines.at(perCourse + 1).endsWith(QStringLiteral("  warnings  run time s")))
+        << lines.at(perCourse + 1).toStdString();
+    int row = perCourse + 2;
+    for (const QJsonValue& ply : VerifyAsJson().value(QStringLiteral("plies")).toArray()) {
+        for (const QJsonValue& course : ply.toObject().value(QStringLiteral("courseChecks")).toArray()) {
+            const QString cell = lines.at(row++).split(QLatin1Char(' '), Qt::SkipEmptyParts).last();
+            EXPECT_TRUE(ZELTest::SameDouble(course.toObject().value(QStringLiteral("runTimeSeconds")).toDouble(),
+                                            cell.toDouble(), kPrintedTenth))
+                << cell.toStdString();
+        }
+    }
+}
+
+TEST_F(ZELKinVerifyCommand, ALineWithoutAFeedLeavesItsPlysRunTimeABoundAndSaysSo)
+{
+    // The ply's first motion line sets the feed the first line along course
+    // 1 runs at; without it that line has none.
+    const int first = LineStartingWith(LinesOfFile(ply), QStringLiteral("N1G641 ADIS=OFF_PART "));
+    ASSERT_GT(first, 0);
+    ChangeLine(ply, first, [](const QString& text) { return WithoutWord(text, QStringLiteral("F")); });
+
+    const QJsonObject result = VerifyAsJson();
+    const QJsonObject untimed = PlyOf(result, QStringLiteral("0101"));
+    const QJsonObject course = untimed.value(QStringLiteral("courseChecks")).toArray().at(0).toObject();
+    EXPECT_EQ(untimed.value(QStringLiteral("untimedLines")).toInt(), 1);
+    EXPECT_EQ(course.value(QStringLiteral("untimedLines")).toInt(), 1);
+    EXPECT_EQ(PlyOf(result, QStringLiteral("0102")).value(QStringLiteral("untimedLines")).toInt(), 0);
+    EXPECT_EQ(result.value(QStringLiteral("untimedLines")).toInt(), 1);
+
+    const QString summary = Verify().standardOutput;
+    const QStringList rows = RunTimeRows(summary);
+    ASSERT_EQ(rows.size(), 6);
+    const RunTimeRow row(rows.at(1));
+    EXPECT_EQ(row.untimed, 1);
+    EXPECT_TRUE(row.secondsBounded && row.clockBounded) << rows.at(1).toStdString();
+    EXPECT_FALSE(RunTimeRow(rows.at(2)).secondsBounded) << rows.at(2).toStdString();
+    const RunTimeRow total(rows.at(5));
+    EXPECT_TRUE(total.secondsBounded && total.clockBounded) << rows.at(5).toStdString();
+    EXPECT_TRUE(summary.contains(QStringLiteral("\n1 of %1 lines cannot be timed (a feed line without a feed, or a "
+                                                "rapid or a turn in place whose axes have no speed limit): a time "
+                                                "marked >= leaves them out.\n")
+                                     .arg(total.lines)))
+        << summary.toStdString();
 }
 
 // The machine's own kinematics.

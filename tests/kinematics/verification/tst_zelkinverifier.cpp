@@ -30,6 +30,8 @@ constexpr double kDegree = 0.017453292519943295;
 constexpr double kInch = 25.4;
 //! A value a finding reports, read back from its four or three decimals.
 constexpr double kReported = 0.02;
+//! Run times in seconds, summed in another order.
+constexpr double kSummed = 1e-9;
 
 // The example flat panel, posted for the example machine once for all the
 // tests: reading back and verifying take a fraction of the time posting
@@ -118,6 +120,43 @@ TEST_F(ZELKinVerifierTest, ThePostedPanelPassesEveryCheckWithEveryCourseMatched)
         EXPECT_LE(ply.centre.value, verification.gates.centre) << ply.plyNumber.toStdString();
         EXPECT_LE(ply.pathGap.value, verification.gates.centre) << ply.plyNumber.toStdString();
     }
+}
+
+// The roller centre never runs faster than the feed: each ply takes at
+// least its feed lines' centre travel at their feeds, and more, since the
+// head speeds up and slows down.
+TEST_F(ZELKinVerifierTest, EachPlyOfThePostedPanelTakesLongerThanItsFeedsAloneAndItsCoursesAddUpToIt)
+{
+    const ZELKinVerification verification = Verify(s_posted->nc);
+    ASSERT_EQ(verification.plies.size(), s_posted->nc.plies.size());
+    const QList<int> centre{IndexOf(QStringLiteral("X")), IndexOf(QStringLiteral("Y")), IndexOf(QStringLiteral("Z"))};
+    double plies = 0.0;
+    for (int p = 0; p < verification.plies.size(); ++p) {
+        const ZELKinVerifiedPly& ply = verification.plies.at(p);
+        double atFeed = 0.0;
+        for (const ZELKinNCMotion& motion : s_posted->nc.plies.at(p).motions) {
+            double squared = 0.0;
+            for (const int axis : centre)
+                squared += std::pow(motion.values.at(axis) - motion.starts.at(axis), 2);
+            if (!motion.rapid && std::isfinite(squared))
+                atFeed += std::sqrt(squared) / (motion.feedrate / 60.0);
+        }
+        EXPECT_TRUE(ply.runTime.IsComplete()) << ply.plyNumber.toStdString();
+        EXPECT_EQ(ply.runTime.motionLines, ply.motionLines) << ply.plyNumber.toStdString();
+        EXPECT_GT(atFeed, 0.0) << ply.plyNumber.toStdString();
+        EXPECT_GT(ply.runTime.seconds, atFeed) << ply.plyNumber.toStdString();
+        double courses = 0.0;
+        for (const ZELKinVerifiedCourse& course : ply.courseTallies) {
+            EXPECT_GT(course.runTime.seconds, 0.0) << ply.plyNumber.toStdString() << ", course " << course.course;
+            EXPECT_EQ(course.runTime.motionLines, course.motionLines)
+                << ply.plyNumber.toStdString() << ", course " << course.course;
+            courses += course.runTime.seconds;
+        }
+        EXPECT_TRUE(ZELTest::SameDouble(ply.runTime.seconds, courses, kSummed)) << ply.plyNumber.toStdString();
+        plies += ply.runTime.seconds;
+    }
+    EXPECT_TRUE(ZELTest::SameDouble(plies, verification.runTime.seconds, kSummed));
+    EXPECT_TRUE(verification.runTime.IsComplete());
 }
 
 // A tenth of an inch is what a misread X word moves the roller by.

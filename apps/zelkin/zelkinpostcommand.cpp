@@ -183,19 +183,22 @@ QString ZELKinPostCommand::GetDescription() const
         "Dates in the files come from SOURCE_DATE_EPOCH when it is set.\n");
 }
 
+QList<ZELKinOption> ZELKinPostCommand::GetOptions() const
+{
+    return {ZELKinOption(MachineOption, ZELKinOption::Value::Input),
+            ZELKinOption(ToolpathOption, ZELKinOption::Value::Input),
+            ZELKinOption(OutputOption, ZELKinOption::Value::Path),
+            ZELKinOption(FormatOption, ZELKinOption::Value::Text, {AFPGCodeFormat}),
+            ZELKinOption(OptionsOption, ZELKinOption::Value::Text),
+            ZELKinOption(PlyOption, ZELKinOption::Value::Text, {SinglePly}),
+            ZELKinOption(DebugPathOption, ZELKinOption::Value::Path),
+            ZELKinOption(TraceOption, ZELKinOption::Value::Path),
+            ZELKinOption(KeepGoingOption, ZELKinOption::Value::None)};
+}
+
 int ZELKinPostCommand::Run(const QStringList& arguments)
 {
-    const QString valueName = QStringLiteral("value");
-    const ZELKinArguments parsed(GetName(), arguments,
-                                 {QCommandLineOption(MachineOption, QString(), valueName),
-                                  QCommandLineOption(ToolpathOption, QString(), valueName),
-                                  QCommandLineOption(OutputOption, QString(), valueName),
-                                  QCommandLineOption(FormatOption, QString(), valueName),
-                                  QCommandLineOption(OptionsOption, QString(), valueName),
-                                  QCommandLineOption(PlyOption, QString(), valueName),
-                                  QCommandLineOption(DebugPathOption, QString(), valueName),
-                                  QCommandLineOption(TraceOption, QString(), valueName),
-                                  QCommandLineOption(KeepGoingOption)});
+    const ZELKinArguments parsed(GetName(), arguments, GetOptions());
     parsed.RequireAtMostPositionals(0);
     const QString format = FormatOf(parsed, GetName());
     const QString output = parsed.GetRequiredValue(OutputOption);

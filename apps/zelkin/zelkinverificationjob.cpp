@@ -3,6 +3,7 @@
 #include "zelkinarguments.h"
 #include "zelkincommand.h"
 #include "zelkinconsole.h"
+#include "zelkininputfile.h"
 #include "zelkinmachinefile.h"
 #include "zelkintranslationjob.h"
 
@@ -10,7 +11,6 @@
 #include <zelkinafpmachine.h>
 #include <zelkinncreplay.h>
 #include <zeltpprogram.h>
-#include <zeltpprogramreader.h>
 
 #include <QtGlobal>
 #include <QtMath>
@@ -88,14 +88,13 @@ void KeepUntilExit(std::unique_ptr<ZELGeoContainer> container)
 
 } // namespace
 
-QList<QCommandLineOption> ZELKinVerificationJob::GetOptions()
+QList<ZELKinOption> ZELKinVerificationJob::GetOptions()
 {
-    const QString valueName = QStringLiteral("value");
-    return {QCommandLineOption(MachineOption, QString(), valueName),
-            QCommandLineOption(ToolpathOption, QString(), valueName),
-            QCommandLineOption(NCOption, QString(), valueName),
-            QCommandLineOption(FlipOption, QString(), valueName),
-            QCommandLineOption(SingularityOption, QString(), valueName)};
+    return {ZELKinOption(MachineOption, ZELKinOption::Value::Input),
+            ZELKinOption(ToolpathOption, ZELKinOption::Value::Input),
+            ZELKinOption(NCOption, ZELKinOption::Value::Path),
+            ZELKinOption(FlipOption, ZELKinOption::Value::Text),
+            ZELKinOption(SingularityOption, ZELKinOption::Value::Text)};
 }
 
 QStringList ZELKinVerificationJob::GetFileOptions()
@@ -125,7 +124,7 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
     // a post on this machine could take.
     const qint64 maximumBytes = ZELKinTranslationJob::GetMaximumToolpathBytes();
     const ZELTPProgram* toolpath
-        = ReadInput([&] { return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath, maximumBytes); });
+        = ReadInput([&] { return ZELKinInputFile::ReadToolpath(m_container.get(), input.toolpathPath, maximumBytes); });
     ZELKinNCReplay replay(*m_machine);
     replay.SetMaximumLength(maximumBytes);
     const ZELKinNCProgram nc = ReadInput([&] { return replay.Read(input.ncPath); });

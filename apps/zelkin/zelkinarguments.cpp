@@ -113,7 +113,8 @@ void ZELKinArguments::RequirePaths(const QStringList& options) const
 {
     for (const QString& option : options) {
         if (IsSet(option) && GetValue(option).isEmpty())
-            throw ZELKinUsageError(NeedsAPath(QStringLiteral("the option ") + ZELKinOption::AsTyped(option)), m_command);
+            throw ZELKinUsageError(NeedsAPath(QStringLiteral("the option ") + ZELKinOption::AsTyped(option)),
+                                   m_command);
     }
 }
 
@@ -160,8 +161,8 @@ void ZELKinArguments::RequireEachOnce() const
     for (const QString& name : m_parser.optionNames()) {
         const ZELKinOption* option = Find(name);
         if (given.contains(option))
-            throw ZELKinUsageError(
-                QStringLiteral("the option %1 is given twice").arg(ZELKinOption::AsTyped(name)), m_command);
+            throw ZELKinUsageError(QStringLiteral("the option %1 is given twice").arg(ZELKinOption::AsTyped(name)),
+                                   m_command);
         given.append(option);
     }
 }

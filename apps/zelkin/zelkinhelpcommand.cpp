@@ -79,14 +79,15 @@ QString ZELKinHelpCommand::GetCommandList() const
                           "\n"
                           "Commands:\n")
         + commands.ToText(2)
-        + QStringLiteral("\n"
-                         "Run 'zelkin help COMMAND' or 'zelkin COMMAND --help' for the usage of one command.\n"
-                         "\n"
-                         "Exit statuses:\n"
-                         "  0  success; verify and report: every check passed\n"
-                         "  1  failure, said in one error line; verify and report: a check failed\n"
-                         "  2  the command line is wrong, said in an error line and a hint\n"
-                         "  3  solve and post: beyond the machine's limits; verify and report: an input cannot be read\n"
-                         "\n"
-                         "More in docs/zelkin.md of the ZELKinematics sources.\n");
+        + QStringLiteral(
+               "\n"
+               "Run 'zelkin help COMMAND' or 'zelkin COMMAND --help' for the usage of one command.\n"
+               "\n"
+               "Exit statuses:\n"
+               "  0  success; verify and report: every check passed\n"
+               "  1  failure, said in one error line; verify and report: a check failed\n"
+               "  2  the command line is wrong, said in an error line and a hint\n"
+               "  3  solve and post: beyond the machine's limits; verify and report: an input cannot be read\n"
+               "\n"
+               "More in docs/zelkin.md of the ZELKinematics sources.\n");
 }

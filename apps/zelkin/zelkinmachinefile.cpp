@@ -36,10 +36,10 @@ QByteArray ReadFile(const QString& path)
     // (/dev/zero, /dev/urandom, a pipe left open): its name is said here, as
     // the one clue to which of the inputs it was.
     if (file.isSequential() && text.size() > ZELKinMachineLoader::MaximumDescriptionBytes)
-        throw ZELSysException(QStringLiteral("%1: the machine description is larger than %2 bytes; a pipe or a "
-                                             "device is read no further")
-                                  .arg(ZELKinInputFile::GetName(path),
-                                       QString::number(ZELKinMachineLoader::MaximumDescriptionBytes)));
+        throw ZELSysException(
+            QStringLiteral("%1: the machine description is larger than %2 bytes; a pipe or a "
+                           "device is read no further")
+                .arg(ZELKinInputFile::GetName(path), QString::number(ZELKinMachineLoader::MaximumDescriptionBytes)));
     return text;
 }
 

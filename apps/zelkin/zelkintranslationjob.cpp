@@ -127,8 +127,8 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
     , m_solver(CreateSolver(*m_machine))
 {
     RequireMemoryFor(input.toolpathPath);
-    const ZELTPProgram* toolpath
-        = ZELKinInputFile::ReadToolpath(&m_container, input.toolpathPath, GetMaximumToolpathBytes());
+    const ZELTPProgram* toolpath = ZELKinInputFile::ReadToolpath(&m_container, input.toolpathPath,
+                                                                 GetMaximumToolpathBytes());
     WarnOfAnotherTowWidth(*toolpath, *m_machine);
     m_solver->SetDebugPath(input.debugPath);
 

@@ -91,8 +91,7 @@ void KeepUntilExit(std::unique_ptr<ZELGeoContainer> container)
 QList<ZELKinOption> ZELKinVerificationJob::GetOptions()
 {
     return {ZELKinOption(MachineOption, ZELKinOption::Value::Input),
-            ZELKinOption(ToolpathOption, ZELKinOption::Value::Input),
-            ZELKinOption(NCOption, ZELKinOption::Value::Path),
+            ZELKinOption(ToolpathOption, ZELKinOption::Value::Input), ZELKinOption(NCOption, ZELKinOption::Value::Path),
             ZELKinOption(FlipOption, ZELKinOption::Value::Text),
             ZELKinOption(SingularityOption, ZELKinOption::Value::Text)};
 }

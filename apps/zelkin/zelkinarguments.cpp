@@ -167,18 +167,37 @@ void ZELKinArguments::RequireEachOnce() const
     }
 }
 
-// The standard input is read once, to its end.
+// The standard input is read once, to its end: a second reader would find
+// nothing, or, where it is a file, read it again from its start.
 void ZELKinArguments::RequireOneStandardInput() const
+{
+    const QStringList readers = GetStandardInputReaders();
+    if (readers.size() > 1)
+        throw TwoStandardInputReaders(readers.at(0), readers.at(1));
+}
+
+void ZELKinArguments::RequireStandardInputFor(const QString& reader) const
+{
+    const QStringList readers = GetStandardInputReaders();
+    if (!readers.isEmpty())
+        throw TwoStandardInputReaders(readers.first(), reader);
+}
+
+QStringList ZELKinArguments::GetStandardInputReaders() const
 {
     QStringList readers;
     for (const ZELKinOption& option : m_options) {
         if (ReadsStandardInput(option))
             readers.append(ZELKinOption::AsTyped(option.GetNames().first()));
     }
-    if (readers.size() > 1)
-        throw ZELKinUsageError(QStringLiteral("%1 and %2 cannot both read standard input ('%3')")
-                                   .arg(readers.at(0), readers.at(1), ZELKinInputFile::GetStandardInputArgument()),
-                               m_command);
+    return readers;
+}
+
+ZELKinUsageError ZELKinArguments::TwoStandardInputReaders(const QString& first, const QString& second) const
+{
+    return ZELKinUsageError(QStringLiteral("%1 and %2 cannot both read standard input ('%3')")
+                                .arg(first, second, ZELKinInputFile::GetStandardInputArgument()),
+                            m_command);
 }
 
 const ZELKinOption* ZELKinArguments::Find(const QString& name) const

@@ -8,6 +8,8 @@
 #include <QString>
 #include <QStringList>
 
+class ZELKinUsageError;
+
 /*!
     A command's arguments read against the options it accepts. Everything
     the command cannot accept is a ZELKinUsageError naming the command, so
@@ -52,6 +54,11 @@ public:
     //! Throws ZELKinUsageError "unexpected argument '<argument>'" for the
     //! first positional argument beyond `count`.
     void RequireAtMostPositionals(int count) const;
+    //! For a command that reads the standard input itself as well, as
+    //! `reader` (what the user typed that makes it do so) says: throws
+    //! ZELKinUsageError "--<option> and <reader> cannot both read standard
+    //! input ('-')" when an option that reads a file is given "-".
+    void RequireStandardInputFor(const QString& reader) const;
 
     //! Throws ZELKinUsageError "the option --<option> needs a path, not an
     //! empty text" for the first of `options` given an empty value.
@@ -74,6 +81,9 @@ private:
     QString DescribeParseError() const;
     void RequireEachOnce() const;
     void RequireOneStandardInput() const;
+    //! The options that read a file given "-", as typed.
+    QStringList GetStandardInputReaders() const;
+    ZELKinUsageError TwoStandardInputReaders(const QString& first, const QString& second) const;
     //! The option that goes by `name`; null for none.
     const ZELKinOption* Find(const QString& name) const;
     bool ReadsStandardInput(const ZELKinOption& option) const;

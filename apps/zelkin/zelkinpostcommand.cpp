@@ -204,6 +204,9 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     const QString output = parsed.GetRequiredValue(OutputOption);
     const QString options = OptionsOf(parsed, GetName());
     QString ply = PlyToProcessOf(parsed, GetName());
+    // The single-ply mode reads the ply number from the standard input.
+    if (ply == SinglePly)
+        parsed.RequireStandardInputFor(QStringLiteral("--%1 %2").arg(PlyOption, SinglePly));
     const QStringList inputs{MachineOption, ToolpathOption};
     parsed.RequirePaths(inputs + QStringList{OutputOption, DebugPathOption, TraceOption});
     parsed.RequireNotAnInput(OutputOption, WrittenFile(output), inputs);

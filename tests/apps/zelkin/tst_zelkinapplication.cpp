@@ -495,6 +495,18 @@ INSTANTIATE_TEST_SUITE_P(Commands, ZELKinToolStandardInputTwice,
                                            "verify --machine - --toolpath - --nc nc",
                                            "report --toolpath - --machine - --nc nc -o report.html"));
 
+// The single-ply mode reads the ply number from standard input: a toolpath
+// there would leave none, or, redirected from a file, give its first line.
+TEST(ZELKinToolStandardInputTwice, SinglePlyModeAndAToolpathOnStandardInputIsAUsageError)
+{
+    ExpectUsageError({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                      QStringLiteral("--toolpath"), QStringLiteral("-"), QStringLiteral("--output"),
+                      QStringLiteral("nc.bun"), QStringLiteral("--ply-to-process"), QStringLiteral("ONEPLY")},
+                     QStringLiteral("zelkin: error: --toolpath and --ply-to-process ONEPLY cannot both read standard "
+                                    "input ('-')"),
+                     QStringLiteral("zelkin: hint: run 'zelkin help post' for its usage"));
+}
+
 // Standard output that cannot be written: results that never arrive are no
 // success, for every command.
 

@@ -1,5 +1,6 @@
 #include "zelkinapplication.h"
 #include "zelkincommandregistry.h"
+#include "zelkincompletioncommand.h"
 #include "zelkinconsole.h"
 #include "zelkingcodecommand.h"
 #include "zelkingeneratetoolpathcommand.h"
@@ -32,6 +33,7 @@ int main(int argc, char* argv[])
     registry.Add(std::make_unique<ZELKinGCodeCommand>());
     registry.Add(std::make_unique<ZELKinVerifyCommand>());
     registry.Add(std::make_unique<ZELKinReportCommand>());
+    registry.Add(std::make_unique<ZELKinCompletionCommand>(registry));
 
     return ZELKinApplication(registry, QStringLiteral(ZELKIN_VERSION)).Run(QCoreApplication::arguments().mid(1));
 }

@@ -1,6 +1,9 @@
 #ifndef ZELKINCOMMAND_H
 #define ZELKINCOMMAND_H
 
+#include "zelkinoption.h"
+
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -43,6 +46,12 @@ public:
     virtual QString GetSynopsis() const = 0;
     //! What the command does and what its options mean, for "zelkin help <name>".
     virtual QString GetDescription() const = 0;
+    //! The options Run() reads its arguments against, which "zelkin
+    //! completion" completes as well.
+    virtual QList<ZELKinOption> GetOptions() const = 0;
+    //! What the positional arguments are, for "zelkin completion": none
+    //! unless the command says otherwise.
+    virtual ZELKinOption GetPositional() const { return ZELKinOption::Positional(ZELKinOption::Value::None); }
 
     //! `arguments` are those after the command's name.
     virtual int Run(const QStringList& arguments) = 0;

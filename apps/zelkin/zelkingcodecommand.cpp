@@ -127,9 +127,19 @@ QString ZELKinGCodeCommand::GetDescription() const
                           "ends there with an error.\n");
 }
 
+QList<ZELKinOption> ZELKinGCodeCommand::GetOptions() const
+{
+    return {};
+}
+
+ZELKinOption ZELKinGCodeCommand::GetPositional() const
+{
+    return ZELKinOption::Positional(ZELKinOption::Value::Input);
+}
+
 int ZELKinGCodeCommand::Run(const QStringList& arguments)
 {
-    const ZELKinArguments parsed(GetName(), arguments, {});
+    const ZELKinArguments parsed(GetName(), arguments, GetOptions());
     const QString path = parsed.GetSinglePositional(QStringLiteral("NC file"));
 
     QFile file;

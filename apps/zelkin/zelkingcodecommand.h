@@ -19,6 +19,8 @@ public:
     QString GetSummary() const override;
     QString GetSynopsis() const override;
     QString GetDescription() const override;
+    QList<ZELKinOption> GetOptions() const override;
+    ZELKinOption GetPositional() const override;
     //! Throws ZELSysException "cannot read <file>: <reason>" when the file
     //! cannot be opened, a read fails, or a line is one no NC text has (see
     //! ZELKinNCLineReader); the lines before it have been printed by then.

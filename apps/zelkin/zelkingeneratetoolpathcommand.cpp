@@ -29,25 +29,14 @@ constexpr double kSteepestPly = 90.0;
 constexpr int kMostCourses = 1000000;
 constexpr int kMostPoints = 10000000;
 
-QList<QCommandLineOption> GetOptions()
-{
-    return {QCommandLineOption(PartOption, QString(), QStringLiteral("part")),
-            QCommandLineOption(PliesOption, QString(), QStringLiteral("angles")),
-            QCommandLineOption(CoursesOption, QString(), QStringLiteral("count")),
-            QCommandLineOption(PointsOption, QString(), QStringLiteral("count")),
-            QCommandLineOption(NameOption, QString(), QStringLiteral("name")),
-            QCommandLineOption({OutputOption, QStringLiteral("output")}, QString(), QStringLiteral("file")),
-            QCommandLineOption(ZELKinProgressDisplay::QuietOption)};
-}
-
 // The command's options read and checked, each refused with a usage error
 // that says what was expected.
 class OptionReader
 {
 public:
-    OptionReader(const QString& command, const QStringList& arguments)
+    OptionReader(const QString& command, const QStringList& arguments, const QList<ZELKinOption>& options)
         : m_command(command)
-        , m_parsed(command, arguments, GetOptions())
+        , m_parsed(command, arguments, options)
     {
         m_parsed.RequireAtMostPositionals(0);
         m_parsed.RequirePaths({OutputOption});
@@ -182,9 +171,20 @@ QString ZELKinGenerateToolpathCommand::GetDescription() const
         "links, points and bytes.\n");
 }
 
+QList<ZELKinOption> ZELKinGenerateToolpathCommand::GetOptions() const
+{
+    return {ZELKinOption(PartOption, ZELKinOption::Value::Text),
+            ZELKinOption(PliesOption, ZELKinOption::Value::Text),
+            ZELKinOption(CoursesOption, ZELKinOption::Value::Text),
+            ZELKinOption(PointsOption, ZELKinOption::Value::Text),
+            ZELKinOption(NameOption, ZELKinOption::Value::Text),
+            ZELKinOption({OutputOption, QStringLiteral("output")}, ZELKinOption::Value::Path),
+            ZELKinOption(ZELKinProgressDisplay::QuietOption, ZELKinOption::Value::None)};
+}
+
 int ZELKinGenerateToolpathCommand::Run(const QStringList& arguments)
 {
-    const OptionReader reader(GetName(), arguments);
+    const OptionReader reader(GetName(), arguments, GetOptions());
     const std::unique_ptr<ZELGenPart> part = reader.GetPart();
     ZELGenToolpathGenerator::Settings settings;
     settings.plyAngles = reader.GetPlyAngles();

@@ -19,6 +19,8 @@ public:
     QString GetSummary() const override;
     QString GetSynopsis() const override;
     QString GetDescription() const override;
+    QList<ZELKinOption> GetOptions() const override;
+    ZELKinOption GetPositional() const override;
     int Run(const QStringList& arguments) override;
 
     //! The usage line and description of one command.

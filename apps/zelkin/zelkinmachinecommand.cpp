@@ -46,10 +46,20 @@ QString ZELKinMachineCommand::GetDescription() const
         "          per second); a missing limit is null.\n");
 }
 
+QList<ZELKinOption> ZELKinMachineCommand::GetOptions() const
+{
+    return {ZELKinOption(JsonOption, ZELKinOption::Value::None)};
+}
+
+ZELKinOption ZELKinMachineCommand::GetPositional() const
+{
+    return ZELKinOption::Positional(ZELKinOption::Value::Input);
+}
+
 int ZELKinMachineCommand::Run(const QStringList& arguments)
 {
-    const ZELKinArguments parsed(GetName(), arguments, {QCommandLineOption(JsonOption)});
-    const QString path = parsed.GetSinglePositional(QStringLiteral("machine description file"));
+    const ZELKinArguments parsed(GetName(), arguments, GetOptions());
+    const QString path = parsed.GetSingleInput(QStringLiteral("machine description file"));
 
     ZELGeoContainer container;
     const ZELKinAFPMachine* machine = ZELKinMachineFile::Load(&container, path);

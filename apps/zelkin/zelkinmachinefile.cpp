@@ -1,5 +1,7 @@
 #include "zelkinmachinefile.h"
 
+#include "zelkininputfile.h"
+
 #include <zelkinafpmachine.h>
 #include <zelkinmachinedescriptioncheck.h>
 #include <zelkinmachineloader.h>
@@ -14,7 +16,8 @@ namespace {
 
 ZELSysException CannotRead(const QFile& file)
 {
-    return ZELSysException(QStringLiteral("cannot read %1: %2").arg(file.fileName(), file.errorString()));
+    return ZELSysException(
+        QStringLiteral("cannot read %1: %2").arg(ZELKinInputFile::GetName(file.fileName()), file.errorString()));
 }
 
 // Reads no more than one byte past the largest description the loader
@@ -33,9 +36,10 @@ QByteArray ReadFile(const QString& path)
     // (/dev/zero, /dev/urandom, a pipe left open): its name is said here, as
     // the one clue to which of the inputs it was.
     if (file.isSequential() && text.size() > ZELKinMachineLoader::MaximumDescriptionBytes)
-        throw ZELSysException(QStringLiteral("%1: the machine description is larger than %2 bytes; a pipe or a "
-                                             "device is read no further")
-                                  .arg(path, QString::number(ZELKinMachineLoader::MaximumDescriptionBytes)));
+        throw ZELSysException(
+            QStringLiteral("%1: the machine description is larger than %2 bytes; a pipe or a "
+                           "device is read no further")
+                .arg(ZELKinInputFile::GetName(path), QString::number(ZELKinMachineLoader::MaximumDescriptionBytes)));
     return text;
 }
 
@@ -52,7 +56,7 @@ void RequireWellFormed(const QString& path, const QByteArray& text)
         reader.readNext();
     if (reader.hasError())
         throw ZELSysException(QStringLiteral("%1:%2:%3: %4")
-                                  .arg(path, QString::number(reader.lineNumber()),
+                                  .arg(ZELKinInputFile::GetName(path), QString::number(reader.lineNumber()),
                                        QString::number(reader.columnNumber()), reader.errorString()));
 }
 

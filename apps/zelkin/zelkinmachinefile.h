@@ -16,7 +16,9 @@ class ZELKinAFPMachine;
 namespace ZELKinMachineFile {
 
 //! Builds the machine described in the file at `path` in `container` and
-//! returns it (owned by the container). Throws ZELSysException with:
+//! returns it (owned by the container). Messages name the file as
+//! ZELKinInputFile::GetName() does: "standard input" for /dev/stdin. Throws
+//! ZELSysException with:
 //! - "cannot read <path>: <reason>" for a file that cannot be read;
 //! - "<path>:<line>:<column>: <parser message>" for text that is not
 //!   well-formed XML;

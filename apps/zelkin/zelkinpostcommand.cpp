@@ -211,25 +211,31 @@ QString ZELKinPostCommand::GetDescription() const
         "Dates in the files come from SOURCE_DATE_EPOCH when it is set.\n");
 }
 
+QList<ZELKinOption> ZELKinPostCommand::GetOptions() const
+{
+    return {ZELKinOption(MachineOption, ZELKinOption::Value::Input),
+            ZELKinOption(ToolpathOption, ZELKinOption::Value::Input),
+            ZELKinOption(OutputOption, ZELKinOption::Value::Path),
+            ZELKinOption(FormatOption, ZELKinOption::Value::Text, {AFPGCodeFormat}),
+            ZELKinOption(OptionsOption, ZELKinOption::Value::Text),
+            ZELKinOption(PlyOption, ZELKinOption::Value::Text, {SinglePly}),
+            ZELKinOption(DebugPathOption, ZELKinOption::Value::Path),
+            ZELKinOption(TraceOption, ZELKinOption::Value::Path),
+            ZELKinOption(KeepGoingOption, ZELKinOption::Value::None),
+            ZELKinOption(ZELKinProgressDisplay::QuietOption, ZELKinOption::Value::None)};
+}
+
 int ZELKinPostCommand::Run(const QStringList& arguments)
 {
-    const QString valueName = QStringLiteral("value");
-    const ZELKinArguments parsed(GetName(), arguments,
-                                 {QCommandLineOption(MachineOption, QString(), valueName),
-                                  QCommandLineOption(ToolpathOption, QString(), valueName),
-                                  QCommandLineOption(OutputOption, QString(), valueName),
-                                  QCommandLineOption(FormatOption, QString(), valueName),
-                                  QCommandLineOption(OptionsOption, QString(), valueName),
-                                  QCommandLineOption(PlyOption, QString(), valueName),
-                                  QCommandLineOption(DebugPathOption, QString(), valueName),
-                                  QCommandLineOption(TraceOption, QString(), valueName),
-                                  QCommandLineOption(KeepGoingOption),
-                                  QCommandLineOption(ZELKinProgressDisplay::QuietOption)});
+    const ZELKinArguments parsed(GetName(), arguments, GetOptions());
     parsed.RequireAtMostPositionals(0);
     const QString format = FormatOf(parsed, GetName());
     const QString output = parsed.GetRequiredValue(OutputOption);
     const QString options = OptionsOf(parsed, GetName());
     QString ply = PlyToProcessOf(parsed, GetName());
+    // The single-ply mode reads the ply number from the standard input.
+    if (ply == SinglePly)
+        parsed.RequireStandardInputFor(QStringLiteral("--%1 %2").arg(PlyOption, SinglePly));
     const QStringList inputs{MachineOption, ToolpathOption};
     parsed.RequirePaths(inputs + QStringList{OutputOption, DebugPathOption, TraceOption});
     parsed.RequireNotAnInput(OutputOption, WrittenFile(output), inputs);

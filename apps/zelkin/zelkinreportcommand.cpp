@@ -73,12 +73,15 @@ QString ZELKinReportCommand::GetDescription() const
         "  --singularity-angle DEG   Closest allowed to the singularity (default 2).\n");
 }
 
+QList<ZELKinOption> ZELKinReportCommand::GetOptions() const
+{
+    return ZELKinVerificationJob::GetOptions()
+        << ZELKinOption({OutputOption, QStringLiteral("output")}, ZELKinOption::Value::Path);
+}
+
 int ZELKinReportCommand::Run(const QStringList& arguments)
 {
-    const ZELKinArguments parsed(GetName(), arguments,
-                                 ZELKinVerificationJob::GetOptions()
-                                     << QCommandLineOption({OutputOption, QStringLiteral("output")}, QString(),
-                                                           QStringLiteral("value")));
+    const ZELKinArguments parsed(GetName(), arguments, GetOptions());
     parsed.RequireAtMostPositionals(0);
     const ZELKinVerificationJob::Input input = ZELKinVerificationJob::GetInput(parsed, GetName());
     const ZELKinHtmlReport::Sources sources{input.machinePath, input.toolpathPath, input.ncPath};

@@ -77,14 +77,18 @@ void ZELKinSolveCommand::WriteCsv(const ZELKinProgram& program, const ZELKinArgu
         throw ZELSysException(QStringLiteral("cannot write the CSV to standard output: %1").arg(out.errorString()));
 }
 
+QList<ZELKinOption> ZELKinSolveCommand::GetOptions() const
+{
+    return {ZELKinOption(MachineOption, ZELKinOption::Value::Input),
+            ZELKinOption(ToolpathOption, ZELKinOption::Value::Input),
+            ZELKinOption(CsvOption, ZELKinOption::Value::Path),
+            ZELKinOption(KeepGoingOption, ZELKinOption::Value::None),
+            ZELKinOption(ZELKinProgressDisplay::QuietOption, ZELKinOption::Value::None)};
+}
+
 int ZELKinSolveCommand::Run(const QStringList& arguments)
 {
-    const ZELKinArguments parsed(GetName(), arguments,
-                                 {QCommandLineOption(MachineOption, QString(), QStringLiteral("M.xml")),
-                                  QCommandLineOption(ToolpathOption, QString(), QStringLiteral("T.json")),
-                                  QCommandLineOption(CsvOption, QString(), QStringLiteral("FILE")),
-                                  QCommandLineOption(KeepGoingOption),
-                                  QCommandLineOption(ZELKinProgressDisplay::QuietOption)});
+    const ZELKinArguments parsed(GetName(), arguments, GetOptions());
     parsed.RequireAtMostPositionals(0);
     parsed.RequirePaths({MachineOption, ToolpathOption, CsvOption});
     parsed.RequireNotAnInput(CsvOption, parsed.GetValue(CsvOption), {MachineOption, ToolpathOption});

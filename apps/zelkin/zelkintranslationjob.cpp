@@ -2,6 +2,7 @@
 
 #include "zelkinclock.h"
 #include "zelkincommand.h"
+#include "zelkininputfile.h"
 #include "zelkinmachinefile.h"
 
 #include <zelkinafpmachine.h>
@@ -127,10 +128,8 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
     , m_solver(CreateSolver(*m_machine))
 {
     RequireMemoryFor(input.toolpathPath);
-    const ZELTPProgram* toolpath = [&] {
-        const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
-        return ZELTPProgramReader(&m_container).Read(input.toolpathPath, GetMaximumToolpathBytes());
-    }();
+    const ZELTPProgram* toolpath = ZELKinInputFile::ReadToolpath(&m_container, input.toolpathPath,
+                                                                 GetMaximumToolpathBytes());
     WarnOfAnotherTowWidth(*toolpath, *m_machine);
     m_solver->SetDebugPath(input.debugPath);
 

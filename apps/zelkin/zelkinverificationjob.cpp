@@ -3,15 +3,15 @@
 #include "zelkinarguments.h"
 #include "zelkincommand.h"
 #include "zelkinconsole.h"
+#include "zelkininputfile.h"
 #include "zelkinmachinefile.h"
+#include "zelkinprogressdisplay.h"
 #include "zelkintranslationjob.h"
 
 #include <zelgeocontainer.h>
 #include <zelkinafpmachine.h>
 #include <zelkinncreplay.h>
-#include <zelsysprogress.h>
 #include <zeltpprogram.h>
-#include <zeltpprogramreader.h>
 
 #include <QtGlobal>
 #include <QtMath>
@@ -89,14 +89,13 @@ void KeepUntilExit(std::unique_ptr<ZELGeoContainer> container)
 
 } // namespace
 
-QList<QCommandLineOption> ZELKinVerificationJob::GetOptions()
+QList<ZELKinOption> ZELKinVerificationJob::GetOptions()
 {
-    const QString valueName = QStringLiteral("value");
-    return {QCommandLineOption(MachineOption, QString(), valueName),
-            QCommandLineOption(ToolpathOption, QString(), valueName),
-            QCommandLineOption(NCOption, QString(), valueName),
-            QCommandLineOption(FlipOption, QString(), valueName),
-            QCommandLineOption(SingularityOption, QString(), valueName)};
+    return {ZELKinOption(MachineOption, ZELKinOption::Value::Input),
+            ZELKinOption(ToolpathOption, ZELKinOption::Value::Input), ZELKinOption(NCOption, ZELKinOption::Value::Path),
+            ZELKinOption(FlipOption, ZELKinOption::Value::Text),
+            ZELKinOption(SingularityOption, ZELKinOption::Value::Text),
+            ZELKinOption(ZELKinProgressDisplay::QuietOption, ZELKinOption::Value::None)};
 }
 
 QStringList ZELKinVerificationJob::GetFileOptions()
@@ -111,6 +110,7 @@ ZELKinVerificationJob::Input ZELKinVerificationJob::GetInput(const ZELKinArgumen
                 parsed.GetRequiredValue(NCOption), ZELKinVerifyGates()};
     input.gates.flip = AngleOption(parsed, FlipOption, input.gates.flip, command);
     input.gates.singularity = AngleOption(parsed, SingularityOption, input.gates.singularity, command);
+    input.quiet = parsed.IsSet(ZELKinProgressDisplay::QuietOption);
     return input;
 }
 
@@ -125,10 +125,8 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
     // The toolpath and the posted NC are held whole: no more of either than
     // a post on this machine could take.
     const qint64 maximumBytes = ZELKinTranslationJob::GetMaximumToolpathBytes();
-    const ZELTPProgram* toolpath = ReadInput([&] {
-        const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
-        return ZELTPProgramReader(m_container.get()).Read(input.toolpathPath, maximumBytes);
-    });
+    const ZELTPProgram* toolpath
+        = ReadInput([&] { return ZELKinInputFile::ReadToolpath(m_container.get(), input.toolpathPath, maximumBytes); });
     ZELKinNCReplay replay(*m_machine);
     replay.SetMaximumLength(maximumBytes);
     const ZELKinNCProgram nc = ReadInput([&] { return replay.Read(input.ncPath); });
@@ -137,6 +135,7 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
 
 int ZELKinVerificationJob::Run(const Input& input, const std::function<int(const ZELKinVerificationJob&)>& use)
 {
+    const ZELKinProgressDisplay display(ZELKinProgressDisplay::ChooseMode(input.quiet));
     std::unique_ptr<const ZELKinVerificationJob> job;
     try {
         job = std::make_unique<const ZELKinVerificationJob>(input);

@@ -1,9 +1,10 @@
 #ifndef ZELKINVERIFICATIONJOB_H
 #define ZELKINVERIFICATIONJOB_H
 
+#include "zelkinoption.h"
+
 #include <zelkinverifier.h>
 
-#include <QCommandLineOption>
 #include <QList>
 #include <QString>
 
@@ -46,11 +47,13 @@ public:
         QString toolpathPath;
         QString ncPath;
         ZELKinVerifyGates gates;
+        //! Show no progress on stderr.
+        bool quiet = false;
     };
 
     //! The options that say what to check: --machine, --toolpath, --nc,
-    //! --flip-angle and --singularity-angle (in degrees).
-    static QList<QCommandLineOption> GetOptions();
+    //! --flip-angle and --singularity-angle (in degrees); and --quiet.
+    static QList<ZELKinOption> GetOptions();
     //! The options among them that name the files read.
     static QStringList GetFileOptions();
     //! The input those options ask for. Throws ZELKinUsageError for

@@ -313,10 +313,14 @@ QString ZELKinVerifyCommand::GetDescription() const
         "  --singularity-angle DEG   Warn closer to the singularity (default 2).\n");
 }
 
+QList<ZELKinOption> ZELKinVerifyCommand::GetOptions() const
+{
+    return ZELKinVerificationJob::GetOptions() << ZELKinOption(JsonOption, ZELKinOption::Value::None);
+}
+
 int ZELKinVerifyCommand::Run(const QStringList& arguments)
 {
-    const ZELKinArguments parsed(GetName(), arguments,
-                                 ZELKinVerificationJob::GetOptions() << QCommandLineOption(JsonOption));
+    const ZELKinArguments parsed(GetName(), arguments, GetOptions());
     parsed.RequireAtMostPositionals(0);
     const ZELKinVerificationJob::Input input = ZELKinVerificationJob::GetInput(parsed, GetName());
     return ZELKinVerificationJob::Run(input, [&](const ZELKinVerificationJob& job) {

@@ -20,6 +20,7 @@ public:
     QString GetSummary() const override;
     QString GetSynopsis() const override;
     QString GetDescription() const override;
+    QList<ZELKinOption> GetOptions() const override;
     int Run(const QStringList& arguments) override;
 };
 

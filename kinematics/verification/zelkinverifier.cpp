@@ -5,6 +5,7 @@
 #include "zelkinverifyplan_p.h"
 
 #include <zelkinncreplay.h>
+#include <zelsysprogress.h>
 #include <zeltpprogram.h>
 #include <zeltprolllayupprocedure.h>
 
@@ -68,7 +69,12 @@ ZELKinVerification ZELKinVerifier::Verify(const ZELTPProgram& toolpath, const ZE
                                                     irregularity.subject, irregularity.message));
     const ZELKinVerifyAxes axes(d->machine, d->head.GetSlideVariables());
     QHash<QString, QString> laidBy;
+    qint64 lines = 0;
+    for (const ZELKinNCPlyFile& ply : nc.plies)
+        lines += ply.motions.size();
+    ZELSysProgress progress(QStringLiteral("Checking the NC"), QStringLiteral("lines"), lines);
     for (const ZELKinNCPlyFile& ply : nc.plies) {
+        progress.SetItem(ply.name);
         const ZELTPRollLayupProcedure* procedure = ZELKinVerifyPlan::ProcedureNamed(toolpath, ply.procedure);
         ZELKinPlyCheck check(axes, d->head, d->gates, ply, verification.findings);
         const std::optional<ZELKinProcedurePlan> plan = procedure && !laidBy.contains(ply.procedure)
@@ -89,6 +95,7 @@ ZELKinVerification ZELKinVerifier::Verify(const ZELTPProgram& toolpath, const ZE
         AddRunTime(verified, d->runTime.Estimate(ply));
         verification.runTime.Add(verified.runTime);
         verification.plies.append(verified);
+        progress.Advance(ply.motions.size());
     }
     for (const ZELTPRollLayupProcedure* procedure : ZELKinVerifyPlan::LayupProceduresOf(toolpath)) {
         if (!laidBy.contains(procedure->GetName()))

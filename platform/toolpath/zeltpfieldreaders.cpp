@@ -26,6 +26,10 @@ namespace {
 // How far travel and normal may be from unit length, and their dot product
 // from zero.
 constexpr double DirectionTolerance = 1e-6;
+// Significant digits of a length refused as no unit length: with the
+// tolerance's 1e-6 in the seventh digit of a length near 1, the eighth
+// shows how far it is off, and never lets it read "1".
+constexpr int RefusedLengthDigits = 8;
 
 // A range's end as the document would write it.
 QString Bound(double value)
@@ -183,7 +187,8 @@ ZELMathVector ReadUnitVector(const Value& value)
 {
     const ZELMathVector vector = ReadVector(value);
     if (!IsUnit(vector, DirectionTolerance))
-        value.Fail(ZELTPProgramReader::tr("expected a unit vector (length %1)").arg(Number(LengthOf(vector))));
+        value.Fail(ZELTPProgramReader::tr("expected a unit vector (length %1)")
+                       .arg(QString::number(LengthOf(vector), 'g', RefusedLengthDigits)));
     return vector;
 }
 
@@ -348,10 +353,12 @@ void ReadFormatName(const Value& value)
 
 void ReadVersion(const Value& value)
 {
-    const qint64 version = value.GetInteger();
+    // Compared as a number, as JSON Schema's "const" compares it: 1.0 and
+    // 1e0 are version 1, 1.5 is no version this reader knows.
+    const double version = value.GetNumber();
     if (version != ZELTPDocument::kVersion)
         value.Fail(ZELTPProgramReader::tr("unsupported version %1 (this reader reads version %2)")
-                       .arg(version)
+                       .arg(Exactly(version))
                        .arg(ZELTPDocument::kVersion));
 }
 

@@ -1,3 +1,4 @@
+#include "zelkinpostednc.h"
 #include "zelkintoolrun.h"
 
 #include <QFileInfo>
@@ -172,6 +173,338 @@ TEST(ZELKinToolVersion, PrintsTheProjectVersion)
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.standardOutput, QStringLiteral("zelkin " ZELKIN_VERSION "\n"));
     EXPECT_EQ(run.standardError, QString());
+}
+
+TEST(ZELKinToolHelp, HelpSaysWhatTheToolIsForItsExitStatusesAndWhereToReadMore)
+{
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("--help")});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.standardError, QString());
+    EXPECT_TRUE(run.standardOutput.contains(
+        QStringLiteral("\nzelkin posts automated fibre placement (AFP) toolpaths for one machine. It\n")))
+        << run.standardOutput.toStdString();
+    EXPECT_TRUE(run.standardOutput.endsWith(
+        QStringLiteral("\n"
+                       "Exit statuses:\n"
+                       "  0  success; verify and report: every check passed\n"
+                       "  1  failure, said in one error line; verify and report: a check failed\n"
+                       "  2  the command line is wrong, said in an error line and a hint\n"
+                       "  3  solve and post: beyond the machine's limits; verify and report: an input cannot be read\n"
+                       "\n"
+                       "More in docs/zelkin.md of the ZELKinematics sources.\n")))
+        << run.standardOutput.toStdString();
+}
+
+TEST(ZELKinToolHelp, HelpListsEveryCommand)
+{
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("--help")});
+    for (const char* command :
+         {"help", "machine", "generate-toolpath", "solve", "post", "gcode", "verify", "report", "completion"}) {
+        EXPECT_TRUE(HasLineMatching(run.standardOutput, QStringLiteral("^  %1  +[A-Z]").arg(QLatin1String(command))))
+            << command;
+        const ZELKinToolRun help = RunZelkin({QLatin1String(command), QStringLiteral("--help")});
+        EXPECT_EQ(help.exitCode, 0) << command;
+        EXPECT_TRUE(help.standardOutput.startsWith(QStringLiteral("Usage: zelkin %1 ").arg(QLatin1String(command))))
+            << command;
+    }
+}
+
+// An option given twice: the last would win without a word, and the first
+// may be the one meant.
+
+namespace {
+
+struct RepeatedOptionCase
+{
+    const char* name;
+    QStringList arguments;
+    const char* error;
+    const char* command;
+};
+
+void PrintTo(const RepeatedOptionCase& c, std::ostream* out)
+{
+    *out << c.name;
+}
+
+class ZELKinToolRepeatedOption : public ::testing::TestWithParam<RepeatedOptionCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinToolRepeatedOption, IsAUsageErrorThatNamesTheOption)
+{
+    const RepeatedOptionCase& c = GetParam();
+    ExpectUsageError(c.arguments, QStringLiteral("zelkin: error: ") + QString::fromUtf8(c.error),
+                     QStringLiteral("zelkin: hint: run 'zelkin help %1' for its usage").arg(QLatin1String(c.command)));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Commands, ZELKinToolRepeatedOption,
+    ::testing::Values(
+        RepeatedOptionCase{"ToolpathOfPost",
+                           {QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                            QStringLiteral("--toolpath"), QStringLiteral("a.json"), QStringLiteral("--toolpath"),
+                            QStringLiteral("b.json"), QStringLiteral("--output"), QStringLiteral("nc")},
+                           "the option --toolpath is given twice",
+                           "post"},
+        RepeatedOptionCase{
+            "ToolpathWithEqualsSigns",
+            {QStringLiteral("solve"), QStringLiteral("--toolpath=a.json"), QStringLiteral("--toolpath=b.json")},
+            "the option --toolpath is given twice",
+            "solve"},
+        RepeatedOptionCase{"TheSameValueTwice",
+                           {QStringLiteral("post"), QStringLiteral("--format"), QStringLiteral("AFPGCode"),
+                            QStringLiteral("--format"), QStringLiteral("AFPGCode")},
+                           "the option --format is given twice",
+                           "post"},
+        RepeatedOptionCase{
+            "FlagOfMachine",
+            {QStringLiteral("machine"), QStringLiteral("--json"), GetExampleMachinePath(), QStringLiteral("--json")},
+            "the option --json is given twice",
+            "machine"},
+        RepeatedOptionCase{"FlagOfSolve",
+                           {QStringLiteral("solve"), QStringLiteral("--keep-going"), QStringLiteral("--keep-going")},
+                           "the option --keep-going is given twice",
+                           "solve"},
+        RepeatedOptionCase{"NCOfVerify",
+                           {QStringLiteral("verify"), QStringLiteral("--nc"), QStringLiteral("a"),
+                            QStringLiteral("--nc"), QStringLiteral("b")},
+                           "the option --nc is given twice",
+                           "verify"},
+        // One option by its two names is given twice; the name typed second is
+        // the one named.
+        RepeatedOptionCase{"OutputByItsTwoNames",
+                           {QStringLiteral("report"), QStringLiteral("-o"), QStringLiteral("a.html"),
+                            QStringLiteral("--output"), QStringLiteral("b.html")},
+                           "the option --output is given twice",
+                           "report"},
+        RepeatedOptionCase{"ShortOption",
+                           {QStringLiteral("generate-toolpath"), QStringLiteral("-o"), QStringLiteral("a.json"),
+                            QStringLiteral("-o"), QStringLiteral("b.json")},
+                           "the option -o is given twice",
+                           "generate-toolpath"}),
+    [](const ::testing::TestParamInfo<RepeatedOptionCase>& info) { return std::string(info.param.name); });
+
+// "-" for --machine or --toolpath, or for the file of "machine": the
+// standard input.
+
+namespace {
+
+const QString kMinimalToolpath = QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/minimal.json");
+
+QByteArray ReadBytes(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
+// Runs the command line `arguments` twice: once with `file` where "@in"
+// stands, once with "-" there and the file's bytes on standard input.
+struct TwoWays
+{
+    TwoWays(const QStringList& arguments, const QString& file)
+    {
+        const QProcessEnvironment environment = ReproducibleEnvironment();
+        QStringList named = arguments;
+        named.replace(named.indexOf(QStringLiteral("@in")), file);
+        QStringList piped = arguments;
+        piped.replace(piped.indexOf(QStringLiteral("@in")), QStringLiteral("-"));
+        fromFile = RunZelkin(named, environment);
+        fromStandardInput = RunZelkin(piped, environment, ReadBytes(file));
+    }
+
+    ZELKinToolRun fromFile;
+    ZELKinToolRun fromStandardInput;
+};
+
+} // namespace
+
+TEST(ZELKinToolStandardInput, MachineShowsTheMachineOnStandardInput)
+{
+    const TwoWays runs({QStringLiteral("machine"), QStringLiteral("--json"), QStringLiteral("@in")},
+                       GetExampleMachinePath());
+    EXPECT_EQ(runs.fromStandardInput.exitCode, 0) << runs.fromStandardInput.standardError.toStdString();
+    EXPECT_TRUE(runs.fromStandardInput.standardOutput.startsWith(QLatin1Char('{')));
+    EXPECT_EQ(runs.fromStandardInput.standardOutput, runs.fromFile.standardOutput);
+}
+
+TEST(ZELKinToolStandardInput, SolveReadsTheToolpathFromStandardInput)
+{
+    const TwoWays runs({QStringLiteral("solve"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                        QStringLiteral("--toolpath"), QStringLiteral("@in")},
+                       kMinimalToolpath);
+    EXPECT_EQ(runs.fromStandardInput.exitCode, 0) << runs.fromStandardInput.standardError.toStdString();
+    EXPECT_TRUE(runs.fromStandardInput.standardOutput.contains(QStringLiteral("procedure,script,index,X,Y,Z,")));
+    EXPECT_EQ(runs.fromStandardInput.standardOutput, runs.fromFile.standardOutput);
+}
+
+TEST(ZELKinToolStandardInput, SolveReadsTheMachineFromStandardInput)
+{
+    const TwoWays runs({QStringLiteral("solve"), QStringLiteral("--machine"), QStringLiteral("@in"),
+                        QStringLiteral("--toolpath"), kMinimalToolpath},
+                       GetExampleMachinePath());
+    EXPECT_EQ(runs.fromStandardInput.exitCode, 0) << runs.fromStandardInput.standardError.toStdString();
+    EXPECT_TRUE(runs.fromStandardInput.standardOutput.contains(QStringLiteral("procedure,script,index,X,Y,Z,")));
+    EXPECT_EQ(runs.fromStandardInput.standardOutput, runs.fromFile.standardOutput);
+}
+
+TEST(ZELKinToolStandardInput, PostWritesTheSameBundleFromAToolpathOnStandardInput)
+{
+    const QTemporaryDir folder;
+    const auto post = [&folder](const QString& toolpath, const QString& bundle, const QByteArray& input) {
+        return RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                          QStringLiteral("--toolpath"), toolpath, QStringLiteral("--output"), folder.filePath(bundle)},
+                         ReproducibleEnvironment(), input);
+    };
+    const ZELKinToolRun named = post(kMinimalToolpath, QStringLiteral("from-file.bun"), QByteArray());
+    const ZELKinToolRun piped = post(QStringLiteral("-"), QStringLiteral("from-standard-input.bun"),
+                                     ReadBytes(kMinimalToolpath));
+    ASSERT_EQ(named.exitCode, 0) << named.standardError.toStdString();
+    EXPECT_EQ(piped.exitCode, 0) << piped.standardError.toStdString();
+    EXPECT_EQ(piped.standardOutput, named.standardOutput);
+    const QByteArray bundle = ReadBytes(folder.filePath(QStringLiteral("from-standard-input.bun")));
+    EXPECT_TRUE(bundle.startsWith("SetId|minimal-panel|"));
+    EXPECT_EQ(bundle, ReadBytes(folder.filePath(QStringLiteral("from-file.bun"))));
+}
+
+TEST(ZELKinToolStandardInput, VerifyReadsTheMachineAndTheToolpathFromStandardInput)
+{
+    const QTemporaryDir folder;
+    const QString nc = folder.filePath(QStringLiteral("nc"));
+    ASSERT_EQ(RunZelkin({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                         QStringLiteral("--toolpath"), kMinimalToolpath, QStringLiteral("--output"), nc})
+                  .exitCode,
+              0);
+    const TwoWays toolpath({QStringLiteral("verify"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                            QStringLiteral("--toolpath"), QStringLiteral("@in"), QStringLiteral("--nc"), nc},
+                           kMinimalToolpath);
+    EXPECT_EQ(toolpath.fromStandardInput.exitCode, 0) << toolpath.fromStandardInput.standardError.toStdString();
+    EXPECT_EQ(toolpath.fromStandardInput.standardOutput, toolpath.fromFile.standardOutput);
+    const TwoWays machine({QStringLiteral("verify"), QStringLiteral("--machine"), QStringLiteral("@in"),
+                           QStringLiteral("--toolpath"), kMinimalToolpath, QStringLiteral("--nc"), nc},
+                          GetExampleMachinePath());
+    EXPECT_EQ(machine.fromStandardInput.exitCode, 0) << machine.fromStandardInput.standardError.toStdString();
+    EXPECT_EQ(machine.fromStandardInput.standardOutput, machine.fromFile.standardOutput);
+    EXPECT_TRUE(machine.fromStandardInput.standardOutput.contains(QStringLiteral("Result: PASS")))
+        << machine.fromStandardInput.standardOutput.toStdString();
+}
+
+namespace {
+
+struct StandardInputErrorCase
+{
+    const char* name;
+    // "@machine" and "@toolpath" stand for the shipped examples.
+    QStringList arguments;
+    QByteArray input;
+    int exitCode;
+    const char* error;
+};
+
+void PrintTo(const StandardInputErrorCase& c, std::ostream* out)
+{
+    *out << c.name;
+}
+
+class ZELKinToolStandardInputError : public ::testing::TestWithParam<StandardInputErrorCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinToolStandardInputError, NamesTheStandardInput)
+{
+    const StandardInputErrorCase& c = GetParam();
+    QStringList arguments = c.arguments;
+    arguments.replaceInStrings(QStringLiteral("@machine"), GetExampleMachinePath());
+    arguments.replaceInStrings(QStringLiteral("@toolpath"), kMinimalToolpath);
+    const ZELKinToolRun run = RunZelkin(arguments, QProcessEnvironment::systemEnvironment(), c.input);
+    EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
+    EXPECT_EQ(run.exitCode, c.exitCode);
+    EXPECT_EQ(run.GetErrorLines(), QStringList({QStringLiteral("zelkin: error: ") + QString::fromUtf8(c.error)}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Inputs, ZELKinToolStandardInputError,
+    ::testing::Values(
+        StandardInputErrorCase{"MachineThatIsNoXml",
+                               {QStringLiteral("machine"), QStringLiteral("-")},
+                               "<a>",
+                               1,
+                               "standard input:1:0: Premature end of document."},
+        StandardInputErrorCase{"MachineOfSolveThatIsNoXml",
+                               {QStringLiteral("solve"), QStringLiteral("--machine"), QStringLiteral("-"),
+                                QStringLiteral("--toolpath"), QStringLiteral("@toolpath")},
+                               "<a>",
+                               1,
+                               "standard input:1:0: Premature end of document."},
+        StandardInputErrorCase{"MachineLargerThanTheLoaderTakes",
+                               {QStringLiteral("machine"), QStringLiteral("-")},
+                               QByteArray(4194305, ' '),
+                               1,
+                               "standard input: the machine description is larger than 4194304 bytes; a pipe or "
+                               "a device is read no further"},
+        StandardInputErrorCase{"ToolpathOfSolveThatIsNoJson",
+                               {QStringLiteral("solve"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                QStringLiteral("--toolpath"), QStringLiteral("-")},
+                               "{",
+                               1,
+                               "standard input: $: invalid JSON at byte 1: unexpected end of the document"},
+        StandardInputErrorCase{"ToolpathOfPostThatIsEmpty",
+                               {QStringLiteral("post"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                QStringLiteral("--toolpath"), QStringLiteral("-"), QStringLiteral("--output"),
+                                QStringLiteral("/nonexistent/nc")},
+                               "",
+                               1,
+                               "standard input: $: invalid JSON at byte 0: the document is empty"},
+        // verify and report end an input they cannot read with status 3.
+        StandardInputErrorCase{"ToolpathOfVerifyThatIsNoJson",
+                               {QStringLiteral("verify"), QStringLiteral("--machine"), QStringLiteral("@machine"),
+                                QStringLiteral("--toolpath"), QStringLiteral("-"), QStringLiteral("--nc"),
+                                QStringLiteral("/nonexistent/nc")},
+                               "{",
+                               3,
+                               "standard input: $: invalid JSON at byte 1: unexpected end of the document"}),
+    [](const ::testing::TestParamInfo<StandardInputErrorCase>& info) { return std::string(info.param.name); });
+
+namespace {
+
+// A command line, its arguments separated by blanks.
+class ZELKinToolStandardInputTwice : public ::testing::TestWithParam<const char*>
+{
+};
+
+} // namespace
+
+// Standard input is read once, to its end: the second reader would find it
+// empty.
+TEST_P(ZELKinToolStandardInputTwice, IsAUsageError)
+{
+    const QStringList arguments = QString::fromUtf8(GetParam()).split(QLatin1Char(' '));
+    ExpectUsageError(arguments,
+                     QStringLiteral("zelkin: error: --machine and --toolpath cannot both read standard input ('-')"),
+                     QStringLiteral("zelkin: hint: run 'zelkin help %1' for its usage").arg(arguments.first()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, ZELKinToolStandardInputTwice,
+                         ::testing::Values("solve --machine - --toolpath -",
+                                           "post --machine - --toolpath - --output nc",
+                                           "verify --machine - --toolpath - --nc nc",
+                                           "report --toolpath - --machine - --nc nc -o report.html"));
+
+// The single-ply mode reads the ply number from standard input: a toolpath
+// there would leave none, or, redirected from a file, give its first line.
+TEST(ZELKinToolStandardInputTwice, SinglePlyModeAndAToolpathOnStandardInputIsAUsageError)
+{
+    ExpectUsageError({QStringLiteral("post"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                      QStringLiteral("--toolpath"), QStringLiteral("-"), QStringLiteral("--output"),
+                      QStringLiteral("nc.bun"), QStringLiteral("--ply-to-process"), QStringLiteral("ONEPLY")},
+                     QStringLiteral("zelkin: error: --toolpath and --ply-to-process ONEPLY cannot both read standard "
+                                    "input ('-')"),
+                     QStringLiteral("zelkin: hint: run 'zelkin help post' for its usage"));
 }
 
 // Standard output that cannot be written: results that never arrive are no

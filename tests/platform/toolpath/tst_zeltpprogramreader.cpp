@@ -512,8 +512,8 @@ TEST(ZELTPProgramReader, FormatExceptionCarriesSourceLocationAndProblem)
     } catch (const ZELTPFormatException& error) {
         EXPECT_EQ(error.GetSourceName(), QStringLiteral("part.json"));
         EXPECT_EQ(error.GetLocation(), QStringLiteral("$.version"));
-        EXPECT_EQ(error.GetProblem(), QStringLiteral("expected an integer, found a string"));
-        EXPECT_EQ(error.GetMessage(), QStringLiteral("part.json: $.version: expected an integer, found a string"));
+        EXPECT_EQ(error.GetProblem(), QStringLiteral("expected a number, found a string"));
+        EXPECT_EQ(error.GetMessage(), QStringLiteral("part.json: $.version: expected a number, found a string"));
         EXPECT_NE(dynamic_cast<const ZELSysException*>(&error), nullptr);
     }
 }
@@ -1003,9 +1003,12 @@ const MalformedCase kMalformed[] = {
            "case.json: $.format: expected 'zelkin-toolpath', found 'zelkin-path'"),
     Change("VersionTwo", "version", 2, "case.json: $.version: unsupported version 2 (this reader reads version 1)"),
     Change("VersionZero", "version", 0, "case.json: $.version: unsupported version 0 (this reader reads version 1)"),
-    Change("VersionWithFraction", "version", 1.5, "case.json: $.version: expected an integer, found 1.5"),
+    Change("VersionOneAndAHalf", "version", 1.5,
+           "case.json: $.version: unsupported version 1.5 (this reader reads version 1)"),
+    Rewritten("VersionJustAboveOne", "\"version\":1", "\"version\":1.000000000000001",
+              "case.json: $.version: unsupported version 1.000000000000001 (this reader reads version 1)"),
     Change("VersionAsString", "version", QStringLiteral("1"),
-           "case.json: $.version: expected an integer, found a string"),
+           "case.json: $.version: expected a number, found a string"),
     Change("MissingProgram", "program", kRemoved, "case.json: $: missing field 'program'"),
     Change("ProgramNameMissing", "program.name", kRemoved, "case.json: $.program: missing field 'name'"),
     Change("ProgramNameEmpty", "program.name", QString(), "case.json: $.program.name: name is empty"),
@@ -1156,6 +1159,13 @@ const MalformedCase kMalformed[] = {
     CourseChange("NormalNotAUnitVector", "trajectories[1].points[1].normal", Triple(0, 0, 1.25),
                  "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1].normal: "
                  "expected a unit vector (length 1.25)"),
+    // Beyond the tolerance of 1e-6 by a tenth of it: the length shows why.
+    CourseChange("NormalJustTooLong", "trajectories[1].points[1].normal", Triple(0, 0, 1.0000011),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1].normal: "
+                 "expected a unit vector (length 1.0000011)"),
+    CourseChange("TravelJustTooShort", "trajectories[1].points[1].travel", Triple(0.9999989, 0, 0),
+                 "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1].travel: "
+                 "expected a unit vector (length 0.9999989)"),
     CourseChange("TravelOf1e308", "trajectories[1].points[1].travel", Triple(1e308, 0, 0),
                  "case.json: $.program.procedures[0].courses[0].trajectories[1].points[1].travel: "
                  "expected a unit vector (length 1e+308)"),
@@ -1514,6 +1524,20 @@ TEST(ZELTPProgramReader, KeyGivenTwiceCountsFromItsFirstValue)
         QStringLiteral("case.json"));
     ASSERT_NE(program, nullptr);
     EXPECT_EQ(program->GetName(), QStringLiteral("panel"));
+}
+
+// JSON Schema's "const": 1 takes 1.0 as well: they are the same number.
+TEST(ZELTPProgramReader, VersionWrittenWithAFractionOrAnExponentIsVersionOne)
+{
+    const QByteArray compact = QJsonDocument::fromJson(kValid).toJson(QJsonDocument::Compact);
+    for (const char* version : {"1.0", "1e0", "10e-1", "1.000"}) {
+        ZELGeoContainer container;
+        const ZELTPProgram* program = ZELTPProgramReader(&container).ReadData(
+            QByteArray(compact).replace("\"version\":1", QByteArray("\"version\":") + version),
+            QStringLiteral("case.json"));
+        ASSERT_NE(program, nullptr) << version;
+        EXPECT_EQ(program->GetName(), QStringLiteral("panel")) << version;
+    }
 }
 
 TEST(ZELTPProgramReader, ValidDocumentOfTheMalformedCasesIsRead)

@@ -31,8 +31,10 @@ constexpr double kSafetyClearance = 152.4;
 constexpr double kTraverseClearance = 25.4;
 constexpr double kParkClearance = 254.0;
 
-// Feed rates (mm/min).
-constexpr double kLinkFeedrate = 20000.0;
+// Feed rates (mm/min). Links run fast, but slowly enough that no slide of
+// the example gantry exceeds its speed (Z: 20 m/min) while the wrist turns
+// on the lift off the part.
+constexpr double kLinkFeedrate = 15000.0;
 constexpr double kApproachFeedrate = 6000.0;
 constexpr double kRollFeedrate = 5080.0;
 constexpr double kLayingFeedrate = 12700.0;

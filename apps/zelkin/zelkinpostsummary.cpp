@@ -7,6 +7,7 @@
 #include <zelkinncreplay.h>
 #include <zelkinprogram.h>
 #include <zelkinrolllayupprocedure.h>
+#include <zelkinruntimeestimator.h>
 #include <zelkinvariable.h>
 #include <zeltpprocedure.h>
 
@@ -55,6 +56,13 @@ QString Metres(double millimetres)
                                       : QStringLiteral("-");
 }
 
+// The estimate (docs/run-time.md); ">= " before a time that leaves out
+// lines it cannot time.
+QString RunTime(const ZELKinRunTime& time)
+{
+    return (time.IsComplete() ? QString() : QStringLiteral(">= ")) + ZELKinUnits::Duration(time.seconds);
+}
+
 } // namespace
 
 ZELKinPostSummary::ZELKinPostSummary(const ZELKinAFPMachine& machine, const ZELKinProgram& program)
@@ -87,8 +95,10 @@ QString ZELKinPostSummary::DescribePlies(const QString& posted) const
     const QHash<QString, qint64> positions = PositionsByProcedure(m_program);
     const int materialIndex = m_machine.GetVariables().indexOf(m_machine.GetMaterialVariable());
     ZELKinTextTable table;
+    const ZELKinRunTimeEstimator estimator(m_machine);
     table.AddRow({QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses"),
-                  QStringLiteral("positions"), QStringLiteral("laid length")});
+                  QStringLiteral("positions"), QStringLiteral("laid length"), QStringLiteral("estimated run time")});
+    ZELKinRunTime allTime;
     qint64 allCourses = 0;
     qint64 allPositions = 0;
     double allLaid = 0.0;
@@ -96,13 +106,15 @@ QString ZELKinPostSummary::DescribePlies(const QString& posted) const
         const qint64 courses = ply.courseRecords.size();
         const qint64 plyPositions = positions.value(ply.procedure);
         const double laid = LaidLength(ply, materialIndex);
+        const ZELKinPlyRunTime time = estimator.Estimate(ply);
         table.AddRow({ply.plyNumber, ply.procedure, ZELKinUnits::Grouped(courses), ZELKinUnits::Grouped(plyPositions),
-                      Metres(laid)});
+                      Metres(laid), RunTime(time)});
+        allTime.Add(time);
         allCourses += courses;
         allPositions += plyPositions;
         allLaid += laid;
     }
     table.AddRow({QStringLiteral("all"), QString(), ZELKinUnits::Grouped(allCourses),
-                  ZELKinUnits::Grouped(allPositions), Metres(allLaid)});
+                  ZELKinUnits::Grouped(allPositions), Metres(allLaid), RunTime(allTime)});
     return table.ToText(0);
 }

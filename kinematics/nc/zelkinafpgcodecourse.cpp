@@ -272,9 +272,11 @@ void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCour
     const ZELKinCourseLink* retract = LinkAt(procedure, course->GetIndex() + 1);
     if (!retract)
         return;
-    // The first position that leaves the course's end only marks the start
-    // of the retract; it is never written, so no retract line is the link's
-    // command 0 and every line blends (G642).
+    // The first position that differs from the course's end only marks the
+    // start of the retract when it stands there (its feed alone differs).
+    // One that moves away is written: leaving it out would send the head from
+    // the course's end straight to the next point, past the one the toolpath
+    // asks for (the lift off the part).
     bool started = false;
     for (int j = 0; j < retract->GetNumCommands(); ++j) {
         const auto* position = qobject_cast<const ZELKinPosition*>(retract->GetCommand(j));
@@ -286,10 +288,11 @@ void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCour
             continue;
         if (!started) {
             started = true;
-            continue;
+            if (ZELKinAFPGCodeAxisWords::HoldsAxes(written.held, values))
+                continue;
         }
         out.TracePosition(position);
-        out << 'N' << written.lastCourseLineN + 1 + j << "G1G642 ADIS=OFF_PART ";
+        out << 'N' << written.lastCourseLineN + 1 + j << (j == 0 ? "G1G641 ADIS=OFF_PART M5M18" : "G1G642 ADIS=OFF_PART ");
         words.WriteModal(out, position, values, feed, written.held, QString());
         out << '\n';
     }

@@ -112,6 +112,7 @@ ZELKinVerifiedPly ZELKinPlyCheck::Run(const ZELKinProcedurePlan* plan)
     if (m_plan) {
         CheckTowEvents();
         CheckEveryCourseIsRun();
+        CheckEveryLinkPointIsPassed();
     }
     for (const ZELKinNCIrregularity& irregularity : m_ply.irregularities)
         Find(irregularity.check, ZELKinVerifyPlace{irregularity.course, 0, irregularity.file, irregularity.line},
@@ -447,6 +448,7 @@ void ZELKinPlyCheck::AddToPath(const ZELKinNCMotion& motion, const ZELMathPoint&
             m_paths[motion.course].Add(*m_lastCentre, m_lastLine);
     }
     m_paths[motion.course].Add(centre, motion.line);
+    m_plyPath.Add(centre, motion.line);
     if (ZELKinNCPath::IsFinite(centre)) {
         m_lastCentre = centre;
         m_lastLine = motion.line;
@@ -492,6 +494,32 @@ void ZELKinPlyCheck::CheckPath(int course, const ZELKinCoursePlan& plan)
                                 "nearest passes %5 mm from it")
                      .arg(Number(m_gates.centre, 4), QString::number(target.number), NameOf(plan, target.number),
                           QString::number(course), Number(nearest.distance, 4)));
+    }
+}
+
+// A link's points are where the head must pass between the courses, off
+// the part: one the NC's path misses is a move the toolpath did not ask for
+// (a lift off the part left out, the head dragged straight across). Link
+// l leaves course l. The approach, link 0, is not walked: the ply starts
+// from the park position, with a rapid to above the first course's start
+// and the move down to it, as every course run from park does.
+void ZELKinPlyCheck::CheckEveryLinkPointIsPassed()
+{
+    if (m_plyPath.IsEmpty())
+        return;
+    for (int link = 1; link < m_plan->links.size(); ++link) {
+        const QList<ZELMathPoint>& centres = m_plan->links.at(link);
+        for (int i = 0; i < centres.size(); ++i) {
+            const ZELKinNCPath::Nearest nearest = m_plyPath.NearestTo(centres.at(i), m_gates.centre);
+            const ZELKinVerifyPlace place{link, i + 1, m_ply.path, m_plyPath.LineOf(nearest.end)};
+            Keep(&ZELKinVerifyTally::pathGap, nearest.distance, place);
+            if (!(nearest.distance <= m_gates.centre))
+                Find(QStringLiteral("path"), place, QString(), nearest.distance, m_gates.centre,
+                     QStringLiteral("no line's roller centre passes within %1 mm of point %2 of link %3: the "
+                                    "nearest passes %4 mm from it")
+                         .arg(Number(m_gates.centre, 4), QString::number(i + 1), QString::number(link),
+                              Number(nearest.distance, 4)));
+        }
     }
 }
 

@@ -114,6 +114,8 @@ private:
 
     void CheckPath(int course, const ZELKinCoursePlan& plan);
 
+    void CheckEveryLinkPointIsPassed();
+
     void CheckTowEvents();
 
     void CompareTowEvents(const ZELKinCoursePlan& plan, int course, const QList<const ZELKinNCTowEvent*>& events,
@@ -131,6 +133,8 @@ private:
     ZELKinVerifiedPly m_result;
     QMap<int, ZELKinVerifiedCourse> m_courses;
     QMap<int, ZELKinNCPath> m_paths;
+    //! The roller centre's path through every line of the ply.
+    ZELKinNCPath m_plyPath;
     std::optional<ZELMathPoint> m_lastCentre;
     unsigned m_lastLine = 0;
     int m_matchedCourse = 0;

@@ -107,11 +107,11 @@ TEST_F(ZELKinCompletion, FirstWordIsACommand)
 TEST_F(ZELKinCompletion, OptionsAreTheCommandsOwn)
 {
     EXPECT_EQ(Complete({"zelkin", "post", "--to"}), "--toolpath");
-    EXPECT_EQ(Complete({"zelkin", "solve", "--"}), "--csv --help --keep-going --machine --toolpath");
+    EXPECT_EQ(Complete({"zelkin", "solve", "--"}), "--csv --help --keep-going --machine --quiet --toolpath");
     EXPECT_EQ(Complete({"zelkin", "machine", "-"}), "- --help --json");
     // A command that takes no positional argument offers its options at once.
     EXPECT_EQ(Complete({"zelkin", "verify", ""}),
-              "--flip-angle --help --json --machine --nc --singularity-angle --toolpath");
+              "--flip-angle --help --json --machine --nc --quiet --singularity-angle --toolpath");
 }
 
 TEST_F(ZELKinCompletion, AFileThatIsReadMayBeStandardInput)

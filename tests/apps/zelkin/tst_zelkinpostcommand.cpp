@@ -154,14 +154,26 @@ TEST(ZELKinPostCommand, EndsWithWhatItWroteOnStandardOutput)
     // material from its start; the ply's laid length is where it ends.
     const QStringList heading = lines.at(6).split(QLatin1Char(' '), Qt::SkipEmptyParts);
     EXPECT_EQ(heading, QStringList({QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses"),
-                                    QStringLiteral("positions"), QStringLiteral("laid"), QStringLiteral("length")}));
+                                    QStringLiteral("positions"), QStringLiteral("laid"), QStringLiteral("length"),
+                                    QStringLiteral("estimated"), QStringLiteral("run"), QStringLiteral("time")}));
     EXPECT_TRUE(lines.at(7).startsWith(QStringLiteral("0101  ply one    1        18         ")))
         << lines.at(7).toStdString();
     EXPECT_TRUE(lines.at(8).startsWith(QStringLiteral("all              1        18         ")))
         << lines.at(8).toStdString();
-    const QString laid = lines.at(7).mid(lines.at(7).lastIndexOf(QLatin1String("  ")) + 2);
-    EXPECT_EQ(lines.at(8).mid(lines.at(8).lastIndexOf(QLatin1String("  ")) + 2), laid);
-    EXPECT_EQ(laid, QStringLiteral("%1 m").arg(LastMaterialOf(QDir(folder).filePath(files.first())) / 1000.0, 0, 'f', 2));
+    // Cells stand two blanks or more apart; the ply's and the whole
+    // program's laid length and run time are the same, one ply in all.
+    const QRegularExpression apart(QStringLiteral("  +"));
+    const QStringList ply = lines.at(7).split(apart);
+    const QStringList all = lines.at(8).split(apart);
+    ASSERT_EQ(ply.size(), 6) << lines.at(7).toStdString();
+    ASSERT_EQ(all.size(), 5) << lines.at(8).toStdString();
+    EXPECT_EQ(ply.at(4),
+              QStringLiteral("%1 m").arg(LastMaterialOf(QDir(folder).filePath(files.first())) / 1000.0, 0, 'f', 2));
+    EXPECT_EQ(all.at(3), ply.at(4));
+    // A run time in seconds, "<n.n> s", as verify estimates it.
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d+\\.\\d s$")).match(ply.at(5)).hasMatch())
+        << ply.at(5).toStdString();
+    EXPECT_EQ(all.at(4), ply.at(5));
     EXPECT_EQ(lines.at(9), QString());
 }
 

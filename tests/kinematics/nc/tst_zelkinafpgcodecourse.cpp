@@ -40,6 +40,15 @@ protected:
         f.AddLinkPosition(ZELKinTestAccess::CreateCourseLink(procedure), {0.0, 0.0, 0.0}, 2540.0);
     }
 
+    //! Puts the retract's first position where `end`, the course's last,
+    //! stands, as the link that leaves a course in a toolpath begins.
+    void StartRetractAt(const ZELKinPosition* end) const
+    {
+        auto* first = qobject_cast<ZELKinPosition*>(procedure->GetCourseLink(1)->GetCommand(0));
+        for (ZELKinVariable* variable : {f.x, f.y, f.z})
+            first->SetVariableValue(variable, end->GetVariableValue(variable));
+    }
+
     ZELKinTowCourse* Course(int index = 0) const { return qobject_cast<ZELKinTowCourse*>(procedure->GetCourse(index)); }
 
     //! A position `inches` along X on course `course`, numbered from 1 in
@@ -279,9 +288,11 @@ TEST_F(ZELKinAFPGCodeCourseTest, TheOffPartAndRetractLinesAreModalAgainstWhatThe
     At(0);
     // Y creeps by 0.0008 a position: 0.0008 is left out, 0.0016 written.
     At(1)->SetVariableValue(f.y, 0.0008);
-    At(2)->SetVariableValue(f.y, 0.0016);
+    ZELKinRollLayupPosition* end = At(2);
+    end->SetVariableValue(f.y, 0.0016);
+    StartRetractAt(end);
     ZELKinCourseLink* retract = procedure->GetCourseLink(1);
-    // After the link's first position, which only marks the start:
+    // After the link's first position, a repeat of the course's end:
     f.AddLinkPosition(retract, {50.8, 0.0024, 254.0}, 2540.0);
     f.AddLinkPosition(retract, {50.8, 0.0032, 254.0}, 2540.0);
     EXPECT_EQ(ZELTest::LinesBetween(Ply(), QStringLiteral("COURSE_MODE"), QStringLiteral("; End of Course")),
@@ -460,7 +471,7 @@ TEST_F(ZELKinAFPGCodeCourseTest, AfterAnAddTheFeedIsLimitedToTheAddFeedrateAndFe
     At(2);
     At(3);
     At(4, 3810.0);
-    At(5, 3810.0);
+    StartRetractAt(At(5, 3810.0));
     EXPECT_EQ(CourseLines(),
               QStringList({QStringLiteral("COURSE_MODE"),
                            QStringLiteral("N2M69G1X1.0000F50;{T1};First point in course"),
@@ -644,15 +655,17 @@ TEST_F(ZELKinAFPGCodeCourseTest, ACourseOfOnePositionWritesOnlyItsOffPartLine)
                            QStringLiteral("CHECK_M01; Check Whether Optional Stopping")}));
 }
 
-TEST_F(ZELKinAFPGCodeCourseTest, TheRetractSkipsRepeatsAndItsFirstMoveAndNumbersOnFromTheLastCourseLine)
+TEST_F(ZELKinAFPGCodeCourseTest, TheRetractSkipsRepeatsWritesItsFirstMoveAndNumbersOnFromTheLastCourseLine)
 {
     MakePly();
     At(0);
     At(1);
     At(2);
     ZELKinCourseLink* retract = procedure->GetCourseLink(1);
-    // The link already holds the first move off the course's end (made by
-    // MakePly): it only marks the start of the retract and gives no line.
+    // The link's first position (made by MakePly, at X 0) moves away from
+    // the course's end: it is written, as the link's command 0, without an
+    // F (the feed is the one held). Leaving it out would send the head from
+    // X 2 straight up to the next position.
     f.AddLinkPosition(retract, {50.8, 0.0, 254.0}, 5080.0);
     f.AddLinkPosition(retract, {50.8, 0.0, 254.0005}, 5080.0);
     ZELKinTestAccess::CreateToolChange(retract, QStringLiteral("R8"), QStringLiteral("H1"));
@@ -661,9 +674,28 @@ TEST_F(ZELKinAFPGCodeCourseTest, TheRetractSkipsRepeatsAndItsFirstMoveAndNumbers
     EXPECT_EQ(ZELTest::LinesBetween(Ply(), QStringLiteral("N3G1G641"), QStringLiteral("; End of Course")),
               QStringList({QStringLiteral("N3G1G641 ADIS=OFF_PART M5M18X2.0000;First off part point"),
                            QStringLiteral("CHECK_M01; Check Whether Optional Stopping"),
-                           QStringLiteral("N4G1G642 ADIS=OFF_PART Z10.0000F200"),
+                           QStringLiteral("N3G1G641 ADIS=OFF_PART M5M18X0.0000"),
+                           QStringLiteral("N4G1G642 ADIS=OFF_PART X2.0000Z10.0000F200"),
                            QStringLiteral("N7G1G642 ADIS=OFF_PART X3.0000"),
                            QStringLiteral("N8G1G642 ADIS=OFF_PART Y1.0000F100"),
+                           QStringLiteral("; End of Course #1 Circuit")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseTest, AFirstRetractPositionThatStaysAtTheCoursesEndAndOnlyChangesTheFeedGivesNoLine)
+{
+    MakePly();
+    At(0);
+    At(1);
+    At(2, 5080.0);
+    ZELKinCourseLink* retract = procedure->GetCourseLink(1);
+    // Moved to the course's end: only its feed (100 in/min) differs from
+    // the 200 held, so it only marks the start of the retract.
+    qobject_cast<ZELKinPosition*>(retract->GetCommand(0))->SetVariableValue(f.x, 50.8);
+    f.AddLinkPosition(retract, {50.8, 0.0, 254.0}, 2540.0);
+    EXPECT_EQ(ZELTest::LinesBetween(Ply(), QStringLiteral("N3G1G641"), QStringLiteral("; End of Course")),
+              QStringList({QStringLiteral("N3G1G641 ADIS=OFF_PART M5M18X2.0000F200;First off part point"),
+                           QStringLiteral("CHECK_M01; Check Whether Optional Stopping"),
+                           QStringLiteral("N4G1G642 ADIS=OFF_PART Z10.0000F100"),
                            QStringLiteral("; End of Course #1 Circuit")}));
 }
 

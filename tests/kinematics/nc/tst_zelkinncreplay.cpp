@@ -156,6 +156,8 @@ TEST_F(ZELKinNCReplayTest, EveryLineWithAnAxisWordIsAMotionInTheOrderOfTheFile)
                              QStringLiteral("N1G1G9Z1.0000U10"),
                              QStringLiteral("N2G1X17"),
                              QStringLiteral("N3G1G641"),
+                             // The retract's lift off the part, the link's first move.
+                             QStringLiteral("N3G1G641 ADIS=OFF_PART M5M18Z5"),
                              QStringLiteral("N4G1G642 ADIS=OFF_PART Z10")};
     QList<unsigned> expected;
     for (const QString& start : starts)

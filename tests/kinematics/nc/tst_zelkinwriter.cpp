@@ -901,8 +901,8 @@ TEST_F(ZELKinWriterTest, ALineTraceIsToldEveryNumberedBlockOfThePlyFilesInOrder)
     const QString second = Output(QStringLiteral("nc/PART/PART#0102.PPF"));
     // Per ply: the approach line, the course's first position (the approach
     // point, which the link ends above) and its last, the off-part point;
-    // the retract leaves from the off-part point and gives no line.
-    ASSERT_EQ(NumberedBlocks(first).size(), 3);
+    // then the retract's one position, the lift an inch above it.
+    ASSERT_EQ(NumberedBlocks(first).size(), 4);
     EXPECT_EQ(PlacesOf(traced), NumberedBlocks(first) + NumberedBlocks(second));
 
     const auto* firstPly = qobject_cast<ZELKinRollLayupProcedure*>(f.program->GetProcedure(0));
@@ -910,6 +910,7 @@ TEST_F(ZELKinWriterTest, ALineTraceIsToldEveryNumberedBlockOfThePlyFilesInOrder)
     EXPECT_EQ(traced.at(0).position, firstPly->GetCourseLink(0)->GetLastPosition());
     EXPECT_EQ(traced.at(1).position, qobject_cast<ZELKinPosition*>(firstPly->GetCourse(0)->GetCommand(0)));
     EXPECT_EQ(traced.at(2).position, firstPly->GetCourse(0)->GetLastPosition());
+    EXPECT_EQ(traced.at(3).position, firstPly->GetCourseLink(1)->GetLastPosition());
 }
 
 TEST_F(ZELKinWriterTest, InABundleTheTraceCountsTheBundlesLines)
@@ -919,5 +920,5 @@ TEST_F(ZELKinWriterTest, InABundleTheTraceCountsTheBundlesLines)
     const QList<TracedLine> traced = WriteTraced(f.program, bundle);
 
     EXPECT_EQ(PlacesOf(traced), NumberedBlocks(bundle));
-    EXPECT_EQ(traced.size(), 6);
+    EXPECT_EQ(traced.size(), 8);
 }

@@ -21,6 +21,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -157,6 +158,27 @@ TEST_F(ZELKinVerifierTest, EachPlyOfThePostedPanelTakesLongerThanItsFeedsAloneAn
     }
     EXPECT_TRUE(ZELTest::SameDouble(plies, verification.runTime.seconds, kSummed));
     EXPECT_TRUE(verification.runTime.IsComplete());
+}
+
+// NC that leaves out a link's lift off the part drags the head from the
+// course's end straight to the link's next point.
+TEST_F(ZELKinVerifierTest, ALinkPointNoLinePassesIsAPathFindingNamingTheLinkAndThePoint)
+{
+    EXPECT_TRUE(FindingsOf(Verify(s_posted->nc), QStringLiteral("path")).isEmpty());
+    ZELKinNCProgram nc = s_posted->nc;
+    QList<ZELKinNCMotion>& motions = nc.plies.first().motions;
+    const auto lift = std::find_if(motions.begin(), motions.end(),
+                                   [](const ZELKinNCMotion& motion) { return motion.link == 1; });
+    ASSERT_NE(lift, motions.end());
+    motions.erase(lift);
+    const QList<ZELKinVerifyFinding> findings = FindingsOf(Verify(nc), QStringLiteral("path"));
+    ASSERT_EQ(findings.size(), 1);
+    EXPECT_EQ(findings.first().place.course, 1);
+    EXPECT_EQ(findings.first().place.point, 1);
+    EXPECT_TRUE(findings.first().message.startsWith(
+        QStringLiteral("no line's roller centre passes within 0.0100 mm of point 1 of link 1: the nearest passes ")))
+        << findings.first().message.toStdString();
+    EXPECT_GT(findings.first().value, ZELKinVerifyGates().centre);
 }
 
 // A tenth of an inch is what a misread X word moves the roller by.

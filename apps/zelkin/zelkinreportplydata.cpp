@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <optional>
 
 namespace {
 
@@ -96,20 +97,24 @@ int BucketOf(double offset, double span, int buckets)
     return std::clamp(int(offset / span * buckets), 0, buckets - 1);
 }
 
-// Consecutive lines of one course, [begin, end): a course's lines run from
-// its record to the next one's; those before the first record make a run
-// of their own.
+// Consecutive lines of one course that all run along it, or all stand on
+// one of its links, [begin, end): a course's lines run from its record to
+// the next one's; those before the first record belong to none. A link
+// takes few lines over a long way, and stretches of equal length over the
+// two together would leave the course itself a few.
 struct Run
 {
     int begin = 0;
     int end = 0;
 };
 
-QList<Run> CourseRuns(const QList<ZELKinVerifiedLine>& lines)
+QList<Run> RunsOf(const QList<ZELKinVerifiedLine>& lines)
 {
     QList<Run> runs;
     for (int i = 0; i < lines.size(); ++i) {
-        if (i == 0 || lines.at(i).course != lines.at(i - 1).course)
+        const bool next = i == 0 || lines.at(i).course != lines.at(i - 1).course
+            || lines.at(i).alongCourse != lines.at(i - 1).alongCourse;
+        if (next)
             runs.append(Run{i, i});
         runs.last().end = i + 1;
     }
@@ -165,7 +170,35 @@ void KeepOfRun(const QList<ZELKinVerifiedLine>& lines, const QVector<double>& va
     }
 }
 
-QList<int> KeptLines(const QList<ZELKinVerifiedLine>& lines, const QList<Run>& runs, const QVector<double>& values)
+// A kept line between two of its run that hold the same value, as the page
+// writes it, adds nothing to the plot: an axis that stands still for a
+// course keeps the course's ends.
+QList<int> WithoutFlats(const QList<int>& kept, const QList<ZELKinVerifiedLine>& lines, const QVector<double>& values,
+                        int decimals)
+{
+    const double scale = std::pow(10.0, decimals);
+    const auto written = [&](int line) {
+        const double value = values.at(line);
+        return std::isfinite(value) ? std::optional<qint64>(qRound64(value * scale)) : std::nullopt;
+    };
+    const auto sameRun = [&](int a, int b) {
+        return lines.at(a).course == lines.at(b).course && lines.at(a).alongCourse == lines.at(b).alongCourse;
+    };
+    QList<int> needed;
+    needed.reserve(kept.size());
+    for (int k = 0; k < kept.size(); ++k) {
+        const int line = kept.at(k);
+        const bool flat = k > 0 && k + 1 < kept.size() && written(line) && written(line) == written(kept.at(k - 1))
+            && written(line) == written(kept.at(k + 1)) && sameRun(line, kept.at(k - 1))
+            && sameRun(line, kept.at(k + 1));
+        if (!flat)
+            needed.append(line);
+    }
+    return needed;
+}
+
+QList<int> KeptLines(const QList<ZELKinVerifiedLine>& lines, const QList<Run>& runs, const QVector<double>& values,
+                     int decimals)
 {
     QList<int> kept;
     const int buckets = BucketsPerRun(runs.size());
@@ -173,7 +206,7 @@ QList<int> KeptLines(const QList<ZELKinVerifiedLine>& lines, const QList<Run>& r
         KeepOfRun(lines, values, run, buckets, kept);
     std::sort(kept.begin(), kept.end());
     kept.erase(std::unique(kept.begin(), kept.end()), kept.end());
-    return kept;
+    return WithoutFlats(kept, lines, values, decimals);
 }
 
 double ValueAt(const ZELKinVerifiedLine& line, const ZELKinReportPlyData::Axis& axis)
@@ -339,17 +372,18 @@ ZELKinReportPlyData::ZELKinReportPlyData(const ZELKinVerifiedPly& ply, const QLi
 QString ZELKinReportPlyData::ToJson() const
 {
     const QList<ZELKinVerifiedLine>& lines = m_ply.lines;
-    const QList<Run> runs = CourseRuns(lines);
+    const QList<Run> runs = RunsOf(lines);
     QList<QList<int>> kept;
     QList<QVector<double>> values;
     QList<int> samples;
     for (const Axis& axis : m_axes) {
         values.append(ValuesOf(lines, axis));
-        kept.append(KeptLines(lines, runs, values.last()));
+        kept.append(KeptLines(lines, runs, values.last(), axis.decimals));
         samples = Merged(samples, kept.last());
     }
-    const QList<int> top = Merged(KeptLines(lines, runs, CentreCoordinates(lines, &ZELMathPoint::GetX)),
-                                  KeptLines(lines, runs, CentreCoordinates(lines, &ZELMathPoint::GetY)));
+    const QList<int> top
+        = Merged(KeptLines(lines, runs, CentreCoordinates(lines, &ZELMathPoint::GetX), kLengthDecimals),
+                 KeptLines(lines, runs, CentreCoordinates(lines, &ZELMathPoint::GetY), kLengthDecimals));
     samples = Merged(samples, top);
 
     QVector<int> sampleOfLine(lines.size(), -1);

@@ -15,14 +15,15 @@ class ZELKinAFPMachine;
     happen.
 
     A series is cut down course by course, so that one course chosen on
-    the page still shows its shape: each course's lines (from its record to
-    the next) are cut into stretches of equal path length, at least
-    GetMinBucketsPerCourse() of them and together at least
+    the page still shows its shape: the lines along each course, and those
+    of each of its links, are cut into stretches of equal path length, at
+    least GetMinBucketsPerCourse() of them and together at least
     GetMinBucketsPerPly() a ply, and of each stretch the lines holding the
     smallest and the largest value are kept, with the first line without a
-    value (so that a gap stays a gap) and each course's first and last
-    line. A course of few lines keeps them all. Peaks, and any limit they
-    pass, are never smoothed away.
+    value (so that a gap stays a gap) and the first and last line of each
+    course and link. A course or link of few lines keeps them all; a line
+    between two that hold its value, as the page writes it, is left out.
+    Peaks, and any limit they pass, are never smoothed away.
 
     Every finding is marked at the motion line it belongs to: its own line,
     or for a line that moves nothing (a tow event, a course record) the
@@ -55,7 +56,7 @@ public:
     static QList<Axis> AxesOf(const ZELKinAFPMachine& machine);
 
     static constexpr int GetMinBucketsPerPly() { return 2000; }
-    static constexpr int GetMinBucketsPerCourse() { return 32; }
+    static constexpr int GetMinBucketsPerCourse() { return 16; }
     static constexpr int GetMaxMarks() { return 2000; }
 
     //! How the page words an estimated run time: as "verify" does

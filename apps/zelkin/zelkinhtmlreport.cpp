@@ -5,6 +5,7 @@
 
 #include <zelkinverifysummary.h>
 #include <zelsysexception.h>
+#include <zelsysprogress.h>
 
 #include <QFile>
 #include <QFileInfo>
@@ -345,10 +346,15 @@ QString ZELKinHtmlReport::GetPlySection(const ZELKinVerifiedPly& ply, const Find
 QString ZELKinHtmlReport::GetData(const FindingsByPly& findings) const
 {
     const QList<ZELKinReportPlyData::Axis> axes = ZELKinReportPlyData::AxesOf(m_machine);
+    // Cutting down the plies of a million lines takes the better part of a
+    // second.
+    ZELSysProgress progress(QStringLiteral("Writing the page"), QStringLiteral("plies"), m_verification.plies.size());
     QStringList plies;
     for (const ZELKinVerifiedPly& ply : m_verification.plies) {
+        progress.SetItem(QStringLiteral("ply %1").arg(ply.plyNumber));
         const Findings own = findings.value(ply.plyNumber);
         plies.append(ZELKinReportPlyData(ply, axes, own).ToJson());
+        progress.Advance(1);
     }
     return QStringLiteral("{\"plotsExpected\":%1,\"plies\":[%2]}")
         .arg(QString::number(GetNumPlots()), plies.join(QLatin1Char(',')));

@@ -49,8 +49,7 @@ QString JsonArray(const QStringList& items)
     return QLatin1Char('[') + items.join(QLatin1Char(',')) + QLatin1Char(']');
 }
 
-template <typename Value>
-QString JsonArrayOf(const QList<int>& indices, Value valueOf)
+template <typename Value> QString JsonArrayOf(const QList<int>& indices, Value valueOf)
 {
     QStringList items;
     items.reserve(indices.size());
@@ -298,8 +297,7 @@ QList<Mark> Thinned(const QList<Mark>& byLine, const QList<ZELKinVerifiedLine>& 
     int stretchOfLast = -1;
     const double length = lines.last().pathLength;
     for (const Mark& mark : byLine) {
-        const int stretch
-            = BucketOf(lines.at(mark.firstLine).pathLength, length, ZELKinReportPlyData::GetMaxMarks());
+        const int stretch = BucketOf(lines.at(mark.firstLine).pathLength, length, ZELKinReportPlyData::GetMaxMarks());
         if (stretch == stretchOfLast)
             byStretch.last().Add(mark);
         else
@@ -397,16 +395,15 @@ QString ZELKinReportPlyData::ToJson() const
     for (int k = 0; k < m_axes.size(); ++k) {
         const Axis& axis = m_axes.at(k);
         const QVector<double>& axisValues = values.at(k);
-        axisData.append(JsonObject(
-            {JsonMember(QStringLiteral("label"), JsonString(axis.label)),
-             JsonMember(QStringLiteral("kind"), JsonString(axis.kind)),
-             JsonMember(QStringLiteral("unit"), JsonString(axis.unit)),
-             JsonMember(QStringLiteral("min"), JsonNumber(axis.minimum, axis.decimals)),
-             JsonMember(QStringLiteral("max"), JsonNumber(axis.maximum, axis.decimals)),
-             JsonMember(QStringLiteral("i"), toSamples(kept.at(k))),
-             JsonMember(QStringLiteral("v"), JsonArrayOf(kept.at(k), [&](int line) {
-                            return JsonNumber(axisValues.at(line), axis.decimals);
-                        }))}));
+        axisData.append(JsonObject({JsonMember(QStringLiteral("label"), JsonString(axis.label)),
+                                    JsonMember(QStringLiteral("kind"), JsonString(axis.kind)),
+                                    JsonMember(QStringLiteral("unit"), JsonString(axis.unit)),
+                                    JsonMember(QStringLiteral("min"), JsonNumber(axis.minimum, axis.decimals)),
+                                    JsonMember(QStringLiteral("max"), JsonNumber(axis.maximum, axis.decimals)),
+                                    JsonMember(QStringLiteral("i"), toSamples(kept.at(k))),
+                                    JsonMember(QStringLiteral("v"), JsonArrayOf(kept.at(k), [&](int line) {
+                                                   return JsonNumber(axisValues.at(line), axis.decimals);
+                                               }))}));
     }
 
     const auto column = [&](auto valueOf) { return JsonArrayOf(samples, valueOf); };
@@ -451,26 +448,25 @@ QString ZELKinReportPlyData::GetMarks() const
         if (axis >= 0 && !mark.axes.contains(axis))
             mark.axes.insert(axis, ValueAt(lines.at(index), m_axes.at(axis)));
     }
-    std::sort(byLine.begin(), byLine.end(),
-              [](const Mark& a, const Mark& b) { return a.firstLine < b.firstLine; });
+    std::sort(byLine.begin(), byLine.end(), [](const Mark& a, const Mark& b) { return a.firstLine < b.firstLine; });
     QStringList marks;
     for (const Mark& mark : Thinned(byLine, lines)) {
         const ZELKinVerifiedLine& line = lines.at(mark.firstLine);
         QStringList axes;
         for (auto axis = mark.axes.cbegin(); axis != mark.axes.cend(); ++axis)
             axes.append(QStringLiteral("[%1,%2]").arg(QString::number(axis.key()),
-                                                     JsonNumber(axis.value(), m_axes.at(axis.key()).decimals)));
-        marks.append(JsonObject(
-            {JsonMember(QStringLiteral("s"), JsonNumber(line.pathLength, kLengthDecimals)),
-             JsonMember(QStringLiteral("x"), JsonNumber(line.centre.GetX(), kLengthDecimals)),
-             JsonMember(QStringLiteral("y"), JsonNumber(line.centre.GetY(), kLengthDecimals)),
-             JsonMember(QStringLiteral("line"), QString::number(line.line)),
-             JsonMember(QStringLiteral("last"), QString::number(lines.at(mark.lastLine).line)),
-             JsonMember(QStringLiteral("count"), QString::number(mark.count)),
-             JsonMember(QStringLiteral("warning"),
-                        mark.warnings == mark.count ? QStringLiteral("true") : QStringLiteral("false")),
-             JsonMember(QStringLiteral("axes"), JsonArray(axes)),
-             JsonMember(QStringLiteral("text"), JsonString(FindingTitle(*mark.first)))}));
+                                                      JsonNumber(axis.value(), m_axes.at(axis.key()).decimals)));
+        marks.append(
+            JsonObject({JsonMember(QStringLiteral("s"), JsonNumber(line.pathLength, kLengthDecimals)),
+                        JsonMember(QStringLiteral("x"), JsonNumber(line.centre.GetX(), kLengthDecimals)),
+                        JsonMember(QStringLiteral("y"), JsonNumber(line.centre.GetY(), kLengthDecimals)),
+                        JsonMember(QStringLiteral("line"), QString::number(line.line)),
+                        JsonMember(QStringLiteral("last"), QString::number(lines.at(mark.lastLine).line)),
+                        JsonMember(QStringLiteral("count"), QString::number(mark.count)),
+                        JsonMember(QStringLiteral("warning"),
+                                   mark.warnings == mark.count ? QStringLiteral("true") : QStringLiteral("false")),
+                        JsonMember(QStringLiteral("axes"), JsonArray(axes)),
+                        JsonMember(QStringLiteral("text"), JsonString(FindingTitle(*mark.first)))}));
     }
     return JsonArray(marks);
 }

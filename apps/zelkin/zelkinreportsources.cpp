@@ -140,8 +140,8 @@ private:
 
 } // namespace
 
-ZELKinReportSources::ZELKinReportSources(const QString& machinePath, const QString& toolpathPath,
-                                         const QString& ncPath, const ZELKinVerification& verification)
+ZELKinReportSources::ZELKinReportSources(const QString& machinePath, const QString& toolpathPath, const QString& ncPath,
+                                         const ZELKinVerification& verification)
     : m_ncPath(ncPath)
 {
     const QStringList ncFiles = NCFilesOf(verification);

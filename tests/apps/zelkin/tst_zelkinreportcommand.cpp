@@ -49,8 +49,7 @@ ZELKinToolRun Post(const QString& toolpath, const QString& output)
                      ReproducibleEnvironment());
 }
 
-ZELKinToolRun Report(const QString& toolpath, const QString& nc, const QString& report,
-                     const QStringList& extra = {},
+ZELKinToolRun Report(const QString& toolpath, const QString& nc, const QString& report, const QStringList& extra = {},
                      const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment())
 {
     return RunZelkin(QStringList{QStringLiteral("report"), QStringLiteral("--machine"), GetExampleMachinePath(),
@@ -64,9 +63,9 @@ ZELKinToolRun Report(const QString& toolpath, const QString& nc, const QString& 
 // "zelkin verify": its run time as hours, minutes and seconds.
 QString VerifiedRunTime(const QString& toolpath, const QString& nc, const QString& ply)
 {
-    const ZELKinToolRun run = RunZelkin({QStringLiteral("verify"), QStringLiteral("--quiet"), QStringLiteral("--machine"),
-                                         GetExampleMachinePath(), QStringLiteral("--toolpath"), toolpath,
-                                         QStringLiteral("--nc"), nc});
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("verify"), QStringLiteral("--quiet"),
+                                         QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), toolpath, QStringLiteral("--nc"), nc});
     const QString table = run.standardOutput.mid(run.standardOutput.indexOf(QStringLiteral("Estimated run time:")));
     const QRegularExpression row(QStringLiteral("^%1 .*? ((>= )?\\d+:\\d\\d:\\d\\d\\.\\d)$").arg(ply),
                                  QRegularExpression::MultilineOption);
@@ -243,7 +242,6 @@ int CountMarked(const QJsonObject& ply)
     return count;
 }
 
-
 // `line` with its X word moved by a tenth of an inch.
 QString WithXMoved(const QString& line)
 {
@@ -402,9 +400,10 @@ TEST_F(ZELKinReportCommand, EachInputIsNamedWithItsSizeAndSha256)
     EXPECT_TRUE(html.contains(InputRow(QStringLiteral("toolpath"), kToolpath)));
     // Every file of the posted folder, in name order.
     QString files;
-    for (const QString& name : {QStringLiteral("cylinder-section#0101.PPF"), QStringLiteral("cylinder-section#0102.PPF"),
-                                QStringLiteral("cylinder-section#0103.PPF"), QStringLiteral("cylinder-section#0104.PPF"),
-                                QStringLiteral("cylinder-section.PPSF"), QStringLiteral("cylinder-section.PTPF")})
+    for (const QString& name :
+         {QStringLiteral("cylinder-section#0101.PPF"), QStringLiteral("cylinder-section#0102.PPF"),
+          QStringLiteral("cylinder-section#0103.PPF"), QStringLiteral("cylinder-section#0104.PPF"),
+          QStringLiteral("cylinder-section.PPSF"), QStringLiteral("cylinder-section.PTPF")})
         files += InputRow(QStringLiteral("NC"), QDir(program).filePath(name)) + QLatin1Char('\n');
     EXPECT_TRUE(html.contains(files)) << html.toStdString();
 }
@@ -472,6 +471,27 @@ TEST_F(ZELKinReportCommand, ThePlyListSaysWhichPlyFailsWithItsFindingsAndRunTime
                                   .arg(failed, VerifiedRunTime(kToolpath, nc, QStringLiteral("0102")))));
 }
 
+TEST_F(ZELKinReportCommand, FindingsOutsideThePlyFilesFailARowOfTheirOwn)
+{
+    // A ply file the program-set file does not list, beside the others.
+    const QString stray = QDir(program).filePath(QStringLiteral("cylinder-section#0105.PPF"));
+    ASSERT_TRUE(QFile::copy(ply, stray));
+
+    const ZELKinToolRun run = Report(kToolpath, nc, report);
+    ASSERT_EQ(run.exitCode, 1) << run.standardError.toStdString();
+    const QString html = ReadText(report);
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr class=\"fail\"><td><a href=\"#outside\">other</a></td><td>outside "
+                                             "the ply files</td><td class=\"verdict\">FAIL (%1 finding%2)</td><td></td>"
+                                             "</tr>")
+                                  .arg(CountedFindings(run))
+                                  .arg(CountedFindings(run) == 1 ? QString() : QStringLiteral("s"))))
+        << html.toStdString();
+    EXPECT_EQ(html.count(QStringLiteral("<td class=\"verdict\">PASS</td>")), 4);
+    EXPECT_TRUE(html.contains(QStringLiteral("<h3 id=\"outside\">Findings outside the ply files</h3>")));
+    // The stray file is one of the NC files the page names.
+    EXPECT_TRUE(html.contains(InputRow(QStringLiteral("NC"), stray)));
+}
+
 TEST_F(ZELKinReportCommand, APlyWithWarningsCountsThemInTheList)
 {
     // With A at 89 degrees the normal stands 1 degree off the first roll axis.
@@ -481,8 +501,8 @@ TEST_F(ZELKinReportCommand, APlyWithWarningsCountsThemInTheList)
 
     const ZELKinToolRun run = Report(kToolpath, nc, report);
     const QString html = ReadText(report);
-    EXPECT_TRUE(html.contains(QStringLiteral("<td class=\"verdict\">FAIL (%1 findings, 1 warning)</td>")
-                                  .arg(CountedFindings(run))))
+    EXPECT_TRUE(html.contains(
+        QStringLiteral("<td class=\"verdict\">FAIL (%1 findings, 1 warning)</td>").arg(CountedFindings(run))))
         << html.toStdString();
 }
 
@@ -516,8 +536,8 @@ TEST_F(ZELKinReportCommand, EachPlyHasOneSectionWithItsNumberProcedureAndSummary
         EXPECT_GT(at, last) << section.toStdString();
         last = at;
     }
-    for (const QString& number : {QStringLiteral("0101"), QStringLiteral("0102"), QStringLiteral("0103"),
-                                  QStringLiteral("0104")}) {
+    for (const QString& number :
+         {QStringLiteral("0101"), QStringLiteral("0102"), QStringLiteral("0103"), QStringLiteral("0104")}) {
         EXPECT_EQ(html.count(QStringLiteral("<div class=\"choice\" id=\"choice-%1\"></div>").arg(number)), 1);
         EXPECT_EQ(html.count(QStringLiteral("<div class=\"plots\" id=\"plots-%1\"></div>").arg(number)), 1);
     }
@@ -681,11 +701,11 @@ TEST_F(ZELKinReportCommand, AChangedXWordIsListedAndMarkedWithItsFileAndLine)
     EXPECT_TRUE(ZELTest::SameDouble(centre.x, mark.value(QStringLiteral("x")).toDouble(), kLengthKept));
     EXPECT_TRUE(ZELTest::SameDouble(centre.y, mark.value(QStringLiteral("y")).toDouble(), kLengthKept));
     EXPECT_TRUE(mark.value(QStringLiteral("axes")).toArray().isEmpty()) << "a centre finding is about no one axis";
-    EXPECT_TRUE(mark.value(QStringLiteral("text"))
-                    .toString()
-                    .startsWith(QStringLiteral("course 2, point 6, %1:%2: centre: the roller centre is 2.5")
-                                    .arg(ply)
-                                    .arg(line)));
+    EXPECT_TRUE(
+        mark.value(QStringLiteral("text"))
+            .toString()
+            .startsWith(
+                QStringLiteral("course 2, point 6, %1:%2: centre: the roller centre is 2.5").arg(ply).arg(line)));
 }
 
 TEST_F(ZELKinReportCommand, AFindingInTheMiddleOfAPlyIsMarkedAtItsLinesPathLength)
@@ -728,7 +748,8 @@ TEST_F(ZELKinReportCommand, ATowEventFindingIsMarkedAtTheMotionLineBeforeIt)
     const QJsonObject plyData = PlyData(DataOf(html), QStringLiteral("0101"));
     const QJsonObject mark = MarkAt(plyData, before);
     ASSERT_FALSE(mark.isEmpty());
-    EXPECT_TRUE(mark.value(QStringLiteral("text")).toString().contains(QStringLiteral("%1:%2: tow: ").arg(ply).arg(event)));
+    EXPECT_TRUE(
+        mark.value(QStringLiteral("text")).toString().contains(QStringLiteral("%1:%2: tow: ").arg(ply).arg(event)));
     EXPECT_TRUE(ZELTest::SameDouble(WalkToLine(ply, before).pathLength, mark.value(QStringLiteral("s")).toDouble(),
                                     kLengthKept));
 }

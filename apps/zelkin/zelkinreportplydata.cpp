@@ -25,6 +25,8 @@ constexpr int kLinearDecimals = 3;
 constexpr int kRotaryDecimals = 4;
 constexpr int kPercentDecimals = 1;
 
+// The data sits inside a <script> element: '<' is escaped, so that no text
+// can end it.
 QString JsonString(const QString& text)
 {
     return ZELSysJsonText::Quoted(text, ZELSysJsonText::Embedding::HtmlScript);

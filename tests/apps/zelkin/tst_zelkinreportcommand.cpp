@@ -3,14 +3,19 @@
 
 #include <zeltestsupport.h>
 
+#include <QCryptographicHash>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <functional>
+#include <optional>
 
 namespace {
 
@@ -24,9 +29,18 @@ const QString kDemoGates = QStringLiteral(
 // The page keeps four decimals of a degree and two of a millimetre of path.
 constexpr double kRotaryKept = 1e-4;
 constexpr double kLengthKept = 0.01;
-// A page's series is cut into at most this many stretches of path, each
-// keeping its smallest and largest value, plus the first and last line.
-constexpr int kMaxBuckets = 2000;
+constexpr double kMillimetresPerInch = 25.4;
+// A ply's series is cut into at least this many stretches of path, the
+// lines along each course and those of each link into stretches of their
+// own, at least kMinStretchesPerCourse; each stretch keeps its smallest and
+// largest value, each course and link its first and last line. One of at
+// most twice its stretches keeps every line.
+constexpr int kMinStretchesPerPly = 2000;
+constexpr int kMinStretchesPerCourse = 16;
+// A ply marks at most this many lines with findings one by one.
+constexpr int kMaxMarks = 2000;
+// SOURCE_DATE_EPOCH of ReproducibleEnvironment().
+const QString kMadeAt = QStringLiteral("<time datetime=\"2023-11-14T22:13:20Z\">2023-11-14 22:13:20 UTC</time>");
 
 ZELKinToolRun Post(const QString& toolpath, const QString& output)
 {
@@ -35,13 +49,90 @@ ZELKinToolRun Post(const QString& toolpath, const QString& output)
                      ReproducibleEnvironment());
 }
 
-ZELKinToolRun Report(const QString& toolpath, const QString& nc, const QString& report,
-                     const QStringList& extra = {})
+ZELKinToolRun Report(const QString& toolpath, const QString& nc, const QString& report, const QStringList& extra = {},
+                     const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment())
 {
     return RunZelkin(QStringList{QStringLiteral("report"), QStringLiteral("--machine"), GetExampleMachinePath(),
                                  QStringLiteral("--toolpath"), toolpath, QStringLiteral("--nc"), nc,
                                  QStringLiteral("-o"), report}
-                     + extra);
+                         + extra,
+                     environment);
+}
+
+// The last cell of the row of `ply` in the "Estimated run time" table of
+// "zelkin verify": its run time as hours, minutes and seconds.
+QString VerifiedRunTime(const QString& toolpath, const QString& nc, const QString& ply)
+{
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("verify"), QStringLiteral("--quiet"),
+                                         QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), toolpath, QStringLiteral("--nc"), nc});
+    const QString table = run.standardOutput.mid(run.standardOutput.indexOf(QStringLiteral("Estimated run time:")));
+    const QRegularExpression row(QStringLiteral("^%1 .*? ((>= )?\\d+:\\d\\d:\\d\\d\\.\\d)$").arg(ply),
+                                 QRegularExpression::MultilineOption);
+    const QRegularExpressionMatch match = row.match(table);
+    EXPECT_TRUE(match.hasMatch()) << run.standardOutput.toStdString();
+    return match.captured(1);
+}
+
+QString Sha256Of(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return QString::fromLatin1(QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256).toHex());
+}
+
+// The header's row for an input file: its name, its size in bytes, its SHA-256.
+QString InputRow(const QString& input, const QString& path)
+{
+    return QStringLiteral("<tr><td>%1</td><td>%2</td><td class=\"bytes\">%3</td><td class=\"hash\">%4</td></tr>")
+        .arg(input, QFileInfo(path).fileName().toHtmlEscaped(), QString::number(QFileInfo(path).size()),
+             Sha256Of(path));
+}
+
+// The findings a run of report counted: "Wrote <page>: FAIL (<n> findings)".
+int CountedFindings(const ZELKinToolRun& run)
+{
+    const QRegularExpressionMatch count
+        = QRegularExpression(QStringLiteral(": FAIL \\((\\d+) findings?")).match(run.standardOutput);
+    EXPECT_TRUE(count.hasMatch()) << run.standardOutput.toStdString();
+    return count.captured(1).toInt();
+}
+
+// Where the roller centre stands after a line of a ply file, and how far it
+// has come: each numbered block moves it in a straight line to its X, Y and
+// Z words (inches), a word left out keeping its value, from the ply's first
+// motion line on.
+struct CentreAtLine
+{
+    double x = std::nan("");
+    double y = std::nan("");
+    double pathLength = 0.0;
+};
+
+CentreAtLine WalkToLine(const QString& plyFile, int line)
+{
+    static const QRegularExpression block(QStringLiteral("^N\\d"));
+    const QStringList lines = LinesOfFile(plyFile);
+    double centre[3] = {std::nan(""), std::nan(""), std::nan("")};
+    std::optional<std::array<double, 3>> previous;
+    CentreAtLine walked;
+    for (int i = 0; i < line && i < lines.size(); ++i) {
+        if (!block.match(lines.at(i)).hasMatch())
+            continue;
+        const QString words = lines.at(i).left(lines.at(i).indexOf(QLatin1Char(';')));
+        const QStringList names{QStringLiteral("X"), QStringLiteral("Y"), QStringLiteral("Z")};
+        for (int k = 0; k < 3; ++k) {
+            if (HasWord(words, names.at(k)))
+                centre[k] = WordValue(words, names.at(k)) * kMillimetresPerInch;
+        }
+        if (previous)
+            walked.pathLength += std::hypot(centre[0] - previous->at(0), centre[1] - previous->at(1),
+                                            centre[2] - previous->at(2));
+        previous = std::array<double, 3>{centre[0], centre[1], centre[2]};
+    }
+    walked.x = centre[0];
+    walked.y = centre[1];
+    return walked;
 }
 
 // The data the page's script draws from.
@@ -131,16 +222,24 @@ MotionLines CountMotionLines(const QString& ply)
     return count;
 }
 
-// The findings the page's data holds for `ply` on the NC line `line`.
-QList<QJsonObject> FindingDataAt(const QJsonObject& ply, const QString& path, int line)
+// The mark the page's data holds for `ply` at the NC line `line`; empty
+// when there is none.
+QJsonObject MarkAt(const QJsonObject& ply, int line)
 {
-    QList<QJsonObject> found;
-    const QString where = QStringLiteral(", %1:%2: ").arg(path).arg(line);
-    for (const QJsonValue& finding : ply.value(QStringLiteral("findings")).toArray()) {
-        if (finding.toObject().value(QStringLiteral("text")).toString().contains(where))
-            found.append(finding.toObject());
+    for (const QJsonValue& mark : ply.value(QStringLiteral("marks")).toArray()) {
+        if (mark.toObject().value(QStringLiteral("line")).toInt() == line)
+            return mark.toObject();
     }
-    return found;
+    return {};
+}
+
+// How many findings the marks of `ply` count together.
+int CountMarked(const QJsonObject& ply)
+{
+    int count = 0;
+    for (const QJsonValue& mark : ply.value(QStringLiteral("marks")).toArray())
+        count += mark.toObject().value(QStringLiteral("count")).toInt();
+    return count;
 }
 
 // `line` with its X word moved by a tenth of an inch.
@@ -182,17 +281,23 @@ protected:
     void SetUp() override
     {
         nc = QDir(work.path()).filePath(QStringLiteral("nc"));
-        const QString program = QDir(nc).filePath(QStringLiteral("cylinder-section"));
+        program = QDir(nc).filePath(QStringLiteral("cylinder-section"));
         CopyProgramFolder(QDir(posted->path()).filePath(QStringLiteral("cylinder-section")), program);
-        ply = QDir(program).filePath(QStringLiteral("cylinder-section#0101.PPF"));
+        ply = PlyFile(QStringLiteral("0101"));
         report = QDir(work.path()).filePath(QStringLiteral("report.html"));
+    }
+
+    QString PlyFile(const QString& number) const
+    {
+        return QDir(program).filePath(QStringLiteral("cylinder-section#%1.PPF").arg(number));
     }
 
     // Writes the report of the copy and returns the page. The page is
     // written whatever the checks find; the exit status says which.
-    QString WriteReport(const QStringList& extra = {}) const
+    QString WriteReport(const QStringList& extra = {},
+                        const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment()) const
     {
-        const ZELKinToolRun run = Report(kToolpath, nc, report, extra);
+        const ZELKinToolRun run = Report(kToolpath, nc, report, extra, environment);
         EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
         const bool passed = run.standardOutput.startsWith(QStringLiteral("Wrote %1: PASS").arg(report));
         EXPECT_TRUE(passed || run.standardOutput.startsWith(QStringLiteral("Wrote %1: FAIL (").arg(report)))
@@ -209,6 +314,7 @@ protected:
     static inline QTemporaryDir* posted = nullptr;
     QTemporaryDir work;
     QString nc;
+    QString program;
     QString ply;
     QString report;
 };
@@ -221,7 +327,8 @@ TEST_F(ZELKinReportCommand, TheDemoReportIsWrittenAndTheCommandSucceeds)
     EXPECT_EQ(run.exitStatus, QProcess::NormalExit);
     EXPECT_EQ(run.exitCode, 0) << run.standardError.toStdString();
     EXPECT_EQ(run.standardOutput, QStringLiteral("Wrote %1: PASS\n").arg(report));
-    // Nothing is solved: no progress lines.
+    // A part this small is checked and hashed in well under a second: no
+    // progress lines.
     EXPECT_TRUE(run.standardError.isEmpty()) << run.standardError.toStdString();
 
     ASSERT_TRUE(QFileInfo(report).isFile());
@@ -229,6 +336,15 @@ TEST_F(ZELKinReportCommand, TheDemoReportIsWrittenAndTheCommandSucceeds)
     EXPECT_TRUE(html.startsWith(QStringLiteral("<!DOCTYPE html>\n<html lang=\"en\">\n")));
     EXPECT_TRUE(html.endsWith(QStringLiteral("</body>\n</html>\n")));
     EXPECT_EQ(html.count(QStringLiteral("<p class=\"note\">No findings.</p>")), 4);
+}
+
+TEST_F(ZELKinReportCommand, WithQuietNothingIsShownOnStandardError)
+{
+    const ZELKinToolRun run = Report(kToolpath, nc, report, {QStringLiteral("--quiet")});
+    EXPECT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    EXPECT_EQ(run.standardOutput, QStringLiteral("Wrote %1: PASS\n").arg(report));
+    EXPECT_EQ(run.standardError, QString());
+    EXPECT_TRUE(QFileInfo(report).isFile());
 }
 
 TEST_F(ZELKinReportCommand, TheReportRefersToNothingOutsideItself)
@@ -251,10 +367,72 @@ TEST_F(ZELKinReportCommand, TheHeaderNamesTheFilesTheGatesAndThePass)
     EXPECT_TRUE(html.contains(QStringLiteral("<title>zelkin report: cylinder-section.json, PASS</title>")));
     EXPECT_TRUE(html.contains(QStringLiteral("<h1>Verification of cylinder-section.json</h1>\n"
                                              "<p class=\"result pass\">PASS</p>\n")));
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>program</th><td>cylinder-section</td></tr>")));
     EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>toolpath</th><td>%1</td></tr>").arg(kToolpath)));
     EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>machine</th><td>%1</td></tr>").arg(GetExampleMachinePath())));
     EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>NC</th><td>%1</td></tr>").arg(nc)));
     EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>gates</th><td>%1</td></tr>").arg(kDemoGates)));
+}
+
+TEST_F(ZELKinReportCommand, TheHeaderSaysWhenAndByWhichZelkinThePageWasMade)
+{
+    const QString html = WriteReport({}, ReproducibleEnvironment());
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>made</th><td>%1</td></tr>").arg(kMadeAt))) << html.toStdString();
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>by</th><td>zelkin " ZELKIN_VERSION "</td></tr>")));
+}
+
+TEST_F(ZELKinReportCommand, ADateThatIsNoNumberOfSecondsIsOneErrorAndNoPage)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("soon"));
+    const ZELKinToolRun run = Report(kToolpath, nc, report, {}, environment);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.GetErrorLines(),
+              QStringList({QStringLiteral("zelkin: error: SOURCE_DATE_EPOCH is not a number of seconds: 'soon'")}));
+    EXPECT_FALSE(QFileInfo::exists(report));
+}
+
+TEST_F(ZELKinReportCommand, EachInputIsNamedWithItsSizeAndSha256)
+{
+    const QString html = WriteReport();
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>input</th><th>file</th><th>bytes</th><th>SHA-256</th></tr>")));
+    EXPECT_TRUE(html.contains(InputRow(QStringLiteral("machine description"), GetExampleMachinePath())));
+    EXPECT_TRUE(html.contains(InputRow(QStringLiteral("toolpath"), kToolpath)));
+    // Every file of the posted folder, in name order.
+    QString files;
+    for (const QString& name :
+         {QStringLiteral("cylinder-section#0101.PPF"), QStringLiteral("cylinder-section#0102.PPF"),
+          QStringLiteral("cylinder-section#0103.PPF"), QStringLiteral("cylinder-section#0104.PPF"),
+          QStringLiteral("cylinder-section.PPSF"), QStringLiteral("cylinder-section.PTPF")})
+        files += InputRow(QStringLiteral("NC"), QDir(program).filePath(name)) + QLatin1Char('\n');
+    EXPECT_TRUE(html.contains(files)) << html.toStdString();
+}
+
+TEST_F(ZELKinReportCommand, ABundleIsOneInputAndNamesItsProgram)
+{
+    const QString bundle = QDir(work.path()).filePath(QStringLiteral("job.bun"));
+    ASSERT_EQ(Post(kToolpath, bundle).exitCode, 0);
+    const ZELKinToolRun run = Report(kToolpath, bundle, report);
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    const QString html = ReadText(report);
+    EXPECT_TRUE(html.contains(InputRow(QStringLiteral("NC"), bundle) + QStringLiteral("\n</table>")));
+    EXPECT_EQ(html.count(QStringLiteral("<tr><td>NC</td>")), 1);
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>program</th><td>cylinder-section</td></tr>")));
+}
+
+TEST_F(ZELKinReportCommand, AToolpathFromStandardInputIsNamedButNotHashed)
+{
+    QFile toolpath(kToolpath);
+    ASSERT_TRUE(toolpath.open(QIODevice::ReadOnly));
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("report"), QStringLiteral("--machine"), GetExampleMachinePath(),
+                                         QStringLiteral("--toolpath"), QStringLiteral("-"), QStringLiteral("--nc"), nc,
+                                         QStringLiteral("-o"), report},
+                                        QProcessEnvironment::systemEnvironment(), toolpath.readAll());
+    ASSERT_EQ(run.exitCode, 0) << run.standardError.toStdString();
+    // Read once by the checks, it cannot be read again.
+    EXPECT_TRUE(ReadText(report).contains(QStringLiteral(
+        "<tr><td>toolpath</td><td>standard input</td><td class=\"bytes\">-</td><td class=\"hash\">- (not a file that "
+        "can be read again)</td></tr>")));
 }
 
 TEST_F(ZELKinReportCommand, TheGatesGivenOnTheCommandLineAreTheOnesShown)
@@ -265,6 +443,83 @@ TEST_F(ZELKinReportCommand, TheGatesGivenOnTheCommandLineAreTheOnesShown)
     gates.replace(QStringLiteral("flip 30.000 deg"), QStringLiteral("flip 20.000 deg"))
         .replace(QStringLiteral("singularity warning 2.000 deg"), QStringLiteral("singularity warning 5.000 deg"));
     EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>gates</th><td>%1</td></tr>").arg(gates))) << gates.toStdString();
+}
+
+TEST_F(ZELKinReportCommand, ThePlyListSaysWhichPlyFailsWithItsFindingsAndRunTime)
+{
+    const QString second = PlyFile(QStringLiteral("0102"));
+    ChangeLine(second, CourseLine(LinesOfFile(second), 3, 10), WithXMoved);
+
+    const ZELKinToolRun run = Report(kToolpath, nc, report);
+    ASSERT_EQ(run.exitCode, 1) << run.standardError.toStdString();
+    const QString html = ReadText(report);
+    // Only the second ply fails: it has every finding.
+    const QString failed = QStringLiteral("FAIL (%1 findings)").arg(CountedFindings(run));
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr class=\"fail\"><td><a href=\"#ply-0102\">Ply 0102</a></td><td>Ply 2 "
+                                             "+45</td><td class=\"verdict\">%1</td><td class=\"time\">%2</td></tr>")
+                                  .arg(failed, VerifiedRunTime(kToolpath, nc, QStringLiteral("0102")))))
+        << html.toStdString();
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr class=\"pass\"><td><a href=\"#ply-0101\">Ply 0101</a></td><td>Ply 1 "
+                                             "0</td><td class=\"verdict\">PASS</td><td class=\"time\">%1</td></tr>")
+                                  .arg(VerifiedRunTime(kToolpath, nc, QStringLiteral("0101")))));
+    EXPECT_EQ(html.count(QStringLiteral("<td class=\"verdict\">PASS</td>")), 3);
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr class=\"total\"><td>all plies</td><td></td><td></td><td "
+                                             "class=\"time\">%1</td></tr>")
+                                  .arg(VerifiedRunTime(kToolpath, nc, QStringLiteral("total")))));
+    EXPECT_TRUE(html.contains(QStringLiteral("<h2>Ply 0102: Ply 2 +45</h2>\n<p class=\"verdict fail\">%1; estimated "
+                                             "run time %2</p>")
+                                  .arg(failed, VerifiedRunTime(kToolpath, nc, QStringLiteral("0102")))));
+}
+
+TEST_F(ZELKinReportCommand, FindingsOutsideThePlyFilesFailARowOfTheirOwn)
+{
+    // A ply file the program-set file does not list, beside the others.
+    const QString stray = QDir(program).filePath(QStringLiteral("cylinder-section#0105.PPF"));
+    ASSERT_TRUE(QFile::copy(ply, stray));
+
+    const ZELKinToolRun run = Report(kToolpath, nc, report);
+    ASSERT_EQ(run.exitCode, 1) << run.standardError.toStdString();
+    const QString html = ReadText(report);
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr class=\"fail\"><td><a href=\"#outside\">other</a></td><td>outside "
+                                             "the ply files</td><td class=\"verdict\">FAIL (%1 finding%2)</td><td></td>"
+                                             "</tr>")
+                                  .arg(CountedFindings(run))
+                                  .arg(CountedFindings(run) == 1 ? QString() : QStringLiteral("s"))))
+        << html.toStdString();
+    EXPECT_EQ(html.count(QStringLiteral("<td class=\"verdict\">PASS</td>")), 4);
+    EXPECT_TRUE(html.contains(QStringLiteral("<h3 id=\"outside\">Findings outside the ply files</h3>")));
+    // The stray file is one of the NC files the page names.
+    EXPECT_TRUE(html.contains(InputRow(QStringLiteral("NC"), stray)));
+}
+
+TEST_F(ZELKinReportCommand, APlyWithWarningsCountsThemInTheList)
+{
+    // With A at 89 degrees the normal stands 1 degree off the first roll axis.
+    const int line = CourseLineOfPly(1, 4);
+    ChangeLine(ply, line, [](const QString& text) { return WithWords(text, QStringLiteral("A89.0000")); });
+    ChangeLine(ply, line + 1, [](const QString& text) { return WithWords(text, QStringLiteral("A0.0000")); });
+
+    const ZELKinToolRun run = Report(kToolpath, nc, report);
+    const QString html = ReadText(report);
+    EXPECT_TRUE(html.contains(
+        QStringLiteral("<td class=\"verdict\">FAIL (%1 findings, 1 warning)</td>").arg(CountedFindings(run))))
+        << html.toStdString();
+}
+
+TEST_F(ZELKinReportCommand, ARunTimeThatLeavesOutLinesIsABound)
+{
+    // Without its first feed the ply's first lines cannot be timed.
+    const QString third = PlyFile(QStringLiteral("0103"));
+    ChangeLine(third, LineStartingWith(LinesOfFile(third), QStringLiteral("N")),
+               [](const QString& text) { return WithoutWord(text, QStringLiteral("F")); });
+
+    const QString html = WriteReport();
+    const QString time = VerifiedRunTime(kToolpath, nc, QStringLiteral("0103"));
+    EXPECT_TRUE(time.startsWith(QStringLiteral(">= "))) << time.toStdString();
+    EXPECT_TRUE(html.contains(QStringLiteral("<td>Ply 3 -45</td><td class=\"verdict\">PASS</td><td "
+                                             "class=\"time\">%1</td>")
+                                  .arg(time.toHtmlEscaped())))
+        << html.toStdString();
 }
 
 TEST_F(ZELKinReportCommand, EachPlyHasOneSectionWithItsNumberProcedureAndSummary)
@@ -281,9 +536,11 @@ TEST_F(ZELKinReportCommand, EachPlyHasOneSectionWithItsNumberProcedureAndSummary
         EXPECT_GT(at, last) << section.toStdString();
         last = at;
     }
-    for (const QString& number : {QStringLiteral("0101"), QStringLiteral("0102"), QStringLiteral("0103"),
-                                  QStringLiteral("0104")})
+    for (const QString& number :
+         {QStringLiteral("0101"), QStringLiteral("0102"), QStringLiteral("0103"), QStringLiteral("0104")}) {
+        EXPECT_EQ(html.count(QStringLiteral("<div class=\"choice\" id=\"choice-%1\"></div>").arg(number)), 1);
         EXPECT_EQ(html.count(QStringLiteral("<div class=\"plots\" id=\"plots-%1\"></div>").arg(number)), 1);
+    }
     // The first ply's counts: 4 courses, its motion lines, those along the
     // courses and those on the links.
     const MotionLines lines = CountMotionLines(ply);
@@ -293,11 +550,34 @@ TEST_F(ZELKinReportCommand, EachPlyHasOneSectionWithItsNumberProcedureAndSummary
                                   .arg(lines.all - lines.alongCourses)));
 }
 
-TEST_F(ZELKinReportCommand, TheDataAsksForAPlotPerAxisAndTheViewFromAbove)
+TEST_F(ZELKinReportCommand, TheSummaryNamesTheAxisNearestItsSpeedLimit)
+{
+    // A feed of 10 000 inches a minute drives the slides far past their limits.
+    const int line = CourseLineOfPly(2, 5);
+    ChangeLine(ply, line, [](const QString& text) { return WithWords(text, QStringLiteral("F10000")); });
+
+    const QString html = WriteReport();
+    EXPECT_TRUE(html.contains(QStringLiteral("<th>speed % (axis)</th>")));
+    const QRegularExpressionMatch speed
+        = QRegularExpression(QStringLiteral("<tr><td>4</td>(<td>[^<]*</td>){9}<td>(\\d+\\.\\d) \\(([A-Z0-9]+)\\)</td>"))
+              .match(html);
+    ASSERT_TRUE(speed.hasMatch()) << html.toStdString();
+    EXPECT_GT(speed.captured(2).toDouble(), 100.0);
+    // The axis the first speed finding of the line names.
+    const QRegularExpressionMatch finding
+        = QRegularExpression(QStringLiteral("<td>speed</td><td>([A-Z0-9]+) would move at")).match(html);
+    ASSERT_TRUE(finding.hasMatch());
+    EXPECT_TRUE(QStringList({QStringLiteral("X"), QStringLiteral("Y"), QStringLiteral("Z"), QStringLiteral("C"),
+                             QStringLiteral("A"), QStringLiteral("C1"), QStringLiteral("U")})
+                    .contains(speed.captured(3)));
+}
+
+TEST_F(ZELKinReportCommand, TheDataAsksForTheOverviewTheViewFromAboveAndAPlotPerAxis)
 {
     const QJsonObject data = DataOf(WriteReport());
-    // Four plies, each with the seven machine axes and the view from above.
-    EXPECT_EQ(data.value(QStringLiteral("plotsExpected")).toInt(), 4 * (7 + 1));
+    // Four plies, each with the overview, the view from above and the seven
+    // machine axes.
+    EXPECT_EQ(data.value(QStringLiteral("plotsExpected")).toInt(), 4 * (2 + 7));
     const QJsonObject ply = PlyData(data, QStringLiteral("0101"));
     const QJsonArray axes = ply.value(QStringLiteral("axes")).toArray();
     ASSERT_EQ(axes.size(), 7);
@@ -313,6 +593,27 @@ TEST_F(ZELKinReportCommand, TheDataAsksForAPlotPerAxisAndTheViewFromAbove)
               QStringLiteral("slide position"));
     EXPECT_EQ(AxisData(ply, QStringLiteral("U")).value(QStringLiteral("kind")).toString(),
               QStringLiteral("material axis"));
+}
+
+TEST_F(ZELKinReportCommand, EachCourseComesWithItsFindingsRunTimeAndFastestAxis)
+{
+    const QString second = PlyFile(QStringLiteral("0102"));
+    ChangeLine(second, CourseLine(LinesOfFile(second), 3, 10), WithXMoved);
+
+    const QJsonObject plyData = PlyData(DataOf(WriteReport()), QStringLiteral("0102"));
+    const QJsonArray courses = plyData.value(QStringLiteral("courses")).toArray();
+    ASSERT_EQ(courses.size(), 4);
+    for (int i = 0; i < courses.size(); ++i) {
+        const QJsonObject course = courses.at(i).toObject();
+        EXPECT_EQ(course.value(QStringLiteral("course")).toInt(), i + 1);
+        EXPECT_EQ(course.value(QStringLiteral("findings")).toInt() > 0, i + 1 == 3) << "course " << i + 1;
+        EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d+:\\d\\d:\\d\\d\\.\\d$"))
+                        .match(course.value(QStringLiteral("time")).toString())
+                        .hasMatch());
+        const QJsonObject speed = course.value(QStringLiteral("speed")).toObject();
+        EXPECT_FALSE(speed.value(QStringLiteral("axis")).toString().isEmpty());
+        EXPECT_GT(speed.value(QStringLiteral("percent")).toDouble(), 0.0);
+    }
 }
 
 TEST_F(ZELKinReportCommand, LimitsComeInTheAxisUnitsAndAnAxisWithoutLimitsHasNone)
@@ -337,15 +638,35 @@ TEST_F(ZELKinReportCommand, ASmallPlyKeepsEveryLineAndTellsCourseLinesFromLinkLi
     const QJsonObject ply = PlyData(DataOf(WriteReport()), QStringLiteral("0101"));
     const QJsonArray along = ply.value(QStringLiteral("a")).toArray();
     ASSERT_EQ(along.size(), lines.all);
+    EXPECT_EQ(ply.value(QStringLiteral("s")).toArray().size(), lines.all);
     EXPECT_EQ(std::count_if(along.begin(), along.end(), [](const QJsonValue& value) { return value.toInt() == 1; }),
               lines.alongCourses);
-    for (const QJsonValue& axis : ply.value(QStringLiteral("axes")).toArray())
-        EXPECT_EQ(axis.toObject().value(QStringLiteral("i")).toArray().size(), lines.all);
-    EXPECT_EQ(ply.value(QStringLiteral("top")).toArray().size(), lines.all);
+    // The material axis moves on every line along a course.
+    const QJsonArray u = AxisData(ply, QStringLiteral("U")).value(QStringLiteral("i")).toArray();
+    EXPECT_EQ(std::count_if(u.begin(), u.end(),
+                            [&along](const QJsonValue& sample) { return along.at(sample.toInt()).toInt() == 1; }),
+              lines.alongCourses);
     // The four courses, in the file's order.
     const QJsonArray courses = ply.value(QStringLiteral("c")).toArray();
     EXPECT_EQ(courses.first().toInt(), 1);
     EXPECT_EQ(courses.last().toInt(), 4);
+}
+
+TEST_F(ZELKinReportCommand, AnAxisThatStandsStillKeepsTheEndsOfEachCourseAndLink)
+{
+    // A 0 degree ply holds the bend A at 0 throughout.
+    const QJsonObject ply = PlyData(DataOf(WriteReport()), QStringLiteral("0101"));
+    const QJsonArray courses = ply.value(QStringLiteral("c")).toArray();
+    const QJsonArray along = ply.value(QStringLiteral("a")).toArray();
+    int stretches = 0;
+    for (int i = 0; i < courses.size(); ++i)
+        stretches += i == 0 || courses.at(i) != courses.at(i - 1) || along.at(i) != along.at(i - 1) ? 1 : 0;
+    const QJsonObject a = AxisData(ply, QStringLiteral("A"));
+    const QJsonArray values = a.value(QStringLiteral("v")).toArray();
+    EXPECT_LE(values.size(), 2 * stretches);
+    EXPECT_LT(values.size(), courses.size() / 2);
+    for (const QJsonValue& value : values)
+        EXPECT_TRUE(ZELTest::SameDouble(0.0, value.toDouble(), kRotaryKept));
 }
 
 TEST_F(ZELKinReportCommand, AChangedXWordIsListedAndMarkedWithItsFileAndLine)
@@ -358,34 +679,79 @@ TEST_F(ZELKinReportCommand, AChangedXWordIsListedAndMarkedWithItsFileAndLine)
     EXPECT_TRUE(run.standardOutput.startsWith(QStringLiteral("Wrote %1: FAIL (").arg(report)));
     const QString html = ReadText(report);
     EXPECT_TRUE(html.contains(QStringLiteral("<p class=\"result fail\">FAIL (")));
-    EXPECT_TRUE(html.contains(QStringLiteral("<tr><td>0101</td><td>2</td><td>6</td><td class=\"where\">%1:%2</td>"
-                                             "<td>centre</td><td>the roller centre is 2.5")
-                                  .arg(ply)
-                                  .arg(line)))
+    const QString row = QStringLiteral("<tr data-course=\"2\"><td>0101</td><td>2</td><td>6</td><td class=\"where\">"
+                                       "%1:%2</td><td>%3")
+                            .arg(ply)
+                            .arg(line);
+    EXPECT_TRUE(html.contains(row.arg(QStringLiteral("centre</td><td>the roller centre is 2.5"))))
         << html.toStdString();
+    EXPECT_TRUE(html.contains(row.arg(QStringLiteral("contact</td>"))));
 
     const QJsonObject plyData = PlyData(DataOf(html), QStringLiteral("0101"));
-    QList<QJsonObject> findings = FindingDataAt(plyData, ply, line);
-    findings.removeIf([](const QJsonObject& finding) {
-        return !finding.value(QStringLiteral("text")).toString().contains(QStringLiteral(": centre: "));
-    });
-    ASSERT_EQ(findings.size(), 1);
-    const QJsonObject finding = findings.first();
-    const int sample = SampleOfLine(plyData, line);
-    ASSERT_GE(sample, 0);
+    const QJsonObject mark = MarkAt(plyData, line);
+    ASSERT_FALSE(mark.isEmpty());
+    // Every finding of the line in one mark: as many as the list has rows
+    // for the line.
+    EXPECT_EQ(mark.value(QStringLiteral("count")).toInt(), html.count(QStringLiteral("%1:%2</td>").arg(ply).arg(line)));
+    EXPECT_EQ(mark.value(QStringLiteral("last")).toInt(), line);
+    EXPECT_FALSE(mark.value(QStringLiteral("warning")).toBool());
     // Marked where its line is: along the path and seen from above.
-    EXPECT_TRUE(ZELTest::SameDouble(plyData.value(QStringLiteral("s")).toArray().at(sample).toDouble(),
-                                    finding.value(QStringLiteral("s")).toDouble(), ZELTest::kExact));
-    EXPECT_TRUE(ZELTest::SameDouble(plyData.value(QStringLiteral("x")).toArray().at(sample).toDouble(),
-                                    finding.value(QStringLiteral("x")).toDouble(), ZELTest::kExact));
-    EXPECT_TRUE(ZELTest::SameDouble(plyData.value(QStringLiteral("y")).toArray().at(sample).toDouble(),
-                                    finding.value(QStringLiteral("y")).toDouble(), ZELTest::kExact));
-    EXPECT_EQ(finding.value(QStringLiteral("axis")).toInt(), -1) << "a centre finding is about no one axis";
-    EXPECT_TRUE(finding.value(QStringLiteral("text"))
-                    .toString()
-                    .startsWith(QStringLiteral("course 2, point 6, %1:%2: centre: the roller centre is 2.5")
-                                    .arg(ply)
-                                    .arg(line)));
+    const CentreAtLine centre = WalkToLine(ply, line);
+    EXPECT_TRUE(ZELTest::SameDouble(centre.pathLength, mark.value(QStringLiteral("s")).toDouble(), kLengthKept));
+    EXPECT_TRUE(ZELTest::SameDouble(centre.x, mark.value(QStringLiteral("x")).toDouble(), kLengthKept));
+    EXPECT_TRUE(ZELTest::SameDouble(centre.y, mark.value(QStringLiteral("y")).toDouble(), kLengthKept));
+    EXPECT_TRUE(mark.value(QStringLiteral("axes")).toArray().isEmpty()) << "a centre finding is about no one axis";
+    EXPECT_TRUE(
+        mark.value(QStringLiteral("text"))
+            .toString()
+            .startsWith(
+                QStringLiteral("course 2, point 6, %1:%2: centre: the roller centre is 2.5").arg(ply).arg(line)));
+}
+
+TEST_F(ZELKinReportCommand, AFindingInTheMiddleOfAPlyIsMarkedAtItsLinesPathLength)
+{
+    const QString second = PlyFile(QStringLiteral("0102"));
+    const int line = CourseLine(LinesOfFile(second), 3, 10);
+    ChangeLine(second, line, WithXMoved);
+
+    const QJsonObject plyData = PlyData(DataOf(WriteReport()), QStringLiteral("0102"));
+    const QJsonObject mark = MarkAt(plyData, line);
+    ASSERT_FALSE(mark.isEmpty());
+    const double length = WalkToLine(second, line).pathLength;
+    // Course 3 of four lies well into the ply.
+    EXPECT_GT(length, plyData.value(QStringLiteral("length")).toDouble() / 3);
+    EXPECT_TRUE(ZELTest::SameDouble(length, mark.value(QStringLiteral("s")).toDouble(), kLengthKept));
+    // No other ply marks anything.
+    for (const QString& number : {QStringLiteral("0101"), QStringLiteral("0103"), QStringLiteral("0104")})
+        EXPECT_TRUE(PlyData(DataOf(ReadText(report)), number).value(QStringLiteral("marks")).toArray().isEmpty());
+}
+
+TEST_F(ZELKinReportCommand, ATowEventFindingIsMarkedAtTheMotionLineBeforeIt)
+{
+    // Course 3's first tow event a millimetre of material later.
+    const QStringList lines = LinesOfFile(ply);
+    const int record = LineStartingWith(lines, QStringLiteral(";[COURSE] CourseNumber=3,"));
+    const int event = LineStartingWith(lines, QStringLiteral(";PMAC1: G500U"), record);
+    ChangeLine(ply, event, [](const QString& text) {
+        const QRegularExpressionMatch u = QRegularExpression(QStringLiteral("U(\\d+\\.\\d+)")).match(text);
+        QString changed = text;
+        return changed.replace(u.capturedStart(1), u.capturedLength(1),
+                               QString::number(u.captured(1).toDouble() + 1.0, 'f', 3));
+    });
+    int before = event - 1;
+    while (!lines.at(before - 1).startsWith(QLatin1Char('N')))
+        --before;
+
+    const QString html = WriteReport();
+    EXPECT_TRUE(html.contains(QStringLiteral("<td class=\"where\">%1:%2</td><td>tow</td>").arg(ply).arg(event)))
+        << html.toStdString();
+    const QJsonObject plyData = PlyData(DataOf(html), QStringLiteral("0101"));
+    const QJsonObject mark = MarkAt(plyData, before);
+    ASSERT_FALSE(mark.isEmpty());
+    EXPECT_TRUE(
+        mark.value(QStringLiteral("text")).toString().contains(QStringLiteral("%1:%2: tow: ").arg(ply).arg(event)));
+    EXPECT_TRUE(ZELTest::SameDouble(WalkToLine(ply, before).pathLength, mark.value(QStringLiteral("s")).toDouble(),
+                                    kLengthKept));
 }
 
 TEST_F(ZELKinReportCommand, AnAxisBeyondItsLimitIsMarkedOnThatAxisInDegrees)
@@ -401,13 +767,12 @@ TEST_F(ZELKinReportCommand, AnAxisBeyondItsLimitIsMarkedOnThatAxisInDegrees)
     const QJsonObject plyData = PlyData(DataOf(html), QStringLiteral("0101"));
     const QJsonObject a = AxisData(plyData, QStringLiteral("A"));
     EXPECT_TRUE(ZELTest::SameDouble(100.0, AxisValueAt(a, SampleOfLine(plyData, line)), kRotaryKept));
-    // The A axis is the fifth plotted.
-    const QJsonArray findings = plyData.value(QStringLiteral("findings")).toArray();
-    const auto onA = std::find_if(findings.begin(), findings.end(), [](const QJsonValue& finding) {
-        return finding.toObject().value(QStringLiteral("axis")).toInt() == 4;
-    });
-    ASSERT_NE(onA, findings.end());
-    EXPECT_TRUE(ZELTest::SameDouble(100.0, onA->toObject().value(QStringLiteral("v")).toDouble(), kRotaryKept));
+    // The A axis is the fifth plotted: the mark is circled on it at 100 deg.
+    const QJsonArray axes = MarkAt(plyData, line).value(QStringLiteral("axes")).toArray();
+    const auto onA = std::find_if(axes.begin(), axes.end(),
+                                  [](const QJsonValue& axis) { return axis.toArray().at(0).toInt() == 4; });
+    ASSERT_NE(onA, axes.end());
+    EXPECT_TRUE(ZELTest::SameDouble(100.0, onA->toArray().at(1).toDouble(), kRotaryKept));
 }
 
 TEST_F(ZELKinReportCommand, ASingularityWarningIsListedApartFromTheFailures)
@@ -418,7 +783,7 @@ TEST_F(ZELKinReportCommand, ASingularityWarningIsListedApartFromTheFailures)
     ChangeLine(ply, line + 1, [](const QString& text) { return WithWords(text, QStringLiteral("A0.0000")); });
 
     const QString html = WriteReport();
-    EXPECT_TRUE(html.contains(QStringLiteral("<tr class=\"warning\"><td>0101</td><td>1</td>")));
+    EXPECT_TRUE(html.contains(QStringLiteral("<tr class=\"warning\" data-course=\"1\"><td>0101</td><td>1</td>")));
     EXPECT_TRUE(html.contains(QStringLiteral("<td class=\"where\">%1:%2</td><td>singularity (warning)</td><td>the "
                                              "normal is 1.000 deg from the first roll axis")
                                   .arg(ply)
@@ -442,9 +807,13 @@ TEST_F(ZELKinReportCommand, PathsWithMarkupCharactersAreShownAsTheyAre)
     EXPECT_TRUE(escaped.contains(QStringLiteral("nc &amp; &lt;old&gt; &quot;copy&quot;")));
     EXPECT_TRUE(html.contains(QStringLiteral("<tr><th>NC</th><td>%1</td></tr>").arg(escaped)));
     EXPECT_TRUE(html.contains(QStringLiteral("<td class=\"where\">%1:%2</td>").arg(ply.toHtmlEscaped()).arg(line)));
+    EXPECT_TRUE(html.contains(InputRow(QStringLiteral("NC"), ply)));
     EXPECT_FALSE(html.contains(QStringLiteral("<old>")));
     // The data holds the path itself; no string in it can end its script.
-    EXPECT_FALSE(FindingDataAt(PlyData(DataOf(html), QStringLiteral("0101")), ply, line).isEmpty());
+    EXPECT_TRUE(MarkAt(PlyData(DataOf(html), QStringLiteral("0101")), line)
+                    .value(QStringLiteral("text"))
+                    .toString()
+                    .contains(ply));
 }
 
 TEST_F(ZELKinReportCommand, AFailedVerificationWritesNoReport)
@@ -468,81 +837,166 @@ TEST_F(ZELKinReportCommand, AnEarlierReportStaysWholeWhenTheNextCannotBeMade)
     EXPECT_EQ(ReadText(report), QStringLiteral("the earlier report"));
 }
 
-TEST(ZELKinReportCommandLarge, ALongPlyIsCutToBucketsThatKeepItsPeaksAndFindings)
+// A generated cylinder ply of `courses` courses of `points` points, posted.
+struct GeneratedPly
 {
-    const QTemporaryDir work;
-    const QString toolpath = QDir(work.path()).filePath(QStringLiteral("long.json"));
-    const QString nc = QDir(work.path()).filePath(QStringLiteral("nc"));
-    const QString report = QDir(work.path()).filePath(QStringLiteral("long.html"));
-    ASSERT_EQ(RunZelkin({QStringLiteral("generate-toolpath"), QStringLiteral("--part"), QStringLiteral("cylinder"),
-                         QStringLiteral("--plies"), QStringLiteral("0"), QStringLiteral("--courses"),
-                         QStringLiteral("2"), QStringLiteral("--points-per-course"), QStringLiteral("6000"),
-                         QStringLiteral("-o"), toolpath})
-                  .exitCode,
-              0);
-    ASSERT_EQ(Post(toolpath, nc).exitCode, 0);
-    const QString ply = QDir(nc).filePath(QStringLiteral("cylinder-section/cylinder-section#0101.PPF"));
-    const QStringList lines = ReadText(ply).split(QLatin1Char('\n'));
-    const int line = CourseLine(lines, 2, 3000);
-    SetAOutOfLimits(ply, line);
+    GeneratedPly(int courses, int points)
+    {
+        EXPECT_EQ(RunZelkin({QStringLiteral("generate-toolpath"), QStringLiteral("--part"), QStringLiteral("cylinder"),
+                             QStringLiteral("--plies"), QStringLiteral("0"), QStringLiteral("--courses"),
+                             QString::number(courses), QStringLiteral("--points-per-course"), QString::number(points),
+                             QStringLiteral("-o"), toolpath})
+                      .exitCode,
+                  0);
+        EXPECT_EQ(Post(toolpath, nc).exitCode, 0);
+    }
 
-    const ZELKinToolRun run = Report(toolpath, nc, report);
+    QTemporaryDir work;
+    const QString toolpath = QDir(work.path()).filePath(QStringLiteral("part.json"));
+    const QString nc = QDir(work.path()).filePath(QStringLiteral("nc"));
+    const QString ply = QDir(nc).filePath(QStringLiteral("cylinder-section/cylinder-section#0101.PPF"));
+    const QString report = QDir(work.path()).filePath(QStringLiteral("part.html"));
+};
+
+TEST(ZELKinReportCommandLarge, ALongPlyIsCutToStretchesThatKeepItsPeaksAndFindings)
+{
+    const GeneratedPly part(2, 6000);
+    const int line = CourseLine(LinesOfFile(part.ply), 2, 3000);
+    SetAOutOfLimits(part.ply, line);
+
+    const ZELKinToolRun run = Report(part.toolpath, part.nc, part.report);
     ASSERT_EQ(run.exitCode, 1) << run.standardError.toStdString();
-    const QString html = ReadText(report);
+    const QString html = ReadText(part.report);
     const QJsonObject plyData = PlyData(DataOf(html), QStringLiteral("0101"));
-    // Two courses of 6000 points each make more than 12000 motion lines.
+    // Two courses of 6000 points each make more than 12000 motion lines,
+    // each course cut into half the ply's stretches.
     for (const QJsonValue& axis : plyData.value(QStringLiteral("axes")).toArray()) {
         const qsizetype kept = axis.toObject().value(QStringLiteral("i")).toArray().size();
-        EXPECT_LE(kept, 2 * kMaxBuckets + 2) << axis.toObject().value(QStringLiteral("label")).toString().toStdString();
+        EXPECT_LE(kept, 2 * kMinStretchesPerPly + 2 * 2)
+            << axis.toObject().value(QStringLiteral("label")).toString().toStdString();
         EXPECT_LT(kept, 12000 / 2);
     }
-    EXPECT_LE(plyData.value(QStringLiteral("top")).toArray().size(), 4 * kMaxBuckets + 2);
+    EXPECT_LE(plyData.value(QStringLiteral("top")).toArray().size(), 2 * (2 * kMinStretchesPerPly + 2 * 2));
     // The line beyond the limit is one of the few kept.
     const QJsonObject a = AxisData(plyData, QStringLiteral("A"));
     EXPECT_TRUE(ZELTest::SameDouble(100.0, AxisValueAt(a, SampleOfLine(plyData, line)), kRotaryKept));
-    // Every finding is kept, with its file and line in the list.
-    const QJsonArray findings = plyData.value(QStringLiteral("findings")).toArray();
-    EXPECT_EQ(findings.size(), html.count(QStringLiteral("<td class=\"where\">")));
-    EXPECT_TRUE(html.contains(QStringLiteral("<td class=\"where\">%1:%2</td><td>limit</td>").arg(ply).arg(line)));
-    // A page of twelve thousand lines stays far below their NC text.
-    EXPECT_LT(QFileInfo(report).size(), QFileInfo(ply).size() / 4);
+    // Every finding is marked and listed with its file and line.
+    EXPECT_EQ(CountMarked(plyData), CountedFindings(run));
+    EXPECT_EQ(CountMarked(plyData), html.count(QStringLiteral("<td class=\"where\">")));
+    EXPECT_TRUE(html.contains(QStringLiteral("<td class=\"where\">%1:%2</td><td>limit</td>").arg(part.ply).arg(line)));
+    // A page of twelve thousand lines stays well below their NC text.
+    EXPECT_LT(QFileInfo(part.report).size(), QFileInfo(part.ply).size() / 2);
 }
 
-TEST(ZELKinReportCommandLarge, APlyWithThousandsOfFindingsListsAndMarksTheFirstFiveHundred)
+TEST(ZELKinReportCommandLarge, EachCourseOfAPlyOfManyIsCutOnItsOwn)
+{
+    // Three hundred courses: the ply's 2000 stretches would leave fewer
+    // than seven to a course.
+    const GeneratedPly part(300, 100);
+    ASSERT_EQ(Report(part.toolpath, part.nc, part.report).exitCode, 0);
+    const QJsonObject plyData = PlyData(DataOf(ReadText(part.report)), QStringLiteral("0101"));
+    // Along a course of a 0 degree ply X runs one way: each stretch keeps
+    // its first and its last line.
+    const QJsonArray courses = plyData.value(QStringLiteral("c")).toArray();
+    const QJsonArray along = plyData.value(QStringLiteral("a")).toArray();
+    QHash<int, int> kept;
+    for (const QJsonValue& sample : AxisData(plyData, QStringLiteral("X")).value(QStringLiteral("i")).toArray()) {
+        if (along.at(sample.toInt()).toInt() == 1)
+            ++kept[courses.at(sample.toInt()).toInt()];
+    }
+    EXPECT_EQ(kept.size(), 300);
+    for (auto course = kept.cbegin(); course != kept.cend(); ++course) {
+        EXPECT_GE(course.value(), kMinStretchesPerCourse) << "course " << course.key();
+        EXPECT_LE(course.value(), 2 * kMinStretchesPerCourse + 2) << "course " << course.key();
+    }
+    // Each course keeps its first line.
+    const QStringList lines = LinesOfFile(part.ply);
+    QList<int> numbers;
+    for (const QJsonValue& number : plyData.value(QStringLiteral("n")).toArray())
+        numbers.append(number.toInt());
+    for (int course = 1; course <= 300; ++course) {
+        const int record = LineStartingWith(lines, QStringLiteral(";[COURSE] CourseNumber=%1,").arg(course));
+        const int first = LineStartingWith(lines, QStringLiteral("N"), record);
+        EXPECT_TRUE(numbers.contains(first)) << "course " << course << " line " << first;
+    }
+}
+
+TEST(ZELKinReportCommandLarge, ACourseOfFewLinesKeepsThemAllInAPlyOfMany)
+{
+    const GeneratedPly part(300, 20);
+    ASSERT_EQ(Report(part.toolpath, part.nc, part.report).exitCode, 0);
+    const MotionLines lines = CountMotionLines(part.ply);
+    ASSERT_GT(lines.all, kMinStretchesPerPly * 2);
+    const QJsonObject plyData = PlyData(DataOf(ReadText(part.report)), QStringLiteral("0101"));
+    EXPECT_EQ(plyData.value(QStringLiteral("s")).toArray().size(), lines.all);
+    // The material axis moves on every line along a course.
+    const QJsonArray along = plyData.value(QStringLiteral("a")).toArray();
+    const QJsonArray u = AxisData(plyData, QStringLiteral("U")).value(QStringLiteral("i")).toArray();
+    EXPECT_EQ(std::count_if(u.begin(), u.end(),
+                            [&along](const QJsonValue& sample) { return along.at(sample.toInt()).toInt() == 1; }),
+              lines.alongCourses);
+}
+
+TEST(ZELKinReportCommandLarge, APlyWithThousandsOfFindingsMarksThemAllAndListsEachCourse)
 {
     // Every X word of the ply moved by a tenth of an inch: every line of
     // two courses of 1500 points stands off its point.
-    const QTemporaryDir work;
-    const QString toolpath = QDir(work.path()).filePath(QStringLiteral("dense.json"));
-    const QString nc = QDir(work.path()).filePath(QStringLiteral("nc"));
-    const QString report = QDir(work.path()).filePath(QStringLiteral("dense.html"));
-    ASSERT_EQ(RunZelkin({QStringLiteral("generate-toolpath"), QStringLiteral("--part"), QStringLiteral("cylinder"),
-                         QStringLiteral("--plies"), QStringLiteral("0"), QStringLiteral("--courses"),
-                         QStringLiteral("2"), QStringLiteral("--points-per-course"), QStringLiteral("1500"),
-                         QStringLiteral("-o"), toolpath})
-                  .exitCode,
-              0);
-    ASSERT_EQ(Post(toolpath, nc).exitCode, 0);
-    const QString ply = QDir(nc).filePath(QStringLiteral("cylinder-section/cylinder-section#0101.PPF"));
-    QStringList lines = LinesOfFile(ply);
+    const GeneratedPly part(2, 1500);
+    QStringList lines = LinesOfFile(part.ply);
     for (QString& line : lines) {
         if (line.startsWith(QLatin1Char('N')) && HasWord(line, QStringLiteral("X")))
             line = WithXMoved(line);
     }
-    WriteText(ply, lines.join(QLatin1Char('\n')));
+    WriteText(part.ply, lines.join(QLatin1Char('\n')));
 
-    const ZELKinToolRun run = Report(toolpath, nc, report);
+    const ZELKinToolRun run = Report(part.toolpath, part.nc, part.report);
     ASSERT_EQ(run.exitCode, 1) << run.standardError.toStdString();
-    const QRegularExpressionMatch count =
-        QRegularExpression(QStringLiteral("FAIL \\((\\d+) findings\\)")).match(run.standardOutput);
-    ASSERT_TRUE(count.hasMatch()) << run.standardOutput.toStdString();
-    const int total = count.captured(1).toInt();
+    const int total = CountedFindings(run);
     ASSERT_GT(total, 500);
-    const QString html = ReadText(report);
+    const QString html = ReadText(part.report);
     EXPECT_EQ(html.count(QStringLiteral("<td class=\"where\">")), 500);
-    EXPECT_EQ(PlyData(DataOf(html), QStringLiteral("0101")).value(QStringLiteral("findings")).toArray().size(), 500);
-    EXPECT_TRUE(html.contains(
-        QStringLiteral("The first 500 are listed and marked; 'zelkin verify --json' lists all %1.").arg(total)));
+    EXPECT_EQ(html.count(QStringLiteral("<tr data-course=\"1\">")), 250);
+    EXPECT_EQ(html.count(QStringLiteral("<tr data-course=\"2\">")), 250);
+    EXPECT_TRUE(html.contains(QStringLiteral("500 of the %1 are listed, the first of each course in turn; the plots "
+                                             "mark them all. 'zelkin verify --json' lists all %1.")
+                                  .arg(total)));
+    // The marks count every finding, spread over the whole ply, each line's
+    // findings in one mark.
+    const QJsonObject plyData = PlyData(DataOf(html), QStringLiteral("0101"));
+    EXPECT_EQ(CountMarked(plyData), total);
+    const QJsonArray marks = plyData.value(QStringLiteral("marks")).toArray();
+    EXPECT_LE(marks.size(), kMaxMarks);
+    EXPECT_GT(marks.last().toObject().value(QStringLiteral("s")).toDouble(),
+              plyData.value(QStringLiteral("length")).toDouble() / 2);
+}
+
+TEST(ZELKinReportCommandLarge, AMarkStandsForEveryFindingOfItsStretchWhenLinesWithFindingsAreTooMany)
+{
+    // Over two thousand lines with findings, each marked one by one no more.
+    const GeneratedPly part(2, 2500);
+    QStringList lines = LinesOfFile(part.ply);
+    for (QString& line : lines) {
+        if (line.startsWith(QLatin1Char('N')) && HasWord(line, QStringLiteral("X")))
+            line = WithXMoved(line);
+    }
+    WriteText(part.ply, lines.join(QLatin1Char('\n')));
+
+    const ZELKinToolRun run = Report(part.toolpath, part.nc, part.report);
+    ASSERT_EQ(run.exitCode, 1);
+    const QJsonObject plyData = PlyData(DataOf(ReadText(part.report)), QStringLiteral("0101"));
+    const QJsonArray marks = plyData.value(QStringLiteral("marks")).toArray();
+    EXPECT_LE(marks.size(), kMaxMarks);
+    EXPECT_EQ(CountMarked(plyData), CountedFindings(run));
+    // Some mark spans several lines, and the marks follow each other.
+    int spanning = 0;
+    int last = 0;
+    for (const QJsonValue& value : marks) {
+        const QJsonObject mark = value.toObject();
+        spanning += mark.value(QStringLiteral("last")).toInt() > mark.value(QStringLiteral("line")).toInt() ? 1 : 0;
+        EXPECT_GT(mark.value(QStringLiteral("line")).toInt(), last);
+        last = mark.value(QStringLiteral("last")).toInt();
+    }
+    EXPECT_GT(spanning, 0);
 }
 
 TEST(ZELKinReportCommandUsage, WithoutTheReportFileTheCommandLineIsRefused)
@@ -609,6 +1063,14 @@ TEST_F(ZELKinReportCommandUnwritable, AFolderThatIsNotThereIsOneErrorBeforeAnyWo
                                                     .arg(path)}))
         << "no progress lines: the folder is looked at before the toolpath is solved";
     EXPECT_FALSE(QFileInfo::exists(QDir(work.path()).filePath(QStringLiteral("missing"))));
+}
+
+TEST(ZELKinReportCommandHelp, TheHelpNamesTheQuietOption)
+{
+    const ZELKinToolRun run = RunZelkin({QStringLiteral("help"), QStringLiteral("report")});
+    EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("[--singularity-angle DEG] [--quiet]")))
+        << run.standardOutput.toStdString();
+    EXPECT_TRUE(run.standardOutput.contains(QStringLiteral("  --quiet                   Show no progress.\n")));
 }
 
 TEST(ZELKinReportCommandHelp, TheCommandListShowsTheReport)

@@ -1,5 +1,6 @@
 #include "zelkinpostsummary.h"
 
+#include "zelkinruntimetext.h"
 #include "zelkintexttable.h"
 #include "zelkinunits.h"
 
@@ -56,13 +57,6 @@ QString Metres(double millimetres)
                                       : QStringLiteral("-");
 }
 
-// The estimate (docs/run-time.md); ">= " before a time that leaves out
-// lines it cannot time.
-QString RunTime(const ZELKinRunTime& time)
-{
-    return (time.IsComplete() ? QString() : QStringLiteral(">= ")) + ZELKinUnits::Duration(time.seconds);
-}
-
 } // namespace
 
 ZELKinPostSummary::ZELKinPostSummary(const ZELKinAFPMachine& machine, const ZELKinProgram& program)
@@ -108,13 +102,13 @@ QString ZELKinPostSummary::DescribePlies(const QString& posted) const
         const double laid = LaidLength(ply, materialIndex);
         const ZELKinPlyRunTime time = estimator.Estimate(ply);
         table.AddRow({ply.plyNumber, ply.procedure, ZELKinUnits::Grouped(courses), ZELKinUnits::Grouped(plyPositions),
-                      Metres(laid), RunTime(time)});
+                      Metres(laid), ZELKinRunTimeText::Clock(time)});
         allTime.Add(time);
         allCourses += courses;
         allPositions += plyPositions;
         allLaid += laid;
     }
     table.AddRow({QStringLiteral("all"), QString(), ZELKinUnits::Grouped(allCourses),
-                  ZELKinUnits::Grouped(allPositions), Metres(allLaid), RunTime(allTime)});
+                  ZELKinUnits::Grouped(allPositions), Metres(allLaid), ZELKinRunTimeText::Clock(allTime)});
     return table.ToText(0);
 }

@@ -2,6 +2,7 @@
 
 #include "zelkinarguments.h"
 #include "zelkinconsole.h"
+#include "zelkinruntimetext.h"
 #include "zelkintexttable.h"
 #include "zelkinverificationjob.h"
 
@@ -76,23 +77,10 @@ QString Seconds(const ZELKinRunTime& runTime)
     return Bounded(runTime, QString::number(runTime.seconds, 'f', 1));
 }
 
-// "1:02:05.5": hours, minutes, and seconds to a tenth.
-QString Clock(const ZELKinRunTime& runTime)
-{
-    const qint64 tenths = qRound64(runTime.seconds * 10.0);
-    const QChar zero = QLatin1Char('0');
-    return Bounded(runTime,
-                   QStringLiteral("%1:%2:%3.%4")
-                       .arg(tenths / 36000)
-                       .arg(tenths / 600 % 60, 2, 10, zero)
-                       .arg(tenths / 10 % 60, 2, 10, zero)
-                       .arg(tenths % 10));
-}
-
 QStringList RunTimeCells(const ZELKinRunTime& runTime)
 {
     return {QString::number(runTime.motionLines), QString::number(runTime.untimedLines), Seconds(runTime),
-            Clock(runTime)};
+            ZELKinRunTimeText::Clock(runTime)};
 }
 
 QString RunTimes(const ZELKinVerification& verification)

@@ -170,8 +170,8 @@ TEST(ZELKinPostCommand, EndsWithWhatItWroteOnStandardOutput)
     EXPECT_EQ(ply.at(4),
               QStringLiteral("%1 m").arg(LastMaterialOf(QDir(folder).filePath(files.first())) / 1000.0, 0, 'f', 2));
     EXPECT_EQ(all.at(3), ply.at(4));
-    // A run time in seconds, "<n.n> s", as verify estimates it.
-    EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d+\\.\\d s$")).match(ply.at(5)).hasMatch())
+    // A run time as verify shows it, "h:mm:ss.s".
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^\\d+:\\d\\d:\\d\\d\\.\\d$")).match(ply.at(5)).hasMatch())
         << ply.at(5).toStdString();
     EXPECT_EQ(all.at(4), ply.at(5));
     EXPECT_EQ(lines.at(9), QString());

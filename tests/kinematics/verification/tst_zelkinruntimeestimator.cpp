@@ -110,6 +110,17 @@ ZELKinPlyRunTime Estimate(const PlyLines& lines)
     return ZELKinRunTimeEstimator(*limited.machine).Estimate(lines.Ply());
 }
 
+// A ply of one line from the origin to `to`: a rapid, or a feed line at `feedrate`.
+ZELKinPlyRunTime EstimateOneLine(const QVector<double>& to, double feedrate, bool rapid)
+{
+    PlyLines lines(At(0.0));
+    if (rapid)
+        lines.Rapid(to);
+    else
+        lines.Feed(to, feedrate);
+    return Estimate(lines);
+}
+
 // One line from rest to rest.
 struct LineCase
 {
@@ -129,12 +140,7 @@ class ZELKinRunTimeEstimatorLine : public ::testing::TestWithParam<LineCase>
 TEST_P(ZELKinRunTimeEstimatorLine, RunsFromRestToRestAtItsSpeedAndAcceleration)
 {
     const LineCase& c = GetParam();
-    PlyLines lines(At(0.0));
-    if (c.rapid)
-        lines.Rapid(c.to);
-    else
-        lines.Feed(c.to, c.feedrate);
-    const ZELKinPlyRunTime runTime = Estimate(lines);
+    const ZELKinPlyRunTime runTime = EstimateOneLine(c.to, c.feedrate, c.rapid);
     EXPECT_TRUE(ZELTest::SameDouble(c.seconds, runTime.seconds, kHandWorked));
     EXPECT_EQ(runTime.motionLines, 1);
     EXPECT_TRUE(runTime.IsComplete());
@@ -258,12 +264,7 @@ class ZELKinRunTimeEstimatorUntimed : public ::testing::TestWithParam<UntimedCas
 TEST_P(ZELKinRunTimeEstimatorUntimed, IsCountedAndLeftOutOfTheTime)
 {
     const UntimedCase& c = GetParam();
-    PlyLines lines(At(0.0));
-    if (c.rapid)
-        lines.Rapid(c.to);
-    else
-        lines.Feed(c.to, c.feedrate);
-    const ZELKinPlyRunTime runTime = Estimate(lines);
+    const ZELKinPlyRunTime runTime = EstimateOneLine(c.to, c.feedrate, c.rapid);
     EXPECT_TRUE(ZELTest::SameDouble(0.0, runTime.seconds, kHandWorked));
     EXPECT_EQ(runTime.motionLines, 1);
     EXPECT_EQ(runTime.untimedLines, 1);

@@ -21,7 +21,6 @@ namespace {
 
 constexpr double kModalTolerance = 0.001;
 constexpr double kNothing = std::numeric_limits<double>::quiet_NaN();
-const char* const kActualFeedrateProperty = "actualFeedrate";
 
 // Whether a word of `value` is left out for the controller holding
 // `held`. Nothing is held as NaN, and a value that is not finite is never
@@ -197,13 +196,13 @@ double ZELKinAFPGCodeAxisWords::LimitFeed(double feed, bool afterAdd, bool after
 
 double ZELKinAFPGCodeAxisWords::EffectiveFeed(const ZELKinPosition* position)
 {
-    const QVariant actual = position->property(kActualFeedrateProperty);
-    return actual.isValid() ? actual.toDouble() : position->GetFeedrate();
+    const double actual = position->GetActualFeedrate();
+    return std::isnan(actual) ? position->GetFeedrate() : actual;
 }
 
 void ZELKinAFPGCodeAxisWords::SetActualFeed(ZELKinPosition* position, double feed)
 {
-    position->setProperty(kActualFeedrateProperty, feed);
+    position->SetActualFeedrate(feed);
 }
 
 double ZELKinAFPGCodeAxisWords::LineSeconds(const Held& held, const AxisValues& values, double feed) const

@@ -43,9 +43,9 @@ class ZELSysProgress;
     removes the staging folder) and is thrown on as "cannot write the NC
     file '<file>': <message>".
 
-    Writing numbers the roll layup procedures ("PlyNum"), prepares the
-    courses' material axis and keeps the feeds written as the positions'
-    "actualFeedrate" (dynamic properties of the program's objects).
+    Writing numbers the roll layup procedures ("PlyNum", a dynamic
+    property), prepares the courses' material axis and keeps the feeds
+    written as the positions' "actualFeedrate".
 */
 class ZELKinAFPGCodeWriter
 {

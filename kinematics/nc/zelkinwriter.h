@@ -20,10 +20,12 @@ class ZELKinWriterPrivate;
 
     Writing adds dynamic properties to the program's objects: "PlyNum" on
     each roll layup procedure (101, 102, ... in program order), and on the
-    course positions "actualFeedrate", and "uAxisOffset" when the course's
-    first position has a material (U) value; a course whose first position
-    has none gets U values measured along its toolpath points, in mm of
-    material from the course start.
+    course positions "uAxisOffset" when the course's first position has a
+    material (U) value; a course whose first position has none gets U
+    values measured along its toolpath points, in mm of material from the
+    course start. Each course position's declared property
+    "actualFeedrate" (ZELKinPosition::GetActualFeedrate) is set to the
+    feed written for it.
 
     Progress lines ("  Writing " and the name of each procedure's toolpath
     procedure) go where the libraries' progress lines go (ZELSysProgress:

@@ -104,6 +104,19 @@ void ZELKinPosition::SetFeedrate(double feedrate)
     d->feedrate = feedrate;
 }
 
+double ZELKinPosition::GetActualFeedrate() const
+{
+    Q_D(const ZELKinPosition);
+    return d->actualFeedrate;
+}
+
+// What was written is no change of the program: the container is not told.
+void ZELKinPosition::SetActualFeedrate(double feedrate)
+{
+    Q_D(ZELKinPosition);
+    d->actualFeedrate = feedrate;
+}
+
 bool ZELKinPosition::IsTraori() const
 {
     Q_D(const ZELKinPosition);

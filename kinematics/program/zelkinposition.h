@@ -30,6 +30,11 @@ class ZELTPPoint;
 class ZELKINEMATICS_EXPORT ZELKinPosition : public ZELKinCommand
 {
     Q_OBJECT
+    //! The feed the NC writer wrote for the move to this position (mm/min),
+    //! NaN until it writes one. A declared property: millions of positions
+    //! each get one, and a dynamic property would cost each its own storage
+    //! and a property-change event.
+    Q_PROPERTY(double actualFeedrate READ GetActualFeedrate WRITE SetActualFeedrate)
 
 public:
     //! Loading constructor: no values, NaN feedrate, traori, no toolpath
@@ -51,6 +56,11 @@ public:
     //! gives none.
     double GetFeedrate() const;
     void SetFeedrate(double feedrate);
+    //! The feed the NC writer wrote for the move to this position (mm/min):
+    //! the feedrate, or the feed a tow event asked for. NaN until written;
+    //! not saved, and no change of the position's geometry.
+    double GetActualFeedrate() const;
+    void SetActualFeedrate(double feedrate);
     //! Whether the position is output with the tool-orientation
     //! transformation (TRAORI) active; true by default.
     bool IsTraori() const;

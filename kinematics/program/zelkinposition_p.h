@@ -48,6 +48,7 @@ public:
     // variables were first set.
     VariableValues variableValues;
     double feedrate = std::numeric_limits<double>::quiet_NaN();
+    double actualFeedrate = std::numeric_limits<double>::quiet_NaN();
     bool traori = true;
     ZELKinCountedLink<const ZELTPPoint> toolPathPoint;
     double lateralPositionAdjustment = 0.0;

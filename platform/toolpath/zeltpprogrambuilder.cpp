@@ -87,6 +87,23 @@ ProgramBuilder::~ProgramBuilder()
 
 ZELTPProgram* ProgramBuilder::Build(const Value& root)
 {
+    return BuildProgram(root, true);
+}
+
+ZELTPProgram* ProgramBuilder::BuildHead(const Value& root)
+{
+    return BuildProgram(root, false);
+}
+
+ZELTPProcedure* ProgramBuilder::BuildAlone(const Value& procedure)
+{
+    ZELTPProcedure* object = BuildProcedure(procedure);
+    Finish();
+    return object;
+}
+
+ZELTPProgram* ProgramBuilder::BuildProgram(const Value& root, bool withProcedures)
+{
     ReadFormatName(root.GetMember(Key::kFormat));
     ReadVersion(root.GetMember(Key::kVersion));
     const Value program = root.GetMember(Key::kProgram);
@@ -97,12 +114,17 @@ ZELTPProgram* ProgramBuilder::Build(const Value& root)
 
     auto* object = Create<ZELTPProgram>(name);
     object->SetRevision(revision);
-    ForEachEntry(procedures, [&](const Value& procedure) { object->AddProcedure(BuildProcedure(procedure)); });
+    if (withProcedures)
+        ForEachEntry(procedures, [&](const Value& procedure) { object->AddProcedure(BuildProcedure(procedure)); });
+    Finish();
+    return object;
+}
 
+void ProgramBuilder::Finish()
+{
     for (ZELGeoGeometry* geometry : m_created)
         geometry->Initialize();
     m_built = true;
-    return object;
 }
 
 ZELTPProcedure* ProgramBuilder::BuildProcedure(const Value& procedure)

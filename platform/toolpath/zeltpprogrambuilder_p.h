@@ -58,8 +58,18 @@ public:
     Q_DISABLE_COPY_MOVE(ProgramBuilder)
 
     ZELTPProgram* Build(const Value& root);
+    //! The program of the document `root` without its procedures, which
+    //! are read one at a time (BuildAlone); the procedures member must
+    //! still be an array.
+    ZELTPProgram* BuildHead(const Value& root);
+    //! One procedure of the document on its own; `procedure` carries its
+    //! location in the whole document.
+    ZELTPProcedure* BuildAlone(const Value& procedure);
 
 private:
+    ZELTPProgram* BuildProgram(const Value& root, bool withProcedures);
+    //! Initialises what was built, which then stays.
+    void Finish();
     ZELTPProcedure* BuildProcedure(const Value& procedure);
     ZELTPRollLayupProcedure* BuildRollLayup(const Value& procedure);
     ZELTPProbingProcedure* BuildProbing(const Value& procedure);

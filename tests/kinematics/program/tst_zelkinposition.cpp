@@ -165,6 +165,20 @@ TEST(ZELKinPosition, ScalarFieldsKeepWhatIsSet)
     EXPECT_TRUE(std::isnan(f.position->GetFeedrate()));
 }
 
+TEST(ZELKinPosition, ActualFeedrateIsADeclaredPropertyThatNeitherChangesTheProgramNorAddsADynamicOne)
+{
+    PositionFixture f;
+    EXPECT_TRUE(std::isnan(f.position->property("actualFeedrate").toDouble()));
+    f.container.SetModified(false);
+    EXPECT_TRUE(f.position->setProperty("actualFeedrate", 1905.0));
+    EXPECT_TRUE(ZELTest::SameDouble(1905.0, f.position->GetActualFeedrate(), ZELTest::kExact));
+    f.position->SetActualFeedrate(3810.0);
+    EXPECT_TRUE(ZELTest::SameDouble(3810.0, f.position->property("actualFeedrate").toDouble(), ZELTest::kExact));
+    EXPECT_TRUE(f.position->dynamicPropertyNames().isEmpty());
+    EXPECT_FALSE(f.container.IsModified());
+    EXPECT_TRUE(std::isnan(f.position->GetFeedrate()));
+}
+
 struct SetterCase
 {
     const char* name;

@@ -7,6 +7,7 @@
 #include "zelkinpositioncsv.h"
 #include "zelkinpostsummary.h"
 #include "zelkinprogressdisplay.h"
+#include "zelkinstreamingpostjob.h"
 #include "zelkintranslationjob.h"
 
 #include <zelkinprogram.h>
@@ -142,6 +143,22 @@ QString Summarize(const ZELKinPostSummary& summary, const QString& output, const
     return summary.Describe(FilesIn(QDir(output).filePath(name)), output);
 }
 
+// The summary's first line goes out before anything is written: a standard
+// output that loses it (a full disk) fails the post while it has written
+// nothing yet.
+void AnnounceProgram(const QString& name, const QString& revision)
+{
+    ZELKinConsole::Print(QStringLiteral("Program %1, revision %2\n").arg(name, revision));
+    ZELKinConsole::FlushStandardOutput();
+}
+
+void RequireChosenPly(const ZELKinWriter& writer)
+{
+    if (writer.IsChosenPlyMissing())
+        throw ZELSysException(QStringLiteral("the ply number read from standard input is not one of the program's; "
+                                             "nothing was written"));
+}
+
 } // namespace
 
 QString ZELKinPostCommand::GetName() const
@@ -232,7 +249,7 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     const QString format = FormatOf(parsed, GetName());
     const QString output = parsed.GetRequiredValue(OutputOption);
     const QString options = OptionsOf(parsed, GetName());
-    QString ply = PlyToProcessOf(parsed, GetName());
+    const QString ply = PlyToProcessOf(parsed, GetName());
     // The single-ply mode reads the ply number from the standard input.
     if (ply == SinglePly)
         parsed.RequireStandardInputFor(QStringLiteral("--%1 %2").arg(PlyOption, SinglePly));
@@ -242,6 +259,44 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
     parsed.RequireNotAnInput(TraceOption, parsed.GetValue(TraceOption), inputs);
     const ZELKinProgressDisplay display(
         ZELKinProgressDisplay::ChooseMode(parsed.IsSet(ZELKinProgressDisplay::QuietOption)));
+    const Posting posting{parsed, output, format, options, ply};
+    // The trace names positions across the whole program, the solving
+    // diagnostics are written one procedure after the other, and a pipe
+    // cannot be read twice: those posts hold the whole program at once.
+    if (!parsed.IsSet(TraceOption) && !parsed.IsSet(DebugPathOption)
+        && ZELKinStreamingPostJob::CanStream(parsed.GetRequiredValue(MachineOption),
+                                             parsed.GetRequiredValue(ToolpathOption)))
+        return PostProcedureByProcedure(posting);
+    return PostWholeProgram(posting);
+}
+
+int ZELKinPostCommand::PostProcedureByProcedure(const Posting& posting) const
+{
+    const ZELKinArguments& parsed = posting.parsed;
+    ZELKinStreamingPostJob job(ZELKinStreamingPostJob::Input{parsed.GetRequiredValue(MachineOption),
+                                                             parsed.GetRequiredValue(ToolpathOption),
+                                                             parsed.IsSet(KeepGoingOption)});
+    if (ReplacesAFolder(posting.output, posting.ply))
+        parsed.RequireOutside(OutputOption, QDir(posting.output).filePath(job.GetName()),
+                              {MachineOption, ToolpathOption});
+    AnnounceProgram(job.GetName(), job.GetRevision());
+    const QDateTime now = ZELKinClock::Now();
+    ZELKinWriter writer;
+    writer.SetCurrentDateTime(now);
+    QString ply = posting.ply;
+    writer.SetPlyToProcess(ply);
+    job.Post(writer, now, posting.output, posting.format, posting.options);
+    RequireChosenPly(writer);
+    ZELKinConsole::Print(Summarize(ZELKinPostSummary(*job.GetMachine(), job.GetPositionsByProcedure()), posting.output,
+                                   posting.ply, job.GetName()));
+    job.ThrowIfIncomplete();
+    return ZELKinExitStatus::Success;
+}
+
+int ZELKinPostCommand::PostWholeProgram(const Posting& posting) const
+{
+    const ZELKinArguments& parsed = posting.parsed;
+    const QStringList inputs{MachineOption, ToolpathOption};
     // Kept from the start, so that a post that fails leaves as quickly as
     // one that writes.
     ZELKinTranslationJob& job = ZELKinTranslationJob::KeepUntilExit(
@@ -249,11 +304,13 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
                                                                            parsed.GetRequiredValue(ToolpathOption),
                                                                            parsed.GetValue(DebugPathOption)}));
     job.RequireDeliverable(parsed.IsSet(KeepGoingOption));
-    if (ReplacesAFolder(output, ply))
-        parsed.RequireOutside(OutputOption, QDir(output).filePath(job.GetProgram()->GetOriginalFileName()), inputs);
+    if (ReplacesAFolder(posting.output, posting.ply))
+        parsed.RequireOutside(OutputOption, QDir(posting.output).filePath(job.GetProgram()->GetOriginalFileName()),
+                              inputs);
 
     ZELKinWriter writer(job.GetProgram());
     writer.SetCurrentDateTime(ZELKinClock::Now());
+    QString ply = posting.ply;
     writer.SetPlyToProcess(ply);
     std::optional<LineTraceCsv> trace;
     if (parsed.IsSet(TraceOption)) {
@@ -262,19 +319,12 @@ int ZELKinPostCommand::Run(const QStringList& arguments)
             trace->Trace(file, line, position);
         });
     }
-    // The summary's first line goes out before anything is written: a
-    // standard output that loses it (a full disk) fails the post while it
-    // has written nothing yet.
-    ZELKinConsole::Print(QStringLiteral("Program %1, revision %2\n")
-                             .arg(job.GetProgram()->GetOriginalFileName(), job.GetProgram()->GetRevisionNumber()));
-    ZELKinConsole::FlushStandardOutput();
-    writer.Write(output, format, options);
-    if (writer.IsChosenPlyMissing())
-        throw ZELSysException(QStringLiteral("the ply number read from standard input is not one of the program's; "
-                                             "nothing was written"));
+    AnnounceProgram(job.GetProgram()->GetOriginalFileName(), job.GetProgram()->GetRevisionNumber());
+    writer.Write(posting.output, posting.format, posting.options);
+    RequireChosenPly(writer);
     if (trace)
         trace->Commit();
-    ZELKinConsole::Print(Summarize(ZELKinPostSummary(*job.GetMachine(), *job.GetProgram()), output, ply,
+    ZELKinConsole::Print(Summarize(ZELKinPostSummary(*job.GetMachine(), *job.GetProgram()), posting.output, posting.ply,
                                    job.GetProgram()->GetOriginalFileName()));
     job.ThrowIfIncomplete();
     return ZELKinExitStatus::Success;

@@ -60,8 +60,14 @@ QString Metres(double millimetres)
 } // namespace
 
 ZELKinPostSummary::ZELKinPostSummary(const ZELKinAFPMachine& machine, const ZELKinProgram& program)
+    : ZELKinPostSummary(machine, PositionsByProcedure(program))
+{
+}
+
+ZELKinPostSummary::ZELKinPostSummary(const ZELKinAFPMachine& machine,
+                                     const QHash<QString, qint64>& positionsByProcedure)
     : m_machine(machine)
-    , m_program(program)
+    , m_positions(positionsByProcedure)
 {
 }
 
@@ -86,7 +92,7 @@ QString ZELKinPostSummary::DescribeFiles(const QStringList& files) const
 QString ZELKinPostSummary::DescribePlies(const QString& posted) const
 {
     const ZELKinNCProgram nc = ZELKinNCReplay(m_machine).Read(posted);
-    const QHash<QString, qint64> positions = PositionsByProcedure(m_program);
+    const QHash<QString, qint64>& positions = m_positions;
     const int materialIndex = m_machine.GetVariables().indexOf(m_machine.GetMaterialVariable());
     ZELKinTextTable table;
     const ZELKinRunTimeEstimator estimator(m_machine);

@@ -1,6 +1,7 @@
 #ifndef ZELKINPOSTSUMMARY_H
 #define ZELKINPOSTSUMMARY_H
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -20,6 +21,9 @@ public:
     //! `machine` and `program` (not owned) are those the files were posted
     //! for and from.
     ZELKinPostSummary(const ZELKinAFPMachine& machine, const ZELKinProgram& program);
+    //! A program posted one procedure at a time: the positions of each
+    //! roll layup procedure, by its toolpath procedure's name.
+    ZELKinPostSummary(const ZELKinAFPMachine& machine, const QHash<QString, qint64>& positionsByProcedure);
 
     //! The files `files` (paths, in the order to list them) and, read back
     //! from `posted` (what the post was given: a folder or a bundle), the
@@ -33,7 +37,7 @@ private:
     QString DescribePlies(const QString& posted) const;
 
     const ZELKinAFPMachine& m_machine;
-    const ZELKinProgram& m_program;
+    const QHash<QString, qint64> m_positions;
 };
 
 #endif // ZELKINPOSTSUMMARY_H

@@ -4,6 +4,8 @@
 #include "zelkincommand.h"
 #include "zelkininputfile.h"
 #include "zelkinmachinefile.h"
+#include "zelkinpostmemory.h"
+#include "zelkintowwidthwarning.h"
 
 #include <zelkinafpmachine.h>
 #include <zelkinprocedure.h>
@@ -24,36 +26,16 @@
 #include <QThread>
 #include <QtDebug>
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
 namespace {
 
-ZELKinSolver* CreateSolver(const ZELKinAFPMachine& machine)
-{
-    ZELKinSolver* solver = machine.CreateSolver();
-    if (!solver)
-        throw ZELSysException(QStringLiteral("the machine's solver '%1' is not one zelkin knows (it knows \"RBR\")")
-                                  .arg(machine.GetSolverName()));
-    return solver;
-}
-
-// Posting a toolpath takes about seven and a half times its file's size in
-// memory at its peak (docs/performance.md): the toolpath model, the solved
-// program and the axis values. A toolpath whose post would need more than
-// the machine's memory is refused before it is read, with the figures,
-// rather than left to exhaust the memory half-way.
-constexpr qint64 kMemoryPerToolpathByte = 8;
-
-qint64 PhysicalMemory()
-{
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long pageSize = sysconf(_SC_PAGESIZE);
-    return pages > 0 && pageSize > 0 ? qint64(pages) * qint64(pageSize) : 0;
-}
+// A toolpath read whole whose post would need more than the machine's
+// memory (docs/performance.md) is refused before it is read, with the
+// figures, rather than left to exhaust the memory half-way.
+constexpr qint64 kMemoryPerToolpathByte = ZELKinPostMemory::PerToolpathByte;
 
 // A file whose size is known is refused before it is read, with the
 // figures; a stream (a pipe, a device) has none, and the reader stops it at
@@ -61,64 +43,13 @@ qint64 PhysicalMemory()
 void RequireMemoryFor(const QString& toolpathPath)
 {
     const qint64 size = QFileInfo(toolpathPath).size();
-    const qint64 available = PhysicalMemory();
+    const qint64 available = ZELKinPostMemory::GetPhysicalMemory();
     if (available <= 0 || size <= available / kMemoryPerToolpathByte)
         return;
-    const auto gib = [](qint64 bytes) { return QString::number(double(bytes) / double(qint64(1) << 30), 'f', 1); };
-    throw ZELSysException(QStringLiteral("%1: a toolpath of %2 GiB needs about %3 GiB of memory to post, more than "
-                                         "this machine's %4 GiB")
+    const auto gib = ZELKinPostMemory::InGiB;
+    throw ZELSysException(QStringLiteral("%1: a toolpath of %2 GiB read whole needs about %3 GiB of memory to "
+                                         "post, more than this machine's %4 GiB")
                               .arg(toolpathPath, gib(size), gib(size * kMemoryPerToolpathByte), gib(available)));
-}
-
-// The machine's tow width sizes the plies' areas, the toolpath's head the
-// roller's tow count: a toolpath made for another head deserves a word,
-// once, naming the first course that differs.
-constexpr double kTowWidthTolerance = 0.001; // mm
-
-struct TowWidthDifference
-{
-    QString path;
-    double width = 0.0;
-    int count = 0;
-};
-
-// Courses are numbered as the toolpath file lists them: in path order.
-void FindTowWidthDifferences(const ZELTPRollLayupProcedure& procedure, int index, double machineWidth,
-                             TowWidthDifference& found)
-{
-    QSet<const ZELTPCourseLink*> walked;
-    const ZELTPCourseLink* link = procedure.GetApproachLink();
-    for (int course = 0; link && link->GetToCourse() && !walked.contains(link); ++course) {
-        walked.insert(link);
-        const auto* towCourse = qobject_cast<const ZELTPTowCourse*>(link->GetToCourse());
-        link = link->GetToCourse()->GetRetractLink();
-        const double width = towCourse ? towCourse->GetMachineConfiguration().GetHead().GetTowWidth() : machineWidth;
-        if (std::abs(width - machineWidth) <= kTowWidthTolerance)
-            continue;
-        if (found.count == 0) {
-            found.path = QStringLiteral("$.program.procedures[%1].courses[%2].machineConfiguration.head.towWidth")
-                             .arg(index)
-                             .arg(course);
-            found.width = width;
-        }
-        ++found.count;
-    }
-}
-
-void WarnOfAnotherTowWidth(const ZELTPProgram& toolpath, const ZELKinAFPMachine& machine)
-{
-    TowWidthDifference found;
-    for (int i = 0; i < toolpath.GetNumProcedures(); ++i) {
-        if (const auto* procedure = qobject_cast<const ZELTPRollLayupProcedure*>(toolpath.GetProcedure(i)))
-            FindTowWidthDifferences(*procedure, i, machine.GetTowWidth(), found);
-    }
-    if (found.count == 0)
-        return;
-    const QString count = found.count > 1 ? QStringLiteral("; %1 courses differ in all").arg(found.count) : QString();
-    qWarning().noquote() << QStringLiteral("the toolpath's tow width %1 mm at %2 differs from the machine's %3 mm (the "
-                                           "tow-width attribute of the machine description's root element)%4")
-                                .arg(QString::number(found.width), found.path, QString::number(machine.GetTowWidth()),
-                                     count);
 }
 
 } // namespace
@@ -130,7 +61,9 @@ ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
     RequireMemoryFor(input.toolpathPath);
     const ZELTPProgram* toolpath = ZELKinInputFile::ReadToolpath(&m_container, input.toolpathPath,
                                                                  GetMaximumToolpathBytes());
-    WarnOfAnotherTowWidth(*toolpath, *m_machine);
+    ZELKinTowWidthWarning towWidth(m_machine->GetTowWidth());
+    towWidth.Inspect(*toolpath);
+    towWidth.Warn();
     m_solver->SetDebugPath(input.debugPath);
 
     ZELKinTranslator translator(m_solver.get());
@@ -152,7 +85,7 @@ void ZELKinTranslationJob::RequireDeliverable(bool keepGoing)
     if (m_findings.IsClean())
         return;
     if (!keepGoing)
-        throw ZELKinUndeliverable(DescribeFindings(QStringLiteral("nothing was written")));
+        throw ZELKinUndeliverable(DescribeFindings(m_findings, QStringLiteral("nothing was written")));
     for (ZELKinProcedure* procedure : m_program->GetProcedures()) {
         const ZELTPProcedure* source = procedure->GetToolPathProcedure();
         if (source && m_findings.procedures.contains(source->GetName()))
@@ -164,22 +97,31 @@ void ZELKinTranslationJob::ThrowIfIncomplete() const
 {
     if (!m_findings.IsClean())
         throw ZELKinUndeliverable(DescribeFindings(
+            m_findings,
             QStringLiteral("written without '%1'").arg(m_findings.procedures.join(QStringLiteral("', '")))));
 }
 
-QString ZELKinTranslationJob::DescribeFindings(const QString& outcome) const
+QString ZELKinTranslationJob::DescribeFindings(const ZELKinProgramCheck::Findings& findings, const QString& outcome)
 {
-    const QString first = m_findings.first.isEmpty() ? QString() : m_findings.first.first().GetText();
-    const QString count =
-        m_findings.count > 1 ? QStringLiteral(" (%1 problems in all)").arg(m_findings.count) : QString();
+    const QString first = findings.first.isEmpty() ? QString() : findings.first.first().GetText();
+    const QString count = findings.count > 1 ? QStringLiteral(" (%1 problems in all)").arg(findings.count) : QString();
     return QStringLiteral("%1%2; %3").arg(first, count, outcome);
+}
+
+ZELKinSolver* ZELKinTranslationJob::CreateSolver(const ZELKinAFPMachine& machine)
+{
+    ZELKinSolver* solver = machine.CreateSolver();
+    if (!solver)
+        throw ZELSysException(QStringLiteral("the machine's solver '%1' is not one zelkin knows (it knows \"RBR\")")
+                                  .arg(machine.GetSolverName()));
+    return solver;
 }
 
 ZELKinTranslationJob::~ZELKinTranslationJob() = default;
 
 qint64 ZELKinTranslationJob::GetMaximumToolpathBytes()
 {
-    const qint64 available = PhysicalMemory();
+    const qint64 available = ZELKinPostMemory::GetPhysicalMemory();
     return available > 0 ? std::min(available / kMemoryPerToolpathByte, ZELTPProgramReader::MaximumDocumentBytes)
                          : ZELTPProgramReader::MaximumDocumentBytes;
 }

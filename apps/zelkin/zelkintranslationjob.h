@@ -59,6 +59,11 @@ public:
     //! at all. A toolpath that is a stream (a pipe, a device) is read no
     //! further than this.
     static qint64 GetMaximumToolpathBytes();
+    //! The machine's solver (the caller owns it); throws ZELSysException
+    //! "the machine's solver 'X' is not one zelkin knows (it knows "RBR")".
+    static ZELKinSolver* CreateSolver(const ZELKinAFPMachine& machine);
+    //! "<the first problem> (<n> problems in all); <outcome>".
+    static QString DescribeFindings(const ZELKinProgramCheck::Findings& findings, const QString& outcome);
 
     //! Keeps a finished job, still reachable, until the process ends, and
     //! never destroys it: the tool exits right after its last file, and
@@ -68,8 +73,6 @@ public:
     static ZELKinTranslationJob& KeepUntilExit(std::unique_ptr<ZELKinTranslationJob> job);
 
 private:
-    QString DescribeFindings(const QString& outcome) const;
-
     ZELGeoContainer m_container;
     ZELKinAFPMachine* m_machine = nullptr;
     std::unique_ptr<ZELKinSolver> m_solver;

@@ -7,17 +7,17 @@
 namespace {
 
 const char* const kPlyNumberProperty = "PlyNum";
-constexpr int kFirstPlyNumber = 101;
 
 } // namespace
 
-void ZELKinAFPGCodePlies::Number(const ZELKinProgram* program)
+int ZELKinAFPGCodePlies::Number(const ZELKinProgram* program, int first)
 {
-    int plyNumber = kFirstPlyNumber;
+    int plyNumber = first;
     for (ZELKinProcedure* procedure : program->GetProcedures()) {
         if (qobject_cast<ZELKinRollLayupProcedure*>(procedure))
             procedure->setProperty(kPlyNumberProperty, plyNumber++);
     }
+    return plyNumber;
 }
 
 QList<const ZELKinRollLayupProcedure*> ZELKinAFPGCodePlies::RollLayupProceduresOf(const ZELKinProgram* program)

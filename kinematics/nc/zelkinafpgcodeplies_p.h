@@ -25,8 +25,11 @@ class ZELKinAFPGCodePlies
 public:
     ZELKinAFPGCodePlies() = delete;
 
-    //! Numbers the roll layup procedures of `program` from 101.
-    static void Number(const ZELKinProgram* program);
+    //! The number of a program's first ply.
+    static constexpr int FirstPlyNumber = 101;
+    //! Numbers the roll layup procedures of `program` from `first` on (101
+    //! for a whole program); returns the number the next ply would get.
+    static int Number(const ZELKinProgram* program, int first = FirstPlyNumber);
     //! The roll layup procedures of `program`, in program order.
     static QList<const ZELKinRollLayupProcedure*> RollLayupProceduresOf(const ZELKinProgram* program);
     //! The "PlyNum" of `procedure`; 0 when it has none.

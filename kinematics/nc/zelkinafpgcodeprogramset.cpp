@@ -7,6 +7,8 @@
 #include "zelkinprogram.h"
 #include "zelkinrolllayupprocedure.h"
 
+#include <utility>
+
 namespace {
 
 const QString kDateFormat = QStringLiteral("MM/dd/yy HH:mm:ss");
@@ -68,8 +70,33 @@ ZELKinNCStream::Fixed Distance(double millimetres)
 
 } // namespace
 
+ZELKinAFPGCodeProgramSet::Contents ZELKinAFPGCodeProgramSet::Describe(const ZELKinProgram* program)
+{
+    const auto* machine = qobject_cast<const ZELKinAFPMachine*>(program->GetMachine());
+    Contents contents{
+        program->GetOriginalFileName(), program->GetRevisionNumber(), program->GetAuthor(),     program->GetDate(),
+        machine->GetAddDistance(),      machine->GetCutDistance(),    machine->GetHeadTravel(), {}};
+    AddPlyPrograms(contents, program);
+    return contents;
+}
+
+void ZELKinAFPGCodeProgramSet::AddPlyPrograms(Contents& contents, const ZELKinProgram* program)
+{
+    for (const ZELKinRollLayupProcedure* procedure : ZELKinAFPGCodePlies::RollLayupProceduresOf(program)) {
+        PlyProgram ply{ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure), procedure->objectName(), {}};
+        for (int i = 0; i < procedure->GetNumPlies(); ++i)
+            ply.plies.append(procedure->GetPlyDefinition(i));
+        contents.plyPrograms.append(ply);
+    }
+}
+
 ZELKinAFPGCodeProgramSet::ZELKinAFPGCodeProgramSet(const ZELKinProgram* program, const QDateTime& now)
-    : program(program)
+    : ZELKinAFPGCodeProgramSet(Describe(program), now)
+{
+}
+
+ZELKinAFPGCodeProgramSet::ZELKinAFPGCodeProgramSet(Contents contents, const QDateTime& now)
+    : contents(std::move(contents))
     , now(now)
 {
 }
@@ -85,15 +112,15 @@ void ZELKinAFPGCodeProgramSet::Write(ZELKinNCStream& out) const
 
 void ZELKinAFPGCodeProgramSet::WriteIdentification(ZELKinNCStream& out) const
 {
-    out << "PROGRAM SET ID: " << program->GetOriginalFileName() << '\n'
-        << "REVISION      : " << program->GetRevisionNumber() << '\n'
-        << "CREATED BY    : " << program->GetAuthor() << '\n'
+    out << "PROGRAM SET ID: " << contents.name << '\n'
+        << "REVISION      : " << contents.revision << '\n'
+        << "CREATED BY    : " << contents.author << '\n'
         << "CREATED DATE  : ICPS\n"
         << "CHECKED BY    : ICPS\n"
         << "CHECKED DATE  : ICPS\n"
         << "TOOL TYPE     : FIXED\n"
         << "UNITS         : INCH\n"
-        << "CPS DATE/TIME : " << program->GetDate().toString(kDateFormat) << '\n'
+        << "CPS DATE/TIME : " << contents.date.toString(kDateFormat) << '\n'
         << "CPS RELEASE   : APT-2N00077\\QuarterI\n"
         << "CPP DATE/TIME : " << now.toString(kDateFormat) << '\n'
         << "CPP RELEASE   : 001.004\n"
@@ -107,21 +134,20 @@ void ZELKinAFPGCodeProgramSet::WriteMachineDescription(ZELKinNCStream& out)
 
 void ZELKinAFPGCodeProgramSet::WriteConfigParameters(ZELKinNCStream& out) const
 {
-    const auto* machine = qobject_cast<const ZELKinAFPMachine*>(program->GetMachine());
     out << "#SYSCOM/CONFIG PARAMETERS\n"
         << " NUMBER_OF_MACHINES=1\n"
-        << " AVERAGE_ADD_DISTANCE=" << Distance(machine->GetAddDistance()) << '\n'
-        << " AVERAGE_CUT_DISTANCE=" << Distance(machine->GetCutDistance()) << '\n'
+        << " AVERAGE_ADD_DISTANCE=" << Distance(contents.addDistance) << '\n'
+        << " AVERAGE_CUT_DISTANCE=" << Distance(contents.cutDistance) << '\n'
         << " EXTENDED_ZONE_DISTANCE=2.250\n"
-        << " HEAD_SLIDE_TRAVEL=" << Distance(machine->GetHeadTravel()) << '\n'
+        << " HEAD_SLIDE_TRAVEL=" << Distance(contents.headTravel) << '\n'
         << kFixedConfigParameters;
 }
 
 void ZELKinAFPGCodeProgramSet::WritePlyPrograms(ZELKinNCStream& out) const
 {
     out << "; NC_NUM, VelTRACK Name\n";
-    for (const ZELKinRollLayupProcedure* procedure : ZELKinAFPGCodePlies::RollLayupProceduresOf(program))
-        out << "; " << ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure) << ", " << procedure->objectName() << '\n';
+    for (const PlyProgram& ply : contents.plyPrograms)
+        out << "; " << ply.number << ", " << ply.procedure << '\n';
 }
 
 void ZELKinAFPGCodeProgramSet::WritePlyTable(ZELKinNCStream& out) const
@@ -129,11 +155,9 @@ void ZELKinAFPGCodeProgramSet::WritePlyTable(ZELKinNCStream& out) const
     out << '\n'
         << "#PLY TABLE\n"
         << "; SEQ  PLY           MATERIAL     ANGLE   METHOD\n";
-    for (const ZELKinRollLayupProcedure* procedure : ZELKinAFPGCodePlies::RollLayupProceduresOf(program)) {
-        const QString plyNumber = ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure);
-        for (int i = 0; i < procedure->GetNumPlies(); ++i) {
-            const ZELKinPlyDescription ply = procedure->GetPlyDefinition(i);
-            out << ' ' << plyNumber << ", " << ply.GetName().leftJustified(13) << ','
+    for (const PlyProgram& program : contents.plyPrograms) {
+        for (const ZELKinPlyDescription& ply : program.plies) {
+            out << ' ' << program.number << ", " << ply.GetName().leftJustified(13) << ','
                 << ply.GetMaterial().leftJustified(8) << ',' << ZELKinAFPGCodePlies::AngleField(ply.GetAngle()) << ','
                 << ZELKinAFPGCodePlies::MethodLabel(ply.GetMethod()) << '\n';
         }

@@ -1,7 +1,11 @@
 #ifndef ZELKINAFPGCODEPROGRAMSET_P_H
 #define ZELKINAFPGCODEPROGRAMSET_P_H
 
+#include "zelkinplydescription.h"
+
 #include <QDateTime>
+#include <QList>
+#include <QString>
 
 class ZELKinNCStream;
 class ZELKinProgram;
@@ -19,12 +23,42 @@ class ZELKinProgram;
     per-ply lists come from the model. The program's machine must be a
     ZELKinAFPMachine, and its roll layup procedures numbered
     (ZELKinAFPGCodePlies::Number).
+
+    What the file says is held as values (Contents), so that a program
+    written one procedure at a time leaves behind no more than that.
 */
 class ZELKinAFPGCodeProgramSet
 {
 public:
+    //! One ply program: its padded number, its procedure's name and plies.
+    struct PlyProgram
+    {
+        QString number;
+        QString procedure;
+        QList<ZELKinPlyDescription> plies;
+    };
+    struct Contents
+    {
+        QString name;
+        QString revision;
+        QString author;
+        QDateTime date;
+        //! The machine's add, cut and head travel distances (mm).
+        double addDistance = 0.0;
+        double cutDistance = 0.0;
+        double headTravel = 0.0;
+        QList<PlyProgram> plyPrograms;
+    };
+
+    //! What the file says of `program`'s identification and machine, and
+    //! of its numbered roll layup procedures.
+    static Contents Describe(const ZELKinProgram* program);
+    //! Appends the numbered roll layup procedures of `program` to `contents`.
+    static void AddPlyPrograms(Contents& contents, const ZELKinProgram* program);
+
     //! `now` is printed as the time the file was made.
     ZELKinAFPGCodeProgramSet(const ZELKinProgram* program, const QDateTime& now);
+    ZELKinAFPGCodeProgramSet(Contents contents, const QDateTime& now);
 
     void Write(ZELKinNCStream& out) const;
 
@@ -35,7 +69,7 @@ private:
     void WritePlyPrograms(ZELKinNCStream& out) const;
     void WritePlyTable(ZELKinNCStream& out) const;
 
-    const ZELKinProgram* const program;
+    const Contents contents;
     const QDateTime now;
 };
 

@@ -21,6 +21,8 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QScopedValueRollback>
+#include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTextStream>
 #include <QtDebug>
 
@@ -90,10 +92,15 @@ QString ProgramSetFileName(const QString& name)
     return name + QLatin1String(ZELKinAFPGCodeTexts::ProgramSetSuffix);
 }
 
+QString PlyFileName(const QString& name, const QString& paddedPlyNumber)
+{
+    return name + QLatin1Char(ZELKinAFPGCodeTexts::PlyNumberMark) + paddedPlyNumber
+        + QLatin1String(ZELKinAFPGCodeTexts::PlyFileSuffix);
+}
+
 QString PlyFileName(const QString& name, const ZELKinProcedure* procedure)
 {
-    return name + QLatin1Char(ZELKinAFPGCodeTexts::PlyNumberMark) + ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure)
-        + QLatin1String(ZELKinAFPGCodeTexts::PlyFileSuffix);
+    return PlyFileName(name, ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure));
 }
 
 QString ProbingFileName(const QString& name)
@@ -126,7 +133,68 @@ QList<const ZELKinProcedure*> LiveProceduresOf(const ZELKinProgram* program)
     return procedures;
 }
 
+// A file's bytes, from where the device stands, on to `out`.
+constexpr qint64 kCopyBlock = qint64(1) << 20;
+
+bool CopyTo(QIODevice& device, ZELKinNCStream& out)
+{
+    QByteArray block(kCopyBlock, Qt::Uninitialized);
+    for (;;) {
+        const qint64 read = device.read(block.data(), kCopyBlock);
+        if (read <= 0)
+            return read == 0;
+        out << QByteArrayView(block.constData(), read);
+    }
+}
+
 } // namespace
+
+// The folders on the way to `directory` that do not exist yet, outermost
+// first.
+QStringList MissingFolders(const QString& directory)
+{
+    QStringList missing;
+    for (QDir folder(QFileInfo(directory).absoluteFilePath()); !folder.exists();
+         folder.setPath(QFileInfo(folder.path()).path())) {
+        missing.prepend(folder.path());
+        if (folder.isRoot())
+            break;
+    }
+    return missing;
+}
+
+// What writing one procedure at a time keeps from Begin to Finish: the
+// program-set file's contents and where the files wait for it. Ended
+// before Finish, it takes away what it made: the staging folder, the
+// temporary files and the folders it made for them, when they are empty.
+struct ZELKinAFPGCodeWriter::Streaming
+{
+    ~Streaming()
+    {
+        sectionStream.reset();
+        sections.reset();
+        staging.reset();
+        plies.reset();
+        if (finished)
+            return;
+        std::for_each(madeFolders.crbegin(), madeFolders.crend(), [](const QString& folder) { QDir().rmdir(folder); });
+    }
+
+    bool finished = false;
+    QStringList madeFolders;
+    ZELKinAFPGCodeProgramSet::Contents contents;
+    int nextPlyNumber = ZELKinAFPGCodePlies::FirstPlyNumber;
+    //! The folder layout.
+    std::unique_ptr<ZELKinStagingFolder> staging;
+    //! The bundle: its sections after the program-set file's.
+    std::unique_ptr<QTemporaryFile> sections;
+    std::unique_ptr<ZELKinNCStream> sectionStream;
+    //! "ONEPLY": every ply file, until one is chosen.
+    std::unique_ptr<QTemporaryDir> plies;
+    ZELSysProgress counting{ZELKinAFPGCodeWriter::tr("Writing the NC"), ZELKinAFPGCodeWriter::tr("positions"), 0};
+};
+
+ZELKinAFPGCodeWriter::~ZELKinAFPGCodeWriter() = default;
 
 ZELKinAFPGCodeWriter::ZELKinAFPGCodeWriter(const QString& path)
     : outputPath(QFileInfo(path).suffix() == kSourceSuffix
@@ -175,18 +243,152 @@ void ZELKinAFPGCodeWriter::Write(ZELKinProgram* program) const
     ZELSysProgress counting(tr("Writing the NC"), tr("positions"),
                             plyToProcess == kSinglePly ? 0 : PositionsToWrite(program));
     const QScopedValueRollback<ZELSysProgress*> counted(progress, &counting);
-    try {
+    ReportingFileErrors([&] {
         if (plyToProcess == kSinglePly)
             WriteSinglePly(program);
         else if (IsBundle())
             WriteBundle(program);
         else
             WriteDirectory(program);
+    });
+}
+
+void ZELKinAFPGCodeWriter::ReportingFileErrors(const std::function<void()>& work) const
+{
+    try {
+        work();
     } catch (const WriteFailure& failure) {
         if (fileErrorMode == ZELKinWriter::FileErrorThrows)
             throw ZELSysException(failure.message);
         Fatal(failure.message);
     }
+}
+
+// What a failure leaves of a write begun goes before the process may end.
+void ZELKinAFPGCodeWriter::WritingStreamed(const std::function<void()>& work)
+{
+    ReportingFileErrors([&] {
+        try {
+            work();
+        } catch (...) {
+            progress = nullptr;
+            streaming.reset();
+            throw;
+        }
+    });
+}
+
+void ZELKinAFPGCodeWriter::Begin(const ZELKinProgram* identification)
+{
+    ZELKinNCTextCheck::Check(identification);
+    streaming = std::make_unique<Streaming>();
+    streaming->contents = ZELKinAFPGCodeProgramSet::Describe(identification);
+    progress = &streaming->counting;
+    const QString name = streaming->contents.name;
+    WritingStreamed([&] {
+        if (plyToProcess == kSinglePly) {
+            streaming->plies = std::make_unique<QTemporaryDir>();
+            if (!streaming->plies->isValid())
+                Fail(
+                    WithReason(tr("Could not create the output directory '%1'").arg(InLatin1(streaming->plies->path())),
+                               streaming->plies->errorString()));
+        } else if (IsBundle()) {
+            const QFileInfo bundle(outputPath);
+            streaming->madeFolders = MissingFolders(bundle.absolutePath());
+            MakeOutputDirectory(bundle.absolutePath());
+            streaming->sections
+                = std::make_unique<QTemporaryFile>(bundle.absoluteFilePath() + QStringLiteral(".XXXXXX"));
+            if (!streaming->sections->open())
+                Fail(WithReason(tr("Could not open the bundle file for writing at: '%1'").arg(InLatin1(outputPath)),
+                                streaming->sections->errorString()));
+            streaming->sectionStream = std::make_unique<ZELKinNCStream>(streaming->sections.get());
+        } else {
+            streaming->madeFolders = MissingFolders(outputPath);
+            MakeOutputDirectory(outputPath);
+            streaming->staging = std::make_unique<ZELKinStagingFolder>(outputPath, name);
+            if (!streaming->staging->Create())
+                FailPartFolder(name, streaming->staging->GetErrorString());
+        }
+    });
+}
+
+void ZELKinAFPGCodeWriter::Add(ZELKinProgram* part)
+{
+    ZELKinNCTextCheck::Check(part);
+    streaming->nextPlyNumber = ZELKinAFPGCodePlies::Number(part, streaming->nextPlyNumber);
+    ZELKinAFPGCodeProgramSet::AddPlyPrograms(streaming->contents, part);
+    const QString name = streaming->contents.name;
+    WritingStreamed([&] {
+        if (streaming->plies) {
+            const QDir folder(streaming->plies->path());
+            for (const ZELKinRollLayupProcedure* procedure : ZELKinAFPGCodePlies::RollLayupProceduresOf(part))
+                WriteFile(InPlace(folder.filePath(PlyFileName(name, procedure))),
+                          tr("Could not open the PPF file for writing at: '%1'"), PlyText(procedure));
+        } else if (streaming->sectionStream) {
+            try {
+                WriteSections(*streaming->sectionStream, part);
+            } catch (const ZELSysException& error) {
+                throw ZELSysException(
+                    QStringLiteral("cannot write the NC file '%1': %2").arg(outputPath, error.GetMessage()));
+            }
+        } else {
+            WriteProcedureFiles(part, streaming->staging->GetPath());
+        }
+    });
+}
+
+void ZELKinAFPGCodeWriter::Finish()
+{
+    const QString name = streaming->contents.name;
+    WritingStreamed([&] {
+        if (streaming->plies) {
+            FinishSinglePly(name);
+        } else if (streaming->sectionStream) {
+            FinishBundle(name);
+        } else {
+            const QDir target(QDir(outputPath).filePath(name));
+            WriteFile(OutputFile{target.filePath(ProgramSetFileName(name)),
+                                 QDir(streaming->staging->GetPath()).filePath(ProgramSetFileName(name))},
+                      tr("Could not open the PPSF file for writing at: '%1'"), ProgramSetText(streaming->contents));
+            if (!streaming->staging->Publish())
+                FailPartFolder(name, streaming->staging->GetErrorString());
+        }
+    });
+    streaming->finished = true;
+    progress = nullptr;
+    streaming.reset();
+}
+
+void ZELKinAFPGCodeWriter::FinishBundle(const QString& name) const
+{
+    QTemporaryFile& sections = *streaming->sections;
+    streaming->sectionStream->Flush();
+    streaming->sectionStream.reset();
+    const QString failure = tr("Could not open the bundle file for writing at: '%1'");
+    if (sections.error() != QFileDevice::NoError || !sections.seek(0))
+        Fail(WithReason(failure.arg(InLatin1(outputPath)), sections.errorString()));
+    WriteFile(InPlace(outputPath), failure, [&](ZELKinNCStream& out) {
+        WriteBundleHead(out, name, ProgramSetText(streaming->contents));
+        if (!CopyTo(sections, out))
+            Fail(WithReason(failure.arg(InLatin1(outputPath)), sections.errorString()));
+    });
+}
+
+void ZELKinAFPGCodeWriter::FinishSinglePly(const QString& name) const
+{
+    QStringList numbers;
+    for (const ZELKinAFPGCodeProgramSet::PlyProgram& ply : streaming->contents.plyPrograms)
+        numbers.append(ply.number);
+    const qsizetype chosen = ChoosePly(numbers);
+    if (chosen < 0)
+        return;
+    const QString written = QDir(streaming->plies->path()).filePath(PlyFileName(name, numbers.at(chosen)));
+    WriteChosenPly(name, numbers.at(chosen), [&written](ZELKinNCStream& out) {
+        QFile file(written);
+        if (!file.open(QIODevice::ReadOnly) || !CopyTo(file, out))
+            Fail(WithReason(tr("Could not open the procedure file for reading: '%1'").arg(InLatin1(written)),
+                            file.errorString()));
+    });
 }
 
 bool ZELKinAFPGCodeWriter::IsBundle() const
@@ -206,12 +408,24 @@ void ZELKinAFPGCodeWriter::WriteDirectory(ZELKinProgram* program) const
     if (!staging.Create())
         FailPartFolder(name, staging.GetErrorString());
     const QDir target(QDir(outputPath).filePath(name));
-    const QDir stagingFolder(staging.GetPath());
+    WriteFile(OutputFile{target.filePath(ProgramSetFileName(name)),
+                         QDir(staging.GetPath()).filePath(ProgramSetFileName(name))},
+              tr("Could not open the PPSF file for writing at: '%1'"), ProgramSetText(program));
+    WriteProcedureFiles(program, staging.GetPath());
+    if (!staging.Publish())
+        FailPartFolder(name, staging.GetErrorString());
+}
+
+// Messages name the files where they will stand once the staging folder
+// takes the part folder's place.
+void ZELKinAFPGCodeWriter::WriteProcedureFiles(const ZELKinProgram* program, const QString& stagingPath) const
+{
+    const QString name = program->GetOriginalFileName();
+    const QDir target(QDir(outputPath).filePath(name));
+    const QDir stagingFolder(stagingPath);
     const auto staged = [&](const QString& fileName) {
         return OutputFile{target.filePath(fileName), stagingFolder.filePath(fileName)};
     };
-    WriteFile(staged(ProgramSetFileName(name)), tr("Could not open the PPSF file for writing at: '%1'"),
-              ProgramSetText(program));
     for (const ZELKinProcedure* procedure : LiveProceduresOf(program)) {
         PrintProgress(procedure);
         if (const auto* rollLayup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure))
@@ -221,8 +435,6 @@ void ZELKinAFPGCodeWriter::WriteDirectory(ZELKinProgram* program) const
             WriteFile(staged(ProbingFileName(name)), tr("Could not open the PTPF file for writing at: '%1'"),
                       ProbingText(probe));
     }
-    if (!staging.Publish())
-        FailPartFolder(name, staging.GetErrorString());
 }
 
 void ZELKinAFPGCodeWriter::WriteBundle(ZELKinProgram* program) const
@@ -230,51 +442,72 @@ void ZELKinAFPGCodeWriter::WriteBundle(ZELKinProgram* program) const
     MakeOutputDirectory(QFileInfo(outputPath).absolutePath());
     const QString name = program->GetOriginalFileName();
     WriteFile(InPlace(outputPath), tr("Could not open the bundle file for writing at: '%1'"), [&](ZELKinNCStream& out) {
-        out << "SetId|" << name << "|\n\n\n\n";
-        out << SectionMarker(ProgramSetFileName(name)) << '\n';
-        ProgramSetText(program)(out);
-        out << kEndOfFile << '\n';
-        // A procedure of another kind has no file, and so no section.
-        for (const ZELKinProcedure* procedure : LiveProceduresOf(program)) {
-            PrintProgress(procedure);
-            if (const auto* rollLayup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure)) {
-                out << SectionMarker(PlyFileName(name, rollLayup));
-                PlyText(rollLayup)(out);
-                out << kEndOfFile << '\n';
-            } else if (const auto* probe = qobject_cast<const ZELKinProbeProcedure*>(procedure)) {
-                out << SectionMarker(ProbingFileName(name));
-                ProbingText(probe)(out);
-                out << kEndOfFile << '\n';
-            }
-        }
+        WriteBundleHead(out, name, ProgramSetText(program));
+        WriteSections(out, program);
     });
+}
+
+void ZELKinAFPGCodeWriter::WriteBundleHead(ZELKinNCStream& out, const QString& name, const TextWriter& programSet)
+{
+    out << "SetId|" << name << "|\n\n\n\n";
+    out << SectionMarker(ProgramSetFileName(name)) << '\n';
+    programSet(out);
+    out << kEndOfFile << '\n';
+}
+
+// A procedure of another kind has no file, and so no section.
+void ZELKinAFPGCodeWriter::WriteSections(ZELKinNCStream& out, const ZELKinProgram* program) const
+{
+    const QString name = program->GetOriginalFileName();
+    for (const ZELKinProcedure* procedure : LiveProceduresOf(program)) {
+        PrintProgress(procedure);
+        if (const auto* rollLayup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure)) {
+            out << SectionMarker(PlyFileName(name, rollLayup));
+            PlyText(rollLayup)(out);
+            out << kEndOfFile << '\n';
+        } else if (const auto* probe = qobject_cast<const ZELKinProbeProcedure*>(procedure)) {
+            out << SectionMarker(ProbingFileName(name));
+            ProbingText(probe)(out);
+            out << kEndOfFile << '\n';
+        }
+    }
 }
 
 void ZELKinAFPGCodeWriter::WriteSinglePly(ZELKinProgram* program) const
 {
     const QList<const ZELKinRollLayupProcedure*> procedures = ZELKinAFPGCodePlies::RollLayupProceduresOf(program);
-    QString list = QStringLiteral("\n Program has these procedures:\n");
+    QStringList numbers;
     for (const ZELKinRollLayupProcedure* procedure : procedures)
-        list += ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure) + QLatin1Char('\n');
+        numbers.append(ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure));
+    const qsizetype chosen = ChoosePly(numbers);
+    if (chosen < 0)
+        return;
+    PrintProgress(procedures.at(chosen));
+    WriteChosenPly(program->GetOriginalFileName(), numbers.at(chosen), PlyText(procedures.at(chosen)));
+}
+
+qsizetype ZELKinAFPGCodeWriter::ChoosePly(const QStringList& numbers) const
+{
+    QString list = QStringLiteral("\n Program has these procedures:\n");
+    for (const QString& number : numbers)
+        list += number + QLatin1Char('\n');
     PrintTo(stderr, list + QStringLiteral(" Enter PROCEDURE to process: "));
     const QString chosen = ReadLineFromStandardInput();
-
-    const auto match = std::find_if(procedures.cbegin(), procedures.cend(),
-                                    [&chosen](const ZELKinProcedure* procedure) {
-                                        return ZELKinAFPGCodePlies::PaddedPlyNumberOf(procedure) == chosen;
-                                    });
-    if (match == procedures.cend()) {
+    const qsizetype index = numbers.indexOf(chosen);
+    if (index < 0) {
         qCritical("%s", qUtf8Printable(tr("Could not process %1: procedure not found").arg(InLatin1(chosen))));
         chosenPlyMissing = true;
-        return;
     }
-    const QString name = program->GetOriginalFileName();
+    return index;
+}
+
+void ZELKinAFPGCodeWriter::WriteChosenPly(const QString& name, const QString& number, const TextWriter& text) const
+{
     const QDir folder(MakePartFolder(outputPath + kSinglePlyFolderSuffix, name));
-    const QString plyFile = folder.filePath(PlyFileName(name, *match));
-    PrintProgress(*match);
-    WriteFile(InPlace(plyFile), tr("Could not open the PPF file for writing at: '%1'"), PlyText(*match));
+    const QString plyFile = folder.filePath(PlyFileName(name, number));
+    WriteFile(InPlace(plyFile), tr("Could not open the PPF file for writing at: '%1'"), text);
     if (IsBundle())
-        ReplaceBundleSection(chosen, plyFile);
+        ReplaceBundleSection(number, plyFile);
 }
 
 void ZELKinAFPGCodeWriter::ReplaceBundleSection(const QString& plyNumber, const QString& plyFile) const
@@ -386,6 +619,12 @@ void ZELKinAFPGCodeWriter::PrintProgress(const ZELKinProcedure* procedure) const
 ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::ProgramSetText(const ZELKinProgram* program) const
 {
     return [this, program](ZELKinNCStream& out) { ZELKinAFPGCodeProgramSet(program, now).Write(out); };
+}
+
+ZELKinAFPGCodeWriter::TextWriter
+ZELKinAFPGCodeWriter::ProgramSetText(const ZELKinAFPGCodeProgramSet::Contents& contents) const
+{
+    return [this, &contents](ZELKinNCStream& out) { ZELKinAFPGCodeProgramSet(contents, now).Write(out); };
 }
 
 ZELKinAFPGCodeWriter::TextWriter ZELKinAFPGCodeWriter::PlyText(const ZELKinRollLayupProcedure* procedure) const

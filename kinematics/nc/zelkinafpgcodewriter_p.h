@@ -1,14 +1,17 @@
 #ifndef ZELKINAFPGCODEWRITER_P_H
 #define ZELKINAFPGCODEWRITER_P_H
 
+#include "zelkinafpgcodeprogramset_p.h"
 #include "zelkinafpgcodetowevents_p.h"
 #include "zelkinwriter.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
+#include <memory>
 
 class ZELKinNCStream;
 class ZELKinProbeProcedure;
@@ -53,6 +56,7 @@ class ZELKinAFPGCodeWriter
 
 public:
     explicit ZELKinAFPGCodeWriter(const QString& path);
+    ~ZELKinAFPGCodeWriter();
 
     /*!
         Reads the options text: items separated by ";", each a key and a
@@ -72,12 +76,50 @@ public:
     void SetFileErrorMode(ZELKinWriter::FileErrorMode mode) { fileErrorMode = mode; }
 
     void Write(ZELKinProgram* program) const;
+
+    /*!
+        Writing one procedure at a time, for a program too large to hold:
+        Begin, then Add for each program translated from a part of the
+        toolpath in toolpath order, then Finish. The files are those Write
+        writes for the whole program, byte for byte, with one exception:
+        a bundle's messages count the lines of the ply's section, from its
+        marker line, rather than the bundle's.
+
+        Begin takes the program whose name, revision, author, date and
+        machine the program-set file gives (its procedures are not
+        written). Add numbers the roll layup procedures of `part` on from
+        those added before and writes them: into the staging folder, or
+        into a temporary file beside the bundle, or, for "ONEPLY", into a
+        temporary folder. Finish writes the program-set file and puts the
+        files in place; for "ONEPLY" it lists the plies, reads the choice
+        and writes that ply alone. A writer destroyed before Finish leaves
+        nothing behind. The line trace is not called.
+    */
+    void Begin(const ZELKinProgram* identification);
+    void Add(ZELKinProgram* part);
+    void Finish();
     //! Whether the last Write, in single-ply mode, was given a ply number
     //! that no ply has, and so wrote nothing.
     bool IsChosenPlyMissing() const { return chosenPlyMissing; }
 
 private:
     using TextWriter = std::function<void(ZELKinNCStream& out)>;
+    struct Streaming;
+
+    //! Runs `work`, turning a file that could not be written into the
+    //! chosen error: an exception or the end of the process.
+    void ReportingFileErrors(const std::function<void()>& work) const;
+    //! As ReportingFileErrors, ending the write begun first on any failure.
+    void WritingStreamed(const std::function<void()>& work);
+    void WriteProcedureFiles(const ZELKinProgram* program, const QString& stagingPath) const;
+    static void WriteBundleHead(ZELKinNCStream& out, const QString& name, const TextWriter& programSet);
+    void WriteSections(ZELKinNCStream& out, const ZELKinProgram* program) const;
+    //! Lists the padded ply numbers on standard error and reads the one to
+    //! write; -1, with the critical message, for a number not listed.
+    qsizetype ChoosePly(const QStringList& numbers) const;
+    void WriteChosenPly(const QString& name, const QString& number, const TextWriter& text) const;
+    void FinishBundle(const QString& name) const;
+    void FinishSinglePly(const QString& name) const;
 
     bool IsBundle() const;
     void WriteDirectory(ZELKinProgram* program) const;
@@ -107,6 +149,7 @@ private:
     void PrintProgress(const ZELKinProcedure* procedure) const;
 
     TextWriter ProgramSetText(const ZELKinProgram* program) const;
+    TextWriter ProgramSetText(const ZELKinAFPGCodeProgramSet::Contents& contents) const;
     TextWriter PlyText(const ZELKinRollLayupProcedure* procedure) const;
     TextWriter ProbingText(const ZELKinProbeProcedure* procedure) const;
 
@@ -121,6 +164,8 @@ private:
     mutable bool chosenPlyMissing = false;
     //! The write's count of positions, while it runs.
     mutable ZELSysProgress* progress = nullptr;
+    //! What writing one procedure at a time keeps between Begin and Finish.
+    std::unique_ptr<Streaming> streaming;
 };
 
 #endif // ZELKINAFPGCODEWRITER_P_H

@@ -77,10 +77,14 @@ ZELKinNCStream::~ZELKinNCStream()
 
 ZELKinNCStream& ZELKinNCStream::operator<<(const char* text)
 {
-    const auto size = qsizetype(std::strlen(text));
-    char* out = Reserve(size);
-    std::memcpy(out, text, std::size_t(size));
-    Commit(out + size);
+    return *this << QByteArrayView(text, qsizetype(std::strlen(text)));
+}
+
+ZELKinNCStream& ZELKinNCStream::operator<<(QByteArrayView text)
+{
+    char* out = Reserve(text.size());
+    std::memcpy(out, text.data(), std::size_t(text.size()));
+    Commit(out + text.size());
     return *this;
 }
 

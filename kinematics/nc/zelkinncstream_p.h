@@ -4,6 +4,7 @@
 #include "zelkinematics_export.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QStringEncoder>
 
@@ -59,6 +60,8 @@ public:
     ~ZELKinNCStream();
 
     ZELKinNCStream& operator<<(const char* text);
+    //! Text written before, such as a file's section copied whole.
+    ZELKinNCStream& operator<<(QByteArrayView text);
     ZELKinNCStream& operator<<(char c);
     ZELKinNCStream& operator<<(const QString& text);
     ZELKinNCStream& operator<<(int value);

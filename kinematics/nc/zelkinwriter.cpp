@@ -113,6 +113,11 @@ ZELKinWriter::ZELKinWriter(ZELKinProgram* program)
 {
 }
 
+ZELKinWriter::ZELKinWriter()
+    : ZELKinWriter(static_cast<ZELKinProgram*>(nullptr))
+{
+}
+
 ZELKinWriter::~ZELKinWriter() = default;
 
 void ZELKinWriter::SetPlyToProcess(QString& ply)
@@ -139,29 +144,82 @@ void ZELKinWriter::SetFileErrorMode(FileErrorMode mode)
     d->fileErrorMode = mode;
 }
 
+ZELKinWriterPrivate::~ZELKinWriterPrivate() = default;
+
+std::unique_ptr<ZELKinAFPGCodeWriter>
+ZELKinWriterPrivate::CreateDialectWriter(const QString& path, const QString& options, const QString& name) const
+{
+    // The name becomes a folder and the base of every file name: one that
+    // could step out of `path` is refused before anything is written.
+    const QString problem = ZELTPFileName::GetProblem(name);
+    if (!problem.isEmpty())
+        throw ZELSysException(
+            QStringLiteral("cannot write the NC files of the program '%1': its %2").arg(name, problem));
+    auto writer = std::make_unique<ZELKinAFPGCodeWriter>(path);
+    writer->SetOptions(options);
+    if (!plyToProcess.isEmpty())
+        writer->SetPlyToProcess(plyToProcess);
+    if (!currentDateTime.isNull())
+        writer->SetCurrentDateTime(currentDateTime);
+    writer->SetLineTrace(lineTrace);
+    writer->SetFileErrorMode(fileErrorMode);
+    return writer;
+}
+
 void ZELKinWriter::Write(const QString& path, const QString& format, const QString& options)
 {
     Q_D(ZELKinWriter);
     d->chosenPlyMissing = false;
     if (format != QLatin1String("AFPGCode") || !d->program)
         return;
-    // The name becomes a folder and the base of every file name: one that
-    // could step out of `path` is refused before anything is written.
-    const QString name = d->program->GetOriginalFileName();
-    const QString problem = ZELTPFileName::GetProblem(name);
-    if (!problem.isEmpty())
-        throw ZELSysException(
-            QStringLiteral("cannot write the NC files of the program '%1': its %2").arg(name, problem));
-    ZELKinAFPGCodeWriter writer(path);
-    writer.SetOptions(options);
-    if (!d->plyToProcess.isEmpty())
-        writer.SetPlyToProcess(d->plyToProcess);
-    if (!d->currentDateTime.isNull())
-        writer.SetCurrentDateTime(d->currentDateTime);
-    writer.SetLineTrace(d->lineTrace);
-    writer.SetFileErrorMode(d->fileErrorMode);
-    writer.Write(d->program);
-    d->chosenPlyMissing = writer.IsChosenPlyMissing();
+    const std::unique_ptr<ZELKinAFPGCodeWriter> writer = d->CreateDialectWriter(path, options,
+                                                                                d->program->GetOriginalFileName());
+    writer->Write(d->program);
+    d->chosenPlyMissing = writer->IsChosenPlyMissing();
+}
+
+void ZELKinWriter::Begin(const QString& path, const QString& format, const QString& options,
+                         const ZELKinProgram* identification)
+{
+    Q_D(ZELKinWriter);
+    d->chosenPlyMissing = false;
+    d->streaming.reset();
+    if (format != QLatin1String("AFPGCode") || !identification)
+        return;
+    std::unique_ptr<ZELKinAFPGCodeWriter> writer = d->CreateDialectWriter(path, options,
+                                                                          identification->GetOriginalFileName());
+    writer->SetLineTrace(LineTrace());
+    writer->Begin(identification);
+    d->streaming = std::move(writer);
+}
+
+void ZELKinWriter::Add(ZELKinProgram* part)
+{
+    Q_D(ZELKinWriter);
+    if (!d->streaming || !part)
+        return;
+    try {
+        d->streaming->Add(part);
+    } catch (...) {
+        d->streaming.reset();
+        throw;
+    }
+}
+
+void ZELKinWriter::Abandon()
+{
+    Q_D(ZELKinWriter);
+    d->streaming.reset();
+}
+
+void ZELKinWriter::Finish()
+{
+    Q_D(ZELKinWriter);
+    if (!d->streaming)
+        return;
+    const std::unique_ptr<ZELKinAFPGCodeWriter> writer = std::move(d->streaming);
+    writer->Finish();
+    d->chosenPlyMissing = writer->IsChosenPlyMissing();
 }
 
 bool ZELKinWriter::IsChosenPlyMissing() const

@@ -42,6 +42,8 @@ public:
     //! The program (not owned) must outlive the writer; its machine must be
     //! a ZELKinAFPMachine.
     explicit ZELKinWriter(ZELKinProgram* program);
+    //! A writer without a program, for Begin, Add and Finish.
+    ZELKinWriter();
     virtual ~ZELKinWriter();
 
     //! The ply to process. "ONEPLY" lists the plies on standard error, reads
@@ -144,6 +146,41 @@ public:
         process or throws as SetFileErrorMode chose.
     */
     void Write(const QString& path, const QString& format, const QString& options);
+
+    /*!
+        Writes a program one procedure at a time, for a host that holds no
+        more of a large program than a procedure or a few: Begin, then Add
+        for each part of the program in program order, then Finish. The
+        files are those Write writes for the program that the parts make
+        together (its roll layups numbered 101, 102, ... across the parts),
+        byte for byte, in every layout and with "ONEPLY", except that in a
+        bundle a message's line counts the lines of the ply's section
+        rather than the bundle's. The line trace is not called.
+
+        Begin takes the program whose name, revision, author, date and
+        machine the program-set file gives (its procedures are not
+        written): typically a program translated from the toolpath without
+        its procedures. Only "AFPGCode" is known: for another `format`,
+        Begin, Add and Finish do nothing. Begin throws what Write throws
+        for the program's name and texts.
+
+        Add writes the procedures of `part` (not owned; it may be deleted
+        once Add returns): into the staging folder, into a temporary file
+        beside the bundle, or, for "ONEPLY", into a temporary folder, and
+        keeps what the program-set file needs of them. It throws what
+        Write throws for a text or a number of theirs.
+
+        Finish writes the program-set file and puts the files in place, or,
+        for "ONEPLY", lists the plies, reads the choice and writes that ply
+        alone (IsChosenPlyMissing tells a number no ply has). A writer
+        destroyed after Begin without Finish, or after a throw, leaves
+        nothing of this write behind. File errors are handled as for Write.
+    */
+    void Begin(const QString& path, const QString& format, const QString& options, const ZELKinProgram* identification);
+    void Add(ZELKinProgram* part);
+    void Finish();
+    //! Ends a write begun with Begin without putting anything in place.
+    void Abandon();
 
 protected:
     ZELKinWriter(ZELKinWriterPrivate* d);

@@ -6,6 +6,10 @@
 #include <QDateTime>
 #include <QString>
 
+#include <memory>
+
+class ZELKinAFPGCodeWriter;
+
 class ZELKinWriterPrivate
 {
     Q_DECLARE_PUBLIC(ZELKinWriter)
@@ -16,7 +20,7 @@ public:
         , program(program)
     {
     }
-    virtual ~ZELKinWriterPrivate() = default;
+    virtual ~ZELKinWriterPrivate();
 
     ZELKinWriter* const q_ptr;
     //! The program written; not owned.
@@ -27,6 +31,13 @@ public:
     ZELKinWriter::LineTrace lineTrace;
     ZELKinWriter::FileErrorMode fileErrorMode = ZELKinWriter::FileErrorEndsProcess;
     bool chosenPlyMissing = false;
+    //! The dialect writer between Begin and Finish.
+    std::unique_ptr<ZELKinAFPGCodeWriter> streaming;
+
+    //! The dialect writer for `path` with the writer's settings, after
+    //! `name` is checked as the base of every file name.
+    std::unique_ptr<ZELKinAFPGCodeWriter> CreateDialectWriter(const QString& path, const QString& options,
+                                                              const QString& name) const;
 };
 
 #endif // ZELKINWRITER_P_H

@@ -100,14 +100,19 @@ void ZELKinProgramCheckPrivate::Gathering::Add(const ZELKinProgramCheck::Problem
 
 void ZELKinProgramCheckPrivate::Gathering::Merge(const Gathering& later)
 {
-    for (const ZELKinProgramCheck::Problem& problem : later.findings.first) {
-        if (findings.first.size() < listed)
-            findings.first.append(problem);
+    findings.Append(later.findings, listed);
+}
+
+void ZELKinProgramCheck::Findings::Append(const Findings& later, int listed)
+{
+    for (const ZELKinProgramCheck::Problem& problem : later.first) {
+        if (first.size() < listed)
+            first.append(problem);
     }
-    findings.count += later.findings.count;
-    for (const QString& procedure : later.findings.procedures) {
-        if (findings.procedures.isEmpty() || findings.procedures.last() != procedure)
-            findings.procedures.append(procedure);
+    count += later.count;
+    for (const QString& procedure : later.procedures) {
+        if (procedures.isEmpty() || procedures.last() != procedure)
+            procedures.append(procedure);
     }
 }
 

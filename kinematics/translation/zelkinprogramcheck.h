@@ -70,6 +70,9 @@ public:
         QStringList procedures;
 
         bool IsClean() const { return count == 0; }
+        //! Adds what a check of later procedures found, as if one check had
+        //! found both, listing at most `listed` problems in all.
+        void Append(const Findings& later, int listed = 100);
     };
 
     //! Checks programs solved by `solver` (not owned; it must outlive the

@@ -511,6 +511,12 @@ void ZELKinTranslator::SetThreadCount(int count)
     d->threadCount = std::max(1, count);
 }
 
+void ZELKinTranslator::SetPhaseLinesPrinted(bool printed)
+{
+    Q_D(ZELKinTranslator);
+    d->phaseLinesPrinted = printed;
+}
+
 void ZELKinTranslator::SetCurrentDateTime(const QDateTime& now)
 {
     Q_D(ZELKinTranslator);
@@ -528,7 +534,8 @@ ZELKinProgram* ZELKinTranslator::Translate(const ZELTPProgram* program) const
     Q_D(const ZELKinTranslator);
     d->omissions.clear();
     const QString author = AuthorFromEnvironment();
-    PrintLine(tr("Translating the program"));
+    if (d->phaseLinesPrinted)
+        PrintLine(tr("Translating the program"));
     auto* result = Create<ZELKinProgram>(d->solver->GetMachine());
     result->SetAuthor(author);
     result->SetDate(d->GetProgramDate());
@@ -541,7 +548,8 @@ ZELKinProgram* ZELKinTranslator::Translate(const ZELTPProgram* program) const
             progress.Advance(1);
         }
     }
-    PrintLine(tr("Solving kinematics"));
+    if (d->phaseLinesPrinted)
+        PrintLine(tr("Solving kinematics"));
     d->Solve(result);
     return result;
 }

@@ -65,6 +65,10 @@ public:
     //! ZELKinRBRSolver is. The program and the lines printed are the same
     //! whatever the count.
     void SetThreadCount(int count);
+    //! Whether Translate prints its phase lines, "Translating the program"
+    //! and "Solving kinematics" (the default), or leaves them to a host
+    //! that translates a program in parts and prints them once.
+    void SetPhaseLinesPrinted(bool printed);
 
     //! A roll layup procedure that Translate took out of its program: no
     //! continuous solution reaches it.

@@ -139,6 +139,7 @@ public:
     QDateTime currentDateTime;
     //! How many procedures are solved at once.
     int threadCount = 1;
+    bool phaseLinesPrinted = true;
     //! What the last Translate took out of its program.
     mutable QList<ZELKinTranslator::Omission> omissions;
 };

@@ -69,9 +69,10 @@ std::string DecodedKey(const std::string& raw)
     and keeps the rest of the document with each entry replaced by "{}".
 
     It follows strings, nesting and the three outer levels; deeper text is
-    only counted. It checks no syntax beyond that: the head and each entry
-    are parsed on their own later, and a failure there is reported from
-    the whole file.
+    only counted. It checks no syntax beyond that, but for a control byte,
+    which no JSON text holds and which ends the reading at once (a file of
+    zeros is not read through): the head and each entry are parsed on
+    their own later, and a failure there is reported from the whole file.
 */
 class EntryFinder
 {
@@ -80,8 +81,11 @@ public:
 
     void Feed(const char* data, qint64 size);
     //! Whether the text ended outside any string and with every array and
-    //! object closed.
-    bool EndedWhole() const { return !m_inString && m_depth == 0; }
+    //! object closed, and held no byte that no JSON text holds.
+    bool EndedWhole() const { return !m_broken && !m_inString && m_depth == 0; }
+    //! Whether a byte that no JSON text holds came by: the rest need not
+    //! be read.
+    bool IsBroken() const { return m_broken; }
     std::string TakeHead() { return std::move(m_head); }
     std::vector<Entry> TakeEntries() { return std::move(m_entries); }
 
@@ -117,6 +121,7 @@ private:
     bool m_capturingKey = false;
     bool m_programSeen = false;
     bool m_proceduresSeen = false;
+    bool m_broken = false;
 
     bool m_awaitingEntry = false;
     bool m_inEntry = false;
@@ -133,7 +138,7 @@ private:
 void EntryFinder::Feed(const char* data, qint64 size)
 {
     m_chunk = data;
-    for (qint64 i = 0; i < size; ++i) {
+    for (qint64 i = 0; i < size && !m_broken; ++i) {
         if (m_inString) {
             ScanString(data, i, size);
             continue;
@@ -170,6 +175,7 @@ void EntryFinder::Feed(const char* data, qint64 size)
                 Innermost()->expectingKey = false;
             break;
         default:
+            m_broken = static_cast<unsigned char>(byte) < 0x20;
             Significant(offset);
             break;
         }
@@ -185,6 +191,10 @@ void EntryFinder::ScanString(const char* data, qint64& i, qint64 size)
 {
     for (; i < size; ++i) {
         const char byte = data[i];
+        if (static_cast<unsigned char>(byte) < 0x20) {
+            m_broken = true;
+            return;
+        }
         if (m_escaped) {
             m_escaped = false;
         } else if (byte == '\\') {
@@ -347,6 +357,8 @@ void ZELTPProgramStream::Open(const QString& fileName)
         if (read == 0)
             break;
         finder.Feed(chunk.data(), read);
+        if (finder.IsBroken())
+            break;
     }
     if (!finder.EndedWhole())
         d->ThrowSyntaxError();

@@ -648,6 +648,89 @@ TEST(ZELKinPostCommand, TheSameInputsAndSourceDateGiveTheSameFilesInAFolderSolve
     EXPECT_EQ(runs.at(0), runs.at(1));
 }
 
+// One procedure at a time against the whole program at once.
+
+namespace {
+
+struct LayoutCase
+{
+    const char* name;
+    const char* toolpath;
+    //! Where the post writes, below its folder.
+    const char* output;
+    //! The ply number to answer the single-ply mode with; none for a whole post.
+    const char* ply;
+};
+ZELTEST_PRINT_CASE_BY_NAME(LayoutCase);
+
+const LayoutCase kLayouts[] = {
+    {"CylinderInAFolder", "cylinder-section.json", "nc", nullptr},
+    {"CylinderInABundle", "cylinder-section.json", "part.bun", nullptr},
+    {"CylinderThirdPlyInAFolder", "cylinder-section.json", "nc", "0103"},
+    {"CylinderSecondPlyInABundle", "cylinder-section.json", "part.bun", "0102"},
+    {"DomeInAFolder", "dome.json", "nc", nullptr},
+    {"DomeInABundle", "dome.json", "part.aptsource", nullptr},
+    {"DomeFirstPlyInABundle", "dome.json", "part.bun", "0101"},
+    {"FlatPanelInAFolder", "flat-panel.json", "nc", nullptr},
+    {"FlatPanelInABundle", "flat-panel.json", "part.bun", nullptr},
+    {"MinimalInAFolder", "minimal.json", "nc", nullptr},
+    {"MinimalOnlyPlyInAFolder", "minimal.json", "nc", "0101"},
+};
+
+class ZELKinPostCommandLayout : public ::testing::TestWithParam<LayoutCase>
+{
+protected:
+    // Posts into `folder`: first the whole part, then, for a ply, that ply
+    // alone. `extra` goes with both. Returns whether the first post says it
+    // went one procedure at a time.
+    static bool Post(const QString& folder, const QStringList& extra)
+    {
+        const LayoutCase& layout = GetParam();
+        const QStringList post{QStringLiteral("post"),
+                               QStringLiteral("--machine"),
+                               GetExampleMachinePath(),
+                               QStringLiteral("--toolpath"),
+                               QStringLiteral(ZELKIN_EXAMPLES_DIR "/toolpaths/%1").arg(QLatin1String(layout.toolpath)),
+                               QStringLiteral("--output"),
+                               QDir(folder).filePath(QLatin1String(layout.output))};
+        const ZELKinToolRun whole = RunZelkin(post + extra, ReproducibleEnvironment());
+        EXPECT_EQ(whole.exitCode, 0) << whole.standardError.toStdString();
+        if (layout.ply) {
+            const ZELKinToolRun one
+                = RunZelkin(post + extra + QStringList{QStringLiteral("--ply-to-process"), QStringLiteral("ONEPLY")},
+                            ReproducibleEnvironment(), QByteArray(layout.ply) + '\n');
+            EXPECT_EQ(one.exitCode, 0) << one.standardError.toStdString();
+        }
+        return !whole.GetErrorLines().filter(QStringLiteral("Posted one procedure at a time, at most ")).isEmpty();
+    }
+};
+
+} // namespace
+
+// The solving diagnostics (--debug-path) hold the whole program at once;
+// without them, a toolpath file is posted one procedure at a time.
+TEST_P(ZELKinPostCommandLayout, OneProcedureAtATimeWritesTheBytesOfTheWholeProgramAtOnce)
+{
+    QTemporaryDir directory;
+    const QString atOnce = QDir(directory.path()).filePath(QStringLiteral("at-once"));
+    const QString byProcedure = QDir(directory.path()).filePath(QStringLiteral("by-procedure"));
+    ASSERT_TRUE(QDir().mkpath(atOnce) && QDir().mkpath(byProcedure));
+    EXPECT_FALSE(
+        Post(atOnce, {QStringLiteral("--debug-path"), QDir(directory.path()).filePath(QStringLiteral("diag"))}));
+    EXPECT_TRUE(Post(byProcedure, {}));
+
+    const QMap<QString, QByteArray> expected = ContentsBelow(atOnce);
+    ASSERT_FALSE(expected.isEmpty());
+    for (const QByteArray& bytes : expected)
+        EXPECT_FALSE(bytes.isEmpty());
+    EXPECT_EQ(ContentsBelow(byProcedure), expected);
+    if (GetParam().ply)
+        EXPECT_EQ(FilesBelow(byProcedure).filter(QStringLiteral("_procedures/")).size(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, ZELKinPostCommandLayout, ::testing::ValuesIn(kLayouts),
+                         [](const ::testing::TestParamInfo<LayoutCase>& info) { return info.param.name; });
+
 // The trace of motion lines.
 
 namespace {

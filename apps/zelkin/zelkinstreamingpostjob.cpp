@@ -1,0 +1,81 @@
+#include "zelkinstreamingpostjob.h"
+
+#include "zelkincommand.h"
+#include "zelkininputfile.h"
+#include "zelkinmachinefile.h"
+#include "zelkinpostmemory.h"
+#include "zelkintowwidthwarning.h"
+#include "zelkintranslationjob.h"
+
+#include <zelkinafpmachine.h>
+#include <zelkinsolver.h>
+#include <zelkinstreamingpost.h>
+#include <zelsysexception.h>
+#include <zelsysprogress.h>
+#include <zeltpformatexception.h>
+
+#include <QFileInfo>
+#include <QThread>
+
+#include <algorithm>
+#include <memory>
+
+bool ZELKinStreamingPostJob::CanStream(const QString& machinePath, const QString& toolpathPath)
+{
+    return QFileInfo(machinePath).isFile() && QFileInfo(toolpathPath).isFile();
+}
+
+ZELKinStreamingPostJob::ZELKinStreamingPostJob(const Input& input)
+    : m_input(input)
+    , m_machine(ZELKinMachineFile::Load(&m_container, input.machinePath))
+{
+    const std::unique_ptr<ZELKinSolver> solver(ZELKinTranslationJob::CreateSolver(*m_machine));
+    const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
+    try {
+        m_toolpath.Open(input.toolpathPath);
+    } catch (const ZELTPFormatException& error) {
+        throw ZELTPFormatException(ZELKinInputFile::GetName(error.GetSourceName()), error.GetLocation(),
+                                   error.GetProblem());
+    }
+    const int largest = m_toolpath.GetLargestProcedure();
+    m_inFlight = ZELKinPostMemory::ChooseProceduresInFlight(
+        ZELKinPostMemory::ToolpathSizes{ZELKinInputFile::GetName(input.toolpathPath), m_toolpath.GetFileBytes(),
+                                        largest, m_toolpath.GetProcedureBytes(largest)},
+        ZELKinPostMemory::GetPhysicalMemory(), QThread::idealThreadCount());
+}
+
+void ZELKinStreamingPostJob::Post(ZELKinWriter& writer, const QDateTime& now, const QString& path,
+                                  const QString& format, const QString& options)
+{
+    const QString machinePath = m_input.machinePath;
+    ZELKinStreamingPost post(
+        [machinePath](ZELGeoContainer* container) { return ZELKinMachineFile::Load(container, machinePath); },
+        &m_toolpath);
+    post.SetCurrentDateTime(now);
+    post.SetThreadCount(m_inFlight);
+    post.SetKeepGoing(m_input.keepGoing);
+    ZELKinTowWidthWarning towWidth(m_machine->GetTowWidth());
+    post.SetProcedureInspection(
+        [&towWidth](int index, const ZELTPProcedure* procedure) { towWidth.Inspect(index, procedure); });
+    try {
+        m_findings = post.Post(writer, path, format, options);
+    } catch (const ZELTPFormatException& error) {
+        throw ZELTPFormatException(ZELKinInputFile::GetName(error.GetSourceName()), error.GetLocation(),
+                                   error.GetProblem());
+    }
+    m_positions = post.GetPositionsByProcedure();
+    ZELSysProgress::WriteLine(
+        QStringLiteral("Posted one procedure at a time, at most %1 held at once").arg(m_inFlight));
+    towWidth.Warn();
+    if (!m_findings.IsClean() && !m_input.keepGoing)
+        throw ZELKinUndeliverable(
+            ZELKinTranslationJob::DescribeFindings(m_findings, QStringLiteral("nothing was written")));
+}
+
+void ZELKinStreamingPostJob::ThrowIfIncomplete() const
+{
+    if (!m_findings.IsClean())
+        throw ZELKinUndeliverable(ZELKinTranslationJob::DescribeFindings(
+            m_findings,
+            QStringLiteral("written without '%1'").arg(m_findings.procedures.join(QStringLiteral("', '")))));
+}

@@ -7,7 +7,9 @@
 #include <zelgeocontainer.h>
 #include <zelkinncreplay.h>
 #include <zelsysprogress.h>
+#include <zeltpprocedure.h>
 #include <zeltpprogram.h>
+#include <zeltpprogramstream.h>
 #include <zeltprolllayupprocedure.h>
 
 #include <QSet>
@@ -67,16 +69,26 @@ QList<int> PliesLaying(const ZELKinNCPlySet& plySet, const QString& procedure)
     return plies;
 }
 
-ZELKinVerifier::ToolpathSource SourceOf(const ZELTPProgram& toolpath)
+} // namespace
+
+ZELKinVerifier::ToolpathSource ZELKinVerifier::ToolpathSource::Whole(const ZELTPProgram& toolpath)
 {
-    return ZELKinVerifier::ToolpathSource{
+    return ToolpathSource{
         toolpath.GetNumProcedures(),
         [&toolpath](int index, ZELGeoContainer*) -> const ZELTPProcedure* { return toolpath.GetProcedure(index); }};
 }
 
-ZELKinVerifier::NCSource SourceOf(const ZELKinNCProgram& nc)
+ZELKinVerifier::ToolpathSource ZELKinVerifier::ToolpathSource::ByProcedure(const ZELTPProgramStream& stream)
 {
-    ZELKinVerifier::NCSource source;
+    return ToolpathSource{stream.GetNumProcedures(),
+                          [&stream](int index, ZELGeoContainer* container) -> const ZELTPProcedure* {
+                              return stream.ReadProcedure(index, container)->GetProcedure(0);
+                          }};
+}
+
+ZELKinVerifier::NCSource ZELKinVerifier::NCSource::Whole(const ZELKinNCProgram& nc)
+{
+    NCSource source;
     source.plySet.irregularities = nc.irregularities;
     for (const ZELKinNCPlyFile& ply : nc.plies)
         source.plySet.plies.append(ZELKinNCPlyListing{ply.path, ply.name, ply.plyNumber, ply.procedure, 0});
@@ -84,7 +96,13 @@ ZELKinVerifier::NCSource SourceOf(const ZELKinNCProgram& nc)
     return source;
 }
 
-} // namespace
+ZELKinVerifier::NCSource ZELKinVerifier::NCSource::ByPly(const ZELKinNCReplay& replay, const QString& path)
+{
+    NCSource source;
+    source.plySet = replay.ReadPlySet(path);
+    source.readPly = [&replay, plies = source.plySet.plies](int index) { return replay.ReadPly(plies.at(index)); };
+    return source;
+}
 
 ZELKinVerifierPrivate::ZELKinVerifierPrivate(ZELKinVerifier* q, const ZELKinAFPMachine& machine,
                                              const ZELKinVerifyGates& gates)
@@ -128,7 +146,7 @@ void ZELKinVerifierPrivate::CheckPly(const ZELKinVerifier::NCSource& nc, int ind
 
 ZELKinVerification ZELKinVerifier::Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const
 {
-    return Verify(SourceOf(toolpath), SourceOf(nc));
+    return Verify(ToolpathSource::Whole(toolpath), NCSource::Whole(nc));
 }
 
 ZELKinVerification ZELKinVerifier::Verify(const ToolpathSource& toolpath, const NCSource& nc,

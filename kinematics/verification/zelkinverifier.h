@@ -14,6 +14,7 @@ class ZELKinAFPMachine;
 class ZELKinVerifierPrivate;
 class ZELTPProcedure;
 class ZELTPProgram;
+class ZELTPProgramStream;
 
 /*!
     Checks posted NC against the toolpath it was posted from, as a machine
@@ -55,6 +56,11 @@ public:
     //! A toolpath handed over one procedure at a time.
     struct ToolpathSource
     {
+        //! The procedures of `toolpath`, which outlives the source.
+        static ToolpathSource Whole(const ZELTPProgram& toolpath);
+        //! The procedures `stream`, open and outliving the source, reads.
+        static ToolpathSource ByProcedure(const ZELTPProgramStream& stream);
+
         int numProcedures = 0;
         //! Procedure `index` (from 0), its objects made in `container`,
         //! which is destroyed once the procedure has been planned.
@@ -64,6 +70,12 @@ public:
     //! Posted NC handed over one ply at a time.
     struct NCSource
     {
+        //! The plies of `nc`, which outlives the source.
+        static NCSource Whole(const ZELKinNCProgram& nc);
+        //! The plies of the program at `path`, read by `replay`, which
+        //! outlives the source: its list of plies now, each ply when asked.
+        static NCSource ByPly(const ZELKinNCReplay& replay, const QString& path);
+
         ZELKinNCPlySet plySet;
         //! Ply `index` of `plySet.plies`, read back.
         std::function<ZELKinNCPlyFile(int index)> readPly;

@@ -91,7 +91,9 @@ QString ZELKinPostSummary::DescribeFiles(const QStringList& files) const
 
 QString ZELKinPostSummary::DescribePlies(const QString& posted) const
 {
-    const ZELKinNCProgram nc = ZELKinNCReplay(m_machine).Read(posted);
+    // One ply is held at a time: the files of a large program would not fit.
+    const ZELKinNCReplay replay(m_machine);
+    const ZELKinNCPlySet plySet = replay.ReadPlySet(posted);
     const QHash<QString, qint64>& positions = m_positions;
     const int materialIndex = m_machine.GetVariables().indexOf(m_machine.GetMaterialVariable());
     ZELKinTextTable table;
@@ -102,7 +104,8 @@ QString ZELKinPostSummary::DescribePlies(const QString& posted) const
     qint64 allCourses = 0;
     qint64 allPositions = 0;
     double allLaid = 0.0;
-    for (const ZELKinNCPlyFile& ply : nc.plies) {
+    for (const ZELKinNCPlyListing& listed : plySet.plies) {
+        const ZELKinNCPlyFile ply = replay.ReadPly(listed);
         const qint64 courses = ply.courseRecords.size();
         const qint64 plyPositions = positions.value(ply.procedure);
         const double laid = LaidLength(ply, materialIndex);

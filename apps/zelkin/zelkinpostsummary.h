@@ -12,8 +12,8 @@ class ZELKinProgram;
     What "post" tells when it has written its files: each file with its
     size, then per ply its courses, positions, laid length and estimated
     run time (ZELKinRunTimeEstimator), read back from the files as the controller reads them
-    (ZELKinNCReplay), so that the figures are those of the NC and not of
-    the solved program.
+    (ZELKinNCReplay) one ply at a time, so that the figures are those of
+    the NC and not of the solved program.
 */
 class ZELKinPostSummary
 {

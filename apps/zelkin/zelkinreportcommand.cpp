@@ -88,7 +88,9 @@ int ZELKinReportCommand::Run(const QStringList& arguments)
 {
     const ZELKinArguments parsed(GetName(), arguments, GetOptions());
     parsed.RequireAtMostPositionals(0);
-    const ZELKinVerificationJob::Input input = ZELKinVerificationJob::GetInput(parsed, GetName());
+    ZELKinVerificationJob::Input input = ZELKinVerificationJob::GetInput(parsed, GetName());
+    // The page plots every ply's lines.
+    input.keepLines = true;
     const QString reportPath = OutputPath(parsed, GetName());
     parsed.RequirePaths({OutputOption});
     parsed.RequireNotAnInput(OutputOption, reportPath, ZELKinVerificationJob::GetFileOptions());

@@ -11,7 +11,11 @@
 #include <zelgeocontainer.h>
 #include <zelkinafpmachine.h>
 #include <zelkinncreplay.h>
+#include <zelsysprogress.h>
 #include <zeltpprogram.h>
+#include <zeltpprogramstream.h>
+
+#include <QFileInfo>
 
 #include <QtGlobal>
 #include <QtMath>
@@ -68,8 +72,7 @@ private:
     static inline QtMessageHandler s_previous = nullptr;
 };
 
-template <typename Read>
-auto ReadInput(const Read& read)
+template <typename Read> auto ReadInput(const Read& read)
 {
     try {
         return read();
@@ -87,12 +90,31 @@ void KeepUntilExit(std::unique_ptr<ZELGeoContainer> container)
     kept->push_back(std::move(container));
 }
 
+// Only a file or a folder can be read again, one procedure or ply at a
+// time; standard input, a pipe or a device is read once, whole.
+bool IsReadAgain(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.isFile() || info.isDir();
+}
+
+void RequireProceduresOfAtMost(const ZELTPProgramStream& stream, qint64 maximumBytes)
+{
+    const qint64 largest = stream.GetProcedureBytes(stream.GetLargestProcedure());
+    if (largest > maximumBytes)
+        throw ZELKinUnreadableInputError(
+            QStringLiteral("%1: a procedure of %2 bytes is larger than %3 bytes, the most that is checked at once")
+                .arg(stream.GetFileName(), QString::number(largest), QString::number(maximumBytes))
+                .toStdString());
+}
+
 } // namespace
 
 QList<ZELKinOption> ZELKinVerificationJob::GetOptions()
 {
     return {ZELKinOption(MachineOption, ZELKinOption::Value::Input),
-            ZELKinOption(ToolpathOption, ZELKinOption::Value::Input), ZELKinOption(NCOption, ZELKinOption::Value::Path),
+            ZELKinOption(ToolpathOption, ZELKinOption::Value::Input),
+            ZELKinOption(NCOption, ZELKinOption::Value::Path),
             ZELKinOption(FlipOption, ZELKinOption::Value::Text),
             ZELKinOption(SingularityOption, ZELKinOption::Value::Text),
             ZELKinOption(ZELKinProgressDisplay::QuietOption, ZELKinOption::Value::None)};
@@ -122,15 +144,38 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
         m_machine = ReadInput([&] { return ZELKinMachineFile::Load(m_container.get(), input.machinePath); });
     }
     const auto verifier = ReadInput([&] { return std::make_unique<ZELKinVerifier>(*m_machine, input.gates); });
-    // The toolpath and the posted NC are held whole: no more of either than
-    // a post on this machine could take.
+    // One procedure of the toolpath and one ply of the posted NC are held
+    // at a time: no larger one than a post on this machine could take.
     const qint64 maximumBytes = ZELKinTranslationJob::GetMaximumToolpathBytes();
-    const ZELTPProgram* toolpath
-        = ReadInput([&] { return ZELKinInputFile::ReadToolpath(m_container.get(), input.toolpathPath, maximumBytes); });
-    ZELKinNCReplay replay(*m_machine);
-    replay.SetMaximumLength(maximumBytes);
-    const ZELKinNCProgram nc = ReadInput([&] { return replay.Read(input.ncPath); });
-    m_verification = verifier->Verify(*toolpath, nc);
+    const ZELKinVerifier::ToolpathSource toolpath = ReadToolpath(input.toolpathPath, maximumBytes);
+    const ZELKinVerifier::NCSource nc = ReadNC(input.ncPath, maximumBytes);
+    const ZELKinVerifier::PlyHandler dropLines = [](ZELKinVerifiedPly& ply) { ply.lines.clear(); };
+    m_verification = ReadInput(
+        [&] { return verifier->Verify(toolpath, nc, input.keepLines ? ZELKinVerifier::PlyHandler() : dropLines); });
+}
+
+ZELKinVerifier::ToolpathSource ZELKinVerificationJob::ReadToolpath(const QString& path, qint64 maximumBytes)
+{
+    if (!IsReadAgain(path))
+        return ZELKinVerifier::ToolpathSource::Whole(
+            *ReadInput([&] { return ZELKinInputFile::ReadToolpath(m_container.get(), path, maximumBytes); }));
+    ReadInput([&] {
+        const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
+        m_toolpathStream.Open(path);
+    });
+    RequireProceduresOfAtMost(m_toolpathStream, maximumBytes);
+    return ZELKinVerifier::ToolpathSource::ByProcedure(m_toolpathStream);
+}
+
+ZELKinVerifier::NCSource ZELKinVerificationJob::ReadNC(const QString& path, qint64 maximumBytes)
+{
+    m_replay = std::make_unique<ZELKinNCReplay>(*m_machine);
+    m_replay->SetMaximumLength(maximumBytes);
+    if (!IsReadAgain(path)) {
+        m_wholeNC = ReadInput([&] { return m_replay->Read(path); });
+        return ZELKinVerifier::NCSource::Whole(m_wholeNC);
+    }
+    return ReadInput([&] { return ZELKinVerifier::NCSource::ByPly(*m_replay, path); });
 }
 
 int ZELKinVerificationJob::Run(const Input& input, const std::function<int(const ZELKinVerificationJob&)>& use)

@@ -3,7 +3,9 @@
 
 #include "zelkinoption.h"
 
+#include <zelkinncreplay.h>
 #include <zelkinverifier.h>
+#include <zeltpprogramstream.h>
 
 #include <QList>
 #include <QString>
@@ -49,6 +51,10 @@ public:
         ZELKinVerifyGates gates;
         //! Show no progress on stderr.
         bool quiet = false;
+        //! Keep every ply's lines (ZELKinVerifiedPly::lines); they are
+        //! dropped once a ply is checked otherwise, so that no more than one
+        //! ply's are held.
+        bool keepLines = false;
     };
 
     //! The options that say what to check: --machine, --toolpath, --nc,
@@ -76,8 +82,16 @@ public:
     const ZELKinVerification& GetVerification() const { return m_verification; }
 
 private:
+    //! A file is read one procedure at a time, any other toolpath whole.
+    ZELKinVerifier::ToolpathSource ReadToolpath(const QString& path, qint64 maximumBytes);
+    //! A file or a folder is read one ply at a time, any other NC whole.
+    ZELKinVerifier::NCSource ReadNC(const QString& path, qint64 maximumBytes);
+
     std::unique_ptr<ZELGeoContainer> m_container;
     ZELKinAFPMachine* m_machine = nullptr;
+    ZELTPProgramStream m_toolpathStream;
+    std::unique_ptr<ZELKinNCReplay> m_replay;
+    ZELKinNCProgram m_wholeNC;
     ZELKinVerification m_verification;
 };
 

@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <future>
 #include <vector>
 
@@ -28,39 +29,46 @@ const QString kProgramSetSuffix = QLatin1String(ZELKinAFPGCodeTexts::ProgramSetS
 const QString kBundleSuffix = QLatin1String(ZELKinAFPGCodeTexts::BundleSuffix);
 const QString kSourceSuffix = QLatin1String(ZELKinAFPGCodeTexts::SourceSuffix);
 
-// The lines of the posted files, read one file after the other and refused
-// once they hold more characters in all than a bound.
-class PostedText
+void OpenToRead(QFile& file)
+{
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        throw ZELSysException(QStringLiteral("cannot read %1: %2").arg(file.fileName(), file.errorString()));
+}
+
+// The characters of the posted lines that are held, refused once they are
+// more than a bound.
+class PostedLength
 {
 public:
-    explicit PostedText(qint64 maximumLength)
+    explicit PostedLength(qint64 maximumLength)
         : m_maximumLength(maximumLength)
     {
     }
 
-    QStringList ReadLines(const QString& path)
+    void Count(const QString& path, const QString& line)
     {
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-            throw ZELSysException(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-        ZELKinNCLineReader reader(file, path);
-        QStringList lines;
-        QString line;
-        while (reader.ReadLine(line)) {
-            m_length += line.size();
-            if (m_length > m_maximumLength)
-                throw ZELSysException(QStringLiteral("cannot read %1: the posted NC is longer than %2 characters, "
-                                                     "the most that is read")
-                                          .arg(path, QString::number(m_maximumLength)));
-            lines.append(line);
-        }
-        return lines;
+        m_length += line.size();
+        if (m_length > m_maximumLength)
+            throw ZELSysException(QStringLiteral("cannot read %1: the posted NC is longer than %2 characters, "
+                                                 "the most that is read")
+                                      .arg(path, QString::number(m_maximumLength)));
     }
 
 private:
     const qint64 m_maximumLength;
     qint64 m_length = 0;
 };
+
+// Calls `use` with each line of the file at `path` and its number, from 1.
+template <typename Use> void ForEachLine(const QString& path, const Use& use)
+{
+    QFile file(path);
+    OpenToRead(file);
+    ZELKinNCLineReader reader(file, path);
+    QString line;
+    while (reader.ReadLine(line))
+        use(reader.GetLineNumber(), line);
+}
 
 bool HoldsProgramSet(const QDir& folder)
 {
@@ -105,6 +113,82 @@ const QRegularExpression
 // Lines are counted for the progress in chunks, not one by one.
 constexpr int kLinesCountedAtOnce = 8192;
 
+bool IsProgramSet(const QString& name)
+{
+    return name.endsWith(kProgramSetSuffix);
+}
+
+bool IsSectionEnd(const QString& line)
+{
+    return line == QLatin1String(ZELKinAFPGCodeTexts::SectionEnd);
+}
+
+QString BundleOf(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.suffix() == kSourceSuffix
+        ? info.dir().filePath(info.completeBaseName() + QLatin1Char('.') + kBundleSuffix)
+        : path;
+}
+
+using Section = ZELKinNCReplayPrivate::Section;
+
+// A bundle's lines, handed in one by one, cut into its sections: a section
+// runs from its start line to its end line or the next start. `keep` says
+// of a section whether its lines are kept.
+class BundleSplit
+{
+public:
+    using Keep = std::function<bool(const QList<Section>& sections)>;
+
+    BundleSplit(const QString& bundle, const Keep& keep)
+        : m_bundle(bundle)
+        , m_keep(keep)
+    {
+    }
+
+    void Add(unsigned number, const QString& line)
+    {
+        const QRegularExpressionMatch start = kSectionStart.match(line);
+        if (start.hasMatch()) {
+            m_sections.append(Section{m_bundle, start.captured(1), number, {}});
+            m_inSection = true;
+            m_keepSection = m_keep(m_sections);
+        } else if (IsSectionEnd(line)) {
+            m_inSection = false;
+        } else if (m_inSection && m_keepSection) {
+            m_sections.last().lines.append(line);
+        }
+    }
+
+    const QList<Section>& GetSections() const { return m_sections; }
+
+private:
+    const QString m_bundle;
+    const Keep m_keep;
+    QList<Section> m_sections;
+    bool m_inSection = false;
+    bool m_keepSection = false;
+};
+
+// Of the sections so far, whether the last is the first program-set file:
+// the one whose list of plies counts.
+bool IsFirstProgramSet(const QList<Section>& sections)
+{
+    for (const Section& section : sections) {
+        if (IsProgramSet(section.name))
+            return &section == &sections.last();
+    }
+    return false;
+}
+
+// Reads `reader` through line `number`, the last line before those wanted.
+void SkipTo(ZELKinNCLineReader& reader, unsigned number, QString& line)
+{
+    while (reader.GetLineNumber() < number && reader.ReadLine(line))
+        continue;
+}
+
 } // namespace
 
 ZELKinNCReplayPrivate::ZELKinNCReplayPrivate(ZELKinNCReplay* q, const ZELKinAFPMachine& machine)
@@ -120,35 +204,92 @@ ZELKinNCReplayPrivate::ZELKinNCReplayPrivate(ZELKinNCReplay* q, const ZELKinAFPM
     }
 }
 
-QList<ZELKinNCReplayPrivate::Section> ZELKinNCReplayPrivate::ReadSections(const QString& path) const
+QList<Section> ZELKinNCReplayPrivate::ReadSections(const QString& path) const
 {
-    PostedText text(maximumLength);
-    const QFileInfo info(path);
-    if (info.isDir()) {
+    PostedLength length(maximumLength);
+    if (QFileInfo(path).isDir()) {
         const QDir folder = ProgramFolder(path);
         QList<Section> sections;
-        for (const QString& name : folder.entryList(QDir::Files, QDir::Name))
-            sections.append(Section{folder.filePath(name), name, 0, text.ReadLines(folder.filePath(name))});
+        for (const QString& name : folder.entryList(QDir::Files, QDir::Name)) {
+            Section section{folder.filePath(name), name, 0, {}};
+            ForEachLine(section.path, [&](unsigned, const QString& line) {
+                length.Count(section.path, line);
+                section.lines.append(line);
+            });
+            sections.append(section);
+        }
         return sections;
     }
-    const QString bundle = info.suffix() == kSourceSuffix
-        ? info.dir().filePath(info.completeBaseName() + QLatin1Char('.') + kBundleSuffix)
-        : path;
-    const QStringList lines = text.ReadLines(bundle);
-    QList<Section> sections;
-    bool inSection = false;
-    for (int i = 0; i < lines.size(); ++i) {
-        const QRegularExpressionMatch start = kSectionStart.match(lines.at(i));
-        if (start.hasMatch()) {
-            sections.append(Section{bundle, start.captured(1), unsigned(i + 1), {}});
-            inSection = true;
-        } else if (lines.at(i) == QLatin1String(ZELKinAFPGCodeTexts::SectionEnd)) {
-            inSection = false;
-        } else if (inSection) {
-            sections.last().lines.append(lines.at(i));
+    const QString bundle = BundleOf(path);
+    BundleSplit split(bundle, [](const QList<Section>&) { return true; });
+    ForEachLine(bundle, [&](unsigned number, const QString& line) {
+        length.Count(bundle, line);
+        split.Add(number, line);
+    });
+    return split.GetSections();
+}
+
+QList<Section> ZELKinNCReplayPrivate::ReadSectionHeads(const QString& path) const
+{
+    if (QFileInfo(path).isDir()) {
+        const QDir folder = ProgramFolder(path);
+        QList<Section> sections;
+        for (const QString& name : folder.entryList(QDir::Files, QDir::Name)) {
+            sections.append(Section{folder.filePath(name), name, 0, {}});
+            if (IsFirstProgramSet(sections))
+                ForEachLine(sections.last().path,
+                            [&](unsigned, const QString& line) { sections.last().lines.append(line); });
         }
+        return sections;
     }
-    return sections;
+    const QString bundle = BundleOf(path);
+    BundleSplit split(bundle, IsFirstProgramSet);
+    ForEachLine(bundle, [&](unsigned number, const QString& line) { split.Add(number, line); });
+    return split.GetSections();
+}
+
+ZELKinNCPlySet ZELKinNCReplayPrivate::ListPlies(const QString& path, const QList<Section>& sections) const
+{
+    QList<const Section*> programSets;
+    for (const Section& section : sections) {
+        if (IsProgramSet(section.name))
+            programSets.append(&section);
+    }
+    if (programSets.isEmpty())
+        throw ZELSysException(
+            QStringLiteral("no posted program in %1: no program-set file (%2)").arg(path, kProgramSetSuffix));
+
+    ZELKinNCPlySet set;
+    // A controller that is handed the folder may run either program set.
+    for (const Section* other : programSets.mid(1))
+        set.irregularities.append(ZELKinNCIrregularity{QStringLiteral("program"), other->path, other->firstLine, 0,
+                                                       other->name,
+                                                       QStringLiteral("a second program-set file, %1, stands beside %2")
+                                                           .arg(other->name, programSets.first()->name)});
+
+    QMap<QString, QString> procedures;
+    for (const QString& line : programSets.first()->lines) {
+        const QRegularExpressionMatch ply = kPlyProgram.match(line);
+        if (ply.hasMatch())
+            procedures.insert(ply.captured(1), ply.captured(2));
+    }
+
+    for (const Section& section : sections) {
+        const QRegularExpressionMatch number = kPlyFileName.match(section.name);
+        if (!number.hasMatch())
+            continue;
+        if (procedures.contains(number.captured(1))) {
+            set.plies.append(ZELKinNCPlyListing{section.path, section.name, number.captured(1),
+                                                procedures.value(number.captured(1)), section.firstLine});
+            continue;
+        }
+        set.irregularities.append(ZELKinNCIrregularity{
+            QStringLiteral("program"), section.path, section.firstLine, 0, section.name,
+            QStringLiteral("the program-set file does not list ply %1 (%2)").arg(number.captured(1), section.name)});
+    }
+    std::sort(set.plies.begin(), set.plies.end(),
+              [](const ZELKinNCPlyListing& a, const ZELKinNCPlyListing& b) { return a.plyNumber < b.plyNumber; });
+    return set;
 }
 
 // Plies are independent: each is replayed on a thread of its own, as many
@@ -213,54 +354,65 @@ void ZELKinNCReplay::SetMaximumLength(qint64 characters)
 ZELKinNCProgram ZELKinNCReplay::Read(const QString& path) const
 {
     Q_D(const ZELKinNCReplay);
-    using Section = ZELKinNCReplayPrivate::Section;
     const QList<Section> sections = [&] {
         const ZELSysProgress reading(QStringLiteral("Reading the NC"), QString(), 0);
         return d->ReadSections(path);
     }();
-    QList<const Section*> programSets;
-    for (const Section& section : sections) {
-        if (section.name.endsWith(kProgramSetSuffix))
-            programSets.append(&section);
-    }
-    if (programSets.isEmpty())
-        throw ZELSysException(
-            QStringLiteral("no posted program in %1: no program-set file (%2)").arg(path, kProgramSetSuffix));
-
-    ZELKinNCProgram program;
-    // A controller that is handed the folder may run either program set.
-    for (const Section* other : programSets.mid(1))
-        program.irregularities.append(
-            ZELKinNCIrregularity{QStringLiteral("program"), other->path, other->firstLine, 0, other->name,
-                                 QStringLiteral("a second program-set file, %1, stands beside %2")
-                                     .arg(other->name, programSets.first()->name)});
-
-    QMap<QString, QString> procedures;
-    for (const QString& line : programSets.first()->lines) {
-        const QRegularExpressionMatch ply = kPlyProgram.match(line);
-        if (ply.hasMatch())
-            procedures.insert(ply.captured(1), ply.captured(2));
-    }
-
+    const ZELKinNCPlySet set = d->ListPlies(path, sections);
     QList<const Section*> plySections;
-    for (const Section& section : sections) {
-        const QRegularExpressionMatch number = kPlyFileName.match(section.name);
-        if (!number.hasMatch())
-            continue;
-        if (procedures.contains(number.captured(1))) {
-            plySections.append(&section);
-            continue;
-        }
-        program.irregularities.append(ZELKinNCIrregularity{
-            QStringLiteral("program"), section.path, section.firstLine, 0, section.name,
-            QStringLiteral("the program-set file does not list ply %1 (%2)").arg(number.captured(1), section.name)});
+    for (const ZELKinNCPlyListing& listed : set.plies) {
+        const auto section = std::find_if(sections.cbegin(), sections.cend(), [&](const Section& candidate) {
+            return candidate.name == listed.name && candidate.firstLine == listed.firstLine;
+        });
+        plySections.append(&*section);
     }
+    ZELKinNCProgram program;
+    program.irregularities = set.irregularities;
     program.plies = d->ReplayPlies(plySections);
-    for (ZELKinNCPlyFile& ply : program.plies) {
-        ply.plyNumber = kPlyFileName.match(ply.name).captured(1);
-        ply.procedure = procedures.value(ply.plyNumber);
+    for (qsizetype i = 0; i < program.plies.size(); ++i) {
+        program.plies[i].plyNumber = set.plies.at(i).plyNumber;
+        program.plies[i].procedure = set.plies.at(i).procedure;
     }
-    std::sort(program.plies.begin(), program.plies.end(),
-              [](const ZELKinNCPlyFile& a, const ZELKinNCPlyFile& b) { return a.plyNumber < b.plyNumber; });
     return program;
+}
+
+ZELKinNCPlySet ZELKinNCReplay::ReadPlySet(const QString& path) const
+{
+    Q_D(const ZELKinNCReplay);
+    const ZELSysProgress reading(QStringLiteral("Reading the NC's list of plies"), QString(), 0);
+    return d->ListPlies(path, d->ReadSectionHeads(path));
+}
+
+ZELKinNCPlyFile ZELKinNCReplay::ReadPly(const ZELKinNCPlyListing& listed) const
+{
+    Q_D(const ZELKinNCReplay);
+    ZELKinNCPlyFile ply;
+    ply.path = listed.path;
+    ply.name = listed.name;
+    ply.plyNumber = listed.plyNumber;
+    ply.procedure = listed.procedure;
+    ZELSysProgress progress(QStringLiteral("Replaying the NC"), QStringLiteral("lines"), 0);
+    progress.SetItem(listed.name);
+    PostedLength length(d->maximumLength);
+    ZELKinNCPlyRun run(ply, d->labels, d->scales);
+    QFile file(listed.path);
+    OpenToRead(file);
+    ZELKinNCLineReader reader(file, listed.path);
+    QString line;
+    SkipTo(reader, listed.firstLine, line);
+    const bool inBundle = listed.firstLine > 0;
+    qint64 uncounted = 0;
+    while (reader.ReadLine(line)) {
+        if (inBundle && (IsSectionEnd(line) || kSectionStart.match(line).hasMatch()))
+            break;
+        length.Count(listed.path, line);
+        run.Run(reader.GetLineNumber(), line);
+        if (++uncounted == kLinesCountedAtOnce) {
+            progress.Advance(uncounted);
+            uncounted = 0;
+        }
+    }
+    progress.Advance(uncounted);
+    run.Finish();
+    return ply;
 }

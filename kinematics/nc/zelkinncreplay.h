@@ -108,6 +108,32 @@ struct ZELKinNCProgram
     QList<ZELKinNCIrregularity> irregularities;
 };
 
+//! One ply of a posted program as its program-set file lists it, before
+//! its lines are read.
+struct ZELKinNCPlyListing
+{
+    //! The file on disk that holds the lines: the ply file, or the bundle.
+    QString path;
+    //! The ply file's own name, "NAME#0101.PPF" (a section name in a bundle).
+    QString name;
+    //! "0101".
+    QString plyNumber;
+    //! The procedure the program-set file names for the ply.
+    QString procedure;
+    //! The line of the file on disk that comes before the ply's first: 0
+    //! for a ply file, the section's start in a bundle.
+    unsigned firstLine = 0;
+};
+
+//! The plies a posted program lists, none of them read yet.
+struct ZELKinNCPlySet
+{
+    //! In ply number order, as ZELKinNCProgram::plies.
+    QList<ZELKinNCPlyListing> plies;
+    //! As ZELKinNCProgram::irregularities.
+    QList<ZELKinNCIrregularity> irregularities;
+};
+
 /*!
     Reads posted NC files back as a controller runs them: the program-set
     file for the list of plies, then each ply file line by line, keeping
@@ -117,6 +143,10 @@ struct ZELKinNCProgram
     as a controller reads it (and an irregularity, since the post writes
     plain decimals). Inches and degrees are converted back to mm and rad;
     the material axis is in mm already. The probing file is not read.
+
+    Read holds every ply at once. ReadPlySet and ReadPly hold one: the
+    program-set file is read for the list of plies, then each ply file (or
+    bundle section) on its own, line by line, when its caller asks for it.
 
     Throws ZELSysException for a path that holds no posted program, or
     several, and for a file that cannot be read or holds what no NC text
@@ -131,14 +161,23 @@ public:
     virtual ~ZELKinNCReplay();
 
     //! Refuses posted files that hold more than `characters` characters in
-    //! all (line ends not counted), since every line is kept; no bound by
-    //! default. Each line is bounded on its own (ZELKinNCLineReader).
+    //! all (line ends not counted), since every line is kept: in Read, the
+    //! files together; in ReadPly, the ply alone. No bound by default. Each
+    //! line is bounded on its own (ZELKinNCLineReader).
     void SetMaximumLength(qint64 characters);
 
     //! `path` is what "zelkin post" was given: a folder (holding the
     //! program's folder, or the program's folder itself), a bundle file
     //! (.bun) or the .aptsource beside one.
     ZELKinNCProgram Read(const QString& path) const;
+
+    //! The plies of the program at `path` (as Read takes it) and what does
+    //! not belong to it, as Read finds them, reading the program-set file and
+    //! no ply file. A bundle is read through once, no line of it kept.
+    ZELKinNCPlySet ReadPlySet(const QString& path) const;
+    //! One ply of ReadPlySet's, as Read gives it. The file is read again,
+    //! so it must be one: a pipe or a device can be read by Read alone.
+    ZELKinNCPlyFile ReadPly(const ZELKinNCPlyListing& ply) const;
 
 protected:
     ZELKinNCReplay(ZELKinNCReplayPrivate* d);

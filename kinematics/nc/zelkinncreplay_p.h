@@ -30,7 +30,15 @@ public:
         QStringList lines;
     };
 
+    //! Every file of the program's folder, or every section of its bundle,
+    //! with all its lines.
     QList<Section> ReadSections(const QString& path) const;
+    //! The same files or sections with the lines of the first program-set
+    //! file alone.
+    QList<Section> ReadSectionHeads(const QString& path) const;
+    //! The plies the first program-set file among `sections` lists, and the
+    //! files that do not belong, for the program at `path`.
+    ZELKinNCPlySet ListPlies(const QString& path, const QList<Section>& sections) const;
     //! The plies of `sections`, in their order, replayed side by side.
     QList<ZELKinNCPlyFile> ReplayPlies(const QList<const Section*>& sections) const;
     //! Counts the section's lines in `progress` as they are run.

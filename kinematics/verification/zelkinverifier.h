@@ -4,12 +4,17 @@
 #include "zelkinematics_export.h"
 #include "zelkinverification.h"
 
+#include <zelkinncreplay.h>
+
+#include <functional>
 #include <memory>
 
+class ZELGeoContainer;
 class ZELKinAFPMachine;
 class ZELKinVerifierPrivate;
+class ZELTPProcedure;
 class ZELTPProgram;
-struct ZELKinNCProgram;
+class ZELTPProgramStream;
 
 /*!
     Checks posted NC against the toolpath it was posted from, as a machine
@@ -28,6 +33,11 @@ struct ZELKinNCProgram;
     by what the NC's modal rule allows them (docs/zelkin.md); link lines by
     their roller centre against their link's points. Each ply's and course's
     run time is estimated beside the checks (ZELKinRunTimeEstimator).
+
+    The checks go one ply at a time: a toolpath and posted NC handed over
+    procedure by procedure and ply by ply (ToolpathSource, NCSource) are
+    held no more than one procedure and one ply at once, and give the
+    findings the whole toolpath and NC give, in the same order.
 */
 class ZELKINEMATICS_EXPORT ZELKinVerifier
 {
@@ -43,8 +53,47 @@ public:
     ZELKinVerifier(const ZELKinAFPMachine& machine, const ZELKinVerifyGates& gates);
     virtual ~ZELKinVerifier();
 
+    //! A toolpath handed over one procedure at a time.
+    struct ToolpathSource
+    {
+        //! The procedures of `toolpath`, which outlives the source.
+        static ToolpathSource Whole(const ZELTPProgram& toolpath);
+        //! The procedures `stream`, open and outliving the source, reads.
+        static ToolpathSource ByProcedure(const ZELTPProgramStream& stream);
+
+        int numProcedures = 0;
+        //! Procedure `index` (from 0), its objects made in `container`,
+        //! which is destroyed once the procedure has been planned.
+        std::function<const ZELTPProcedure*(int index, ZELGeoContainer* container)> readProcedure;
+    };
+
+    //! Posted NC handed over one ply at a time.
+    struct NCSource
+    {
+        //! The plies of `nc`, which outlives the source.
+        static NCSource Whole(const ZELKinNCProgram& nc);
+        //! The plies of the program at `path`, read by `replay`, which
+        //! outlives the source: its list of plies now, each ply when asked.
+        static NCSource ByPly(const ZELKinNCReplay& replay, const QString& path);
+
+        ZELKinNCPlySet plySet;
+        //! Ply `index` of `plySet.plies`, read back.
+        std::function<ZELKinNCPlyFile(int index)> readPly;
+    };
+
+    //! Told of each ply once it is checked, with its lines; what it leaves
+    //! of the ply is what the verification keeps.
+    using PlyHandler = std::function<void(ZELKinVerifiedPly& ply)>;
+
     //! `nc` as posted from `toolpath`, read back by ZELKinNCReplay.
     ZELKinVerification Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const;
+
+    //! The same checks, holding one procedure and one ply at a time. Each
+    //! roll layup procedure is read once, in the toolpath's order, and the
+    //! plies that lay it are read right after it; a ply that lays no
+    //! procedure of the toolpath is read last.
+    ZELKinVerification Verify(const ToolpathSource& toolpath, const NCSource& nc,
+                              const PlyHandler& handler = PlyHandler()) const;
 
 protected:
     ZELKinVerifier(ZELKinVerifierPrivate* d);

@@ -87,6 +87,70 @@ protected:
             EXPECT_TRUE(ZELTest::SameDouble(expected.at(i), actual.at(i), ZELTest::kTight)) << "axis " << i;
     }
 
+    // The same ply, read whole or alone: every motion, tow event, course
+    // record and irregularity alike.
+    static void ExpectSamePly(const ZELKinNCPlyFile& expected, const ZELKinNCPlyFile& actual)
+    {
+        EXPECT_EQ(actual.path, expected.path);
+        EXPECT_EQ(actual.name, expected.name);
+        EXPECT_EQ(actual.plyNumber, expected.plyNumber);
+        EXPECT_EQ(actual.procedure, expected.procedure);
+        ASSERT_EQ(actual.motions.size(), expected.motions.size());
+        for (int i = 0; i < expected.motions.size(); ++i) {
+            const ZELKinNCMotion& wanted = expected.motions.at(i);
+            const ZELKinNCMotion& got = actual.motions.at(i);
+            EXPECT_EQ(got.line, wanted.line);
+            EXPECT_EQ(got.course, wanted.course) << "line " << wanted.line;
+            EXPECT_EQ(got.alongCourse, wanted.alongCourse) << "line " << wanted.line;
+            EXPECT_EQ(got.rapid, wanted.rapid) << "line " << wanted.line;
+            EXPECT_EQ(got.written, wanted.written) << "line " << wanted.line;
+            EXPECT_EQ(got.link, wanted.link) << "line " << wanted.line;
+            EXPECT_TRUE(ZELTest::SameDouble(wanted.feedrate, got.feedrate, ZELTest::kExact)) << "line " << wanted.line;
+            ExpectValues(wanted.values, got.values);
+            ExpectValues(wanted.starts, got.starts);
+        }
+        ASSERT_EQ(actual.towEvents.size(), expected.towEvents.size());
+        for (int i = 0; i < expected.towEvents.size(); ++i) {
+            EXPECT_EQ(actual.towEvents.at(i).line, expected.towEvents.at(i).line);
+            EXPECT_EQ(actual.towEvents.at(i).code, expected.towEvents.at(i).code);
+            EXPECT_EQ(actual.towEvents.at(i).tows, expected.towEvents.at(i).tows);
+            EXPECT_TRUE(ZELTest::SameDouble(expected.towEvents.at(i).u, actual.towEvents.at(i).u, ZELTest::kExact));
+        }
+        EXPECT_EQ(actual.courseRecords, expected.courseRecords);
+        ExpectSameIrregularities(expected.irregularities, actual.irregularities);
+    }
+
+    static void ExpectSameIrregularities(const QList<ZELKinNCIrregularity>& expected,
+                                         const QList<ZELKinNCIrregularity>& actual)
+    {
+        ASSERT_EQ(actual.size(), expected.size());
+        for (int i = 0; i < expected.size(); ++i) {
+            EXPECT_EQ(actual.at(i).check, expected.at(i).check);
+            EXPECT_EQ(actual.at(i).file, expected.at(i).file);
+            EXPECT_EQ(actual.at(i).line, expected.at(i).line);
+            EXPECT_EQ(actual.at(i).course, expected.at(i).course);
+            EXPECT_EQ(actual.at(i).subject, expected.at(i).subject);
+            EXPECT_EQ(actual.at(i).message, expected.at(i).message);
+        }
+    }
+
+    // Each ply of the program at `path` read alone against the same ply of
+    // the whole read, and the list of plies against the whole read's.
+    void ExpectEachPlyReadAloneAsWhole(const QString& path, int plies)
+    {
+        const ZELKinNCReplay replay(*f.machine);
+        const ZELKinNCProgram whole = replay.Read(path);
+        const ZELKinNCPlySet plySet = replay.ReadPlySet(path);
+        ExpectSameIrregularities(whole.irregularities, plySet.irregularities);
+        ASSERT_EQ(whole.plies.size(), plies);
+        ASSERT_EQ(plySet.plies.size(), plies);
+        for (int i = 0; i < plies; ++i) {
+            EXPECT_EQ(plySet.plies.at(i).plyNumber, whole.plies.at(i).plyNumber);
+            EXPECT_EQ(plySet.plies.at(i).procedure, whole.plies.at(i).procedure);
+            ExpectSamePly(whole.plies.at(i), replay.ReadPly(plySet.plies.at(i)));
+        }
+    }
+
     NCFixture f;
     QTemporaryDir m_folder;
 };
@@ -143,19 +207,11 @@ TEST_F(ZELKinNCReplayTest, EveryLineWithAnAxisWordIsAMotionInTheOrderOfTheFile)
     QList<unsigned> lines;
     for (const ZELKinNCMotion& motion : ply.motions)
         lines.append(motion.line);
-    const QStringList starts{QStringLiteral("N1G641 ADIS=OFF_PART X10"),
-                             QStringLiteral("N1G1G9Z1.0000F100"),
-                             QStringLiteral("N2M69G1X11"),
-                             QStringLiteral("N3M69G1X12"),
-                             QStringLiteral("N5M69G1X13"),
-                             QStringLiteral("N6G1G642"),
-                             QStringLiteral("N7G1G641"),
-                             QStringLiteral("N10G1G642"),
-                             QStringLiteral("N12G1G642"),
-                             QStringLiteral("N1G641 ADIS=OFF_PART X16"),
-                             QStringLiteral("N1G1G9Z1.0000U10"),
-                             QStringLiteral("N2G1X17"),
-                             QStringLiteral("N3G1G641"),
+    const QStringList starts{QStringLiteral("N1G641 ADIS=OFF_PART X10"), QStringLiteral("N1G1G9Z1.0000F100"),
+                             QStringLiteral("N2M69G1X11"), QStringLiteral("N3M69G1X12"), QStringLiteral("N5M69G1X13"),
+                             QStringLiteral("N6G1G642"), QStringLiteral("N7G1G641"), QStringLiteral("N10G1G642"),
+                             QStringLiteral("N12G1G642"), QStringLiteral("N1G641 ADIS=OFF_PART X16"),
+                             QStringLiteral("N1G1G9Z1.0000U10"), QStringLiteral("N2G1X17"), QStringLiteral("N3G1G641"),
                              // The retract's lift off the part, the link's first move.
                              QStringLiteral("N3G1G641 ADIS=OFF_PART M5M18Z5"),
                              QStringLiteral("N4G1G642 ADIS=OFF_PART Z10")};
@@ -343,6 +399,56 @@ TEST_F(ZELKinNCReplayTest, PostedTextLongerThanTheBoundIsRefusedNamingTheFileTha
     ZELKinNCReplay replay(*f.machine);
     replay.SetMaximumLength(100);
     EXPECT_THROW_MESSAGE(replay.Read(folder), ZELSysException,
+                         QStringLiteral("cannot read %1: the posted NC is longer than 100 characters, the most that "
+                                        "is read")
+                             .arg(QDir(folder).filePath(kPlyFile)));
+}
+
+TEST_F(ZELKinNCReplayTest, APlyOfAFolderReadAloneIsTheSamePlyTheWholeReadGives)
+{
+    const QString folder = PostFolder();
+    QString second = ZELTest::Golden(kPlyFile);
+    second.replace(QStringLiteral("Z1.0000"), QStringLiteral("Z2.0000"));
+    WriteText(QDir(folder).filePath(QStringLiteral("PART#0102.PPF")), second);
+    WriteText(QDir(folder).filePath(QStringLiteral("PART#0103.PPF")), ZELTest::Golden(kPlyFile));
+    WriteText(QDir(folder).filePath(QStringLiteral("OTHER.PPSF")), ZELTest::Golden(kProgramSetFile));
+    QString programSet = ZELTest::Golden(kProgramSetFile);
+    programSet.replace(QStringLiteral("; 0101, Ply A\n"), QStringLiteral("; 0101, Ply A\n; 0102, Ply B\n"));
+    WriteText(QDir(folder).filePath(QStringLiteral("A.PPSF")), programSet);
+    // A.PPSF lists 0101 and 0102; 0103 and the second program set do not belong.
+    ExpectEachPlyReadAloneAsWhole(folder, 2);
+    EXPECT_EQ(ZELKinNCReplay(*f.machine).ReadPlySet(folder).irregularities.size(), 3);
+}
+
+TEST_F(ZELKinNCReplayTest, APlyOfABundleReadAloneIsTheSamePlyTheWholeReadGives)
+{
+    QString text = ZELTest::Golden(QStringLiteral("KIT.bun"));
+    const qsizetype plyStart = text.indexOf(QStringLiteral(">>>>> Filename|KIT#0101.PPF|"));
+    const qsizetype plyEnd = text.indexOf(QStringLiteral("\n"),
+                                          text.indexOf(QStringLiteral(">>>>> End of File <<<<<"), plyStart));
+    ASSERT_GE(plyStart, 0);
+    ASSERT_GE(plyEnd, 0);
+    // A second ply section, its lines those of the first with other numbers.
+    QString second = text.mid(plyStart, plyEnd + 1 - plyStart);
+    second.replace(QStringLiteral("KIT#0101.PPF"), QStringLiteral("KIT#0102.PPF"));
+    second.replace(QStringLiteral("Z1.0000"), QStringLiteral("Z2.0000"));
+    text.insert(plyEnd + 1, second);
+    text.replace(QStringLiteral("; 0101, Ply K\n"), QStringLiteral("; 0101, Ply K\n; 0102, Ply L\n"));
+    const QString bundle = QDir(m_folder.path()).filePath(QStringLiteral("KIT.bun"));
+    WriteText(bundle, text);
+    ExpectEachPlyReadAloneAsWhole(bundle, 2);
+}
+
+TEST_F(ZELKinNCReplayTest, TheListOfPliesReadsNoPlyFileAndEachPlyIsBoundOnItsOwn)
+{
+    const QString folder = PostFolder();
+    ZELKinNCReplay replay(*f.machine);
+    replay.SetMaximumLength(100);
+    const ZELKinNCPlySet plySet = replay.ReadPlySet(folder);
+    ASSERT_EQ(plySet.plies.size(), 1);
+    EXPECT_EQ(plySet.plies.first().path, QDir(folder).filePath(kPlyFile));
+    EXPECT_EQ(plySet.plies.first().firstLine, 0u);
+    EXPECT_THROW_MESSAGE(replay.ReadPly(plySet.plies.first()), ZELSysException,
                          QStringLiteral("cannot read %1: the posted NC is longer than 100 characters, the most that "
                                         "is read")
                              .arg(QDir(folder).filePath(kPlyFile)));

@@ -17,6 +17,7 @@
 #include <zeltestsupport.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramreader.h>
+#include <zeltpprogramstream.h>
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -100,6 +101,57 @@ protected:
         }
         ADD_FAILURE() << "the ply has too few lines along its courses";
         return 0;
+    }
+
+    static constexpr const char* kToolpathFile = ZELKIN_EXAMPLES_DIR "/toolpaths/flat-panel.json";
+
+    // `nc` handed over one ply at a time; `reads` tells which ply was read
+    // and `handled` which was handed back, in the order they happened.
+    static ZELKinVerifier::NCSource OneAtATime(const ZELKinNCProgram& nc, QStringList& events)
+    {
+        ZELKinVerifier::NCSource source = ZELKinVerifier::NCSource::Whole(nc);
+        source.readPly = [&nc, &events](int index) {
+            events.append(QStringLiteral("read ") + nc.plies.at(index).plyNumber);
+            return nc.plies.at(index);
+        };
+        return source;
+    }
+
+    // The same findings in the same order, and the same tallies per ply.
+    static void ExpectSameVerification(const ZELKinVerification& expected, const ZELKinVerification& actual)
+    {
+        ASSERT_EQ(actual.findings.size(), expected.findings.size());
+        for (int i = 0; i < expected.findings.size(); ++i) {
+            const ZELKinVerifyFinding& wanted = expected.findings.at(i);
+            const ZELKinVerifyFinding& got = actual.findings.at(i);
+            EXPECT_EQ(got.check, wanted.check) << i;
+            EXPECT_EQ(got.plyNumber, wanted.plyNumber) << i;
+            EXPECT_EQ(got.procedure, wanted.procedure) << i;
+            EXPECT_EQ(got.place.course, wanted.place.course) << i;
+            EXPECT_EQ(got.place.point, wanted.place.point) << i;
+            EXPECT_EQ(got.place.file, wanted.place.file) << i;
+            EXPECT_EQ(got.place.line, wanted.place.line) << i;
+            EXPECT_EQ(got.subject, wanted.subject) << i;
+            EXPECT_EQ(got.message, wanted.message) << i;
+            EXPECT_EQ(got.warning, wanted.warning) << i;
+            EXPECT_TRUE(ZELTest::SameDouble(wanted.value, got.value, ZELTest::kExact)) << i;
+            EXPECT_TRUE(ZELTest::SameDouble(wanted.limit, got.limit, ZELTest::kExact)) << i;
+        }
+        ASSERT_EQ(actual.plies.size(), expected.plies.size());
+        for (int i = 0; i < expected.plies.size(); ++i) {
+            const ZELKinVerifiedPly& wanted = expected.plies.at(i);
+            const ZELKinVerifiedPly& got = actual.plies.at(i);
+            EXPECT_EQ(got.plyNumber, wanted.plyNumber);
+            EXPECT_EQ(got.procedure, wanted.procedure);
+            EXPECT_EQ(got.courses, wanted.courses);
+            EXPECT_EQ(got.motionLines, wanted.motionLines);
+            EXPECT_EQ(got.matchedLines, wanted.matchedLines);
+            EXPECT_EQ(got.findings, wanted.findings);
+            EXPECT_EQ(got.courseTallies.size(), wanted.courseTallies.size());
+            EXPECT_TRUE(ZELTest::SameDouble(wanted.centre.value, got.centre.value, ZELTest::kExact));
+            EXPECT_TRUE(ZELTest::SameDouble(wanted.runTime.seconds, got.runTime.seconds, ZELTest::kExact));
+        }
+        EXPECT_TRUE(ZELTest::SameDouble(expected.runTime.seconds, actual.runTime.seconds, ZELTest::kExact));
     }
 
     static std::unique_ptr<Posted> s_posted;
@@ -303,6 +355,54 @@ TEST_F(ZELKinVerifierTest, WhatTheReadBackFoundIrregularIsAFindingOfItsOwnCheck)
     EXPECT_EQ(codes.first().place.line, 42u);
     EXPECT_EQ(codes.first().subject, QStringLiteral("M0"));
     EXPECT_EQ(codes.first().message, QStringLiteral("M0 stops the program between the ply's motion lines"));
+}
+
+TEST_F(ZELKinVerifierTest, ThePostedPanelCheckedOnePlyAndProcedureAtATimeGivesWhatTheWholeChecksGive)
+{
+    ZELTPProgramStream stream;
+    stream.Open(QString::fromUtf8(kToolpathFile));
+    const ZELKinNCReplay replay(*s_posted->machine);
+    const ZELKinVerifier verifier(*s_posted->machine, ZELKinVerifyGates());
+    const ZELKinVerification byPly = verifier.Verify(ZELKinVerifier::ToolpathSource::ByProcedure(stream),
+                                                     ZELKinVerifier::NCSource::ByPly(replay, s_posted->folder.path()));
+    EXPECT_EQ(byPly.GetNumFailures(), 0) << byPly.findings.value(0).message.toStdString();
+    ExpectSameVerification(Verify(s_posted->nc), byPly);
+}
+
+// Ply 0102 lays what 0101 lays, 0103 a procedure the toolpath does not
+// have, and 0104 is off by a tenth of an inch: the procedures of 0102 and
+// 0103 have no ply file.
+TEST_F(ZELKinVerifierTest, AFailingProgramCheckedOnePlyAndProcedureAtATimeGivesTheWholeChecksFindingsInOrder)
+{
+    ZELKinNCProgram nc = s_posted->nc;
+    ASSERT_EQ(nc.plies.size(), 4);
+    nc.plies[1].procedure = nc.plies.at(0).procedure;
+    nc.plies[2].procedure = QStringLiteral("Nowhere");
+    ZELKinNCPlyFile& off = nc.plies[3];
+    off.motions[MotionAlongACourse(off, 3)].values[IndexOf(QStringLiteral("X"))] += 0.1 * kInch;
+    nc.irregularities.append(ZELKinNCIrregularity{QStringLiteral("program"), off.path, 0, 0, QStringLiteral("X.PPSF"),
+                                                  QStringLiteral("a second program-set file")});
+
+    ZELTPProgramStream stream;
+    stream.Open(QString::fromUtf8(kToolpathFile));
+    QStringList events;
+    const ZELKinVerification byPly = ZELKinVerifier(*s_posted->machine, ZELKinVerifyGates())
+                                         .Verify(ZELKinVerifier::ToolpathSource::ByProcedure(stream),
+                                                 OneAtATime(nc, events), [&events](ZELKinVerifiedPly& ply) {
+                                                     events.append(QStringLiteral("checked ") + ply.plyNumber);
+                                                     ply.lines.clear();
+                                                 });
+    const ZELKinVerification whole = Verify(nc);
+    EXPECT_GT(whole.GetNumFailures(), 4);
+    ExpectSameVerification(whole, byPly);
+    // Each ply is read once and handed back before the next is read; the
+    // ply of no procedure comes last.
+    EXPECT_EQ(events,
+              QStringList({QStringLiteral("read 0101"), QStringLiteral("checked 0101"), QStringLiteral("read 0102"),
+                           QStringLiteral("checked 0102"), QStringLiteral("read 0104"), QStringLiteral("checked 0104"),
+                           QStringLiteral("read 0103"), QStringLiteral("checked 0103")}));
+    for (const ZELKinVerifiedPly& ply : byPly.plies)
+        EXPECT_TRUE(ply.lines.isEmpty()) << ply.plyNumber.toStdString();
 }
 
 } // namespace

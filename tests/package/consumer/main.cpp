@@ -13,6 +13,7 @@
 
 #include <QBuffer>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -41,6 +42,24 @@ ZELKinMachine* Load(ZELGeoContainer& container, QByteArray text)
     return ZELKinMachineLoader(&container).LoadFromXML(&device);
 }
 
+// Whether the two posts wrote files of the same names and the same ply
+// files; the program-set and probing files print the time of posting.
+bool SamePlyFiles(const QString& first, const QString& second)
+{
+    QDirIterator files(first, QDir::Files, QDirIterator::Subdirectories);
+    int plies = 0;
+    while (files.hasNext()) {
+        const QString path = files.next();
+        QFile mine(path);
+        QFile theirs(QDir(second).filePath(QDir(first).relativeFilePath(path)));
+        if (!mine.open(QIODevice::ReadOnly) || !theirs.open(QIODevice::ReadOnly))
+            return false;
+        if (path.endsWith(QLatin1String(".PPF")) && (++plies, mine.readAll() != theirs.readAll()))
+            return false;
+    }
+    return plies > 0;
+}
+
 int Fail(const char* what)
 {
     std::fprintf(stderr, "zelkin_host: %s\n", what);
@@ -61,6 +80,10 @@ int CheckPosting(const QString& machinePath, const QString& toolpathPath)
         return Fail("the progress lines did not reach the host's handler");
     if (QDir(output).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() != 1)
         return Fail("the NC files were not written");
+    const QString byProcedure = QDir(directory.path()).filePath(QStringLiteral("by-procedure"));
+    PostToolpathByProcedure(machinePath, toolpathPath, byProcedure);
+    if (!SamePlyFiles(output, byProcedure))
+        return Fail("the post one procedure at a time wrote other files or other ply files");
 
     QFile blocker(QDir(directory.path()).filePath(QStringLiteral("a file")));
     if (!blocker.open(QIODevice::WriteOnly))

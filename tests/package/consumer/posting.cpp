@@ -11,12 +11,14 @@
 #include <ZELKinematics/zelkinprogram.h>
 #include <ZELKinematics/zelkinprogramcheck.h>
 #include <ZELKinematics/zelkinsolver.h>
+#include <ZELKinematics/zelkinstreamingpost.h>
 #include <ZELKinematics/zelkintranslator.h>
 #include <ZELKinematics/zelkinwriter.h>
 #include <ZELKinematics/zelsysexception.h>
 #include <ZELKinematics/zelsysprogress.h>
 #include <ZELKinematics/zeltpprogram.h>
 #include <ZELKinematics/zeltpprogramreader.h>
+#include <ZELKinematics/zeltpprogramstream.h>
 
 #include <QFile>
 
@@ -58,4 +60,24 @@ QStringList PostToolpath(const QString& machinePath, const QString& toolpathPath
 
     ZELSysProgress::SetLineHandler(ZELSysProgress::LineHandler());
     return lines;
+}
+
+void PostToolpathByProcedure(const QString& machinePath, const QString& toolpathPath, const QString& output)
+{
+    ZELTPProgramStream toolpath;
+    toolpath.Open(toolpathPath);
+    // Each procedure is solved for a machine of its own, in its own container.
+    const auto loadMachine = [machinePath](ZELGeoContainer* container) {
+        QFile file(machinePath);
+        if (!file.open(QIODevice::ReadOnly))
+            throw ZELSysException(QStringLiteral("cannot open %1").arg(machinePath));
+        return qobject_cast<ZELKinAFPMachine*>(ZELKinMachineLoader(container).LoadFromXML(&file));
+    };
+    ZELKinStreamingPost post(loadMachine, &toolpath);
+    post.SetThreadCount(2);
+    ZELKinWriter writer;
+    writer.SetFileErrorMode(ZELKinWriter::FileErrorThrows);
+    const ZELKinProgramCheck::Findings findings = post.Post(writer, output, QStringLiteral("AFPGCode"), QString());
+    if (!findings.IsClean())
+        throw ZELSysException(findings.first.first().GetText());
 }

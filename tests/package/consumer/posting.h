@@ -8,5 +8,8 @@
 //! library's progress lines. Throws ZELSysException on any failure, a file
 //! that cannot be written included.
 QStringList PostToolpath(const QString& machinePath, const QString& toolpathPath, const QString& output);
+//! Posts the same one procedure at a time (ZELKinStreamingPost), holding
+//! two at most. Throws ZELSysException on any failure.
+void PostToolpathByProcedure(const QString& machinePath, const QString& toolpathPath, const QString& output);
 
 #endif // POSTING_H

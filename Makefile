@@ -3,7 +3,7 @@
 #               and write its HTML report
 #   make test   set up, build, and run the whole test suite through CTest
 # and two for the benchmarks (an optimised build of their own, in build-bench):
-#   make bench        every benchmark at every size, one table of the targets (10 to 20 minutes)
+#   make bench        every benchmark at every size, one table of the targets (about 40 minutes)
 #   make bench-quick  the smallest sizes only, in under a minute once built
 #
 # Set-up installs only the Debian packages that are missing, without asking.

@@ -106,6 +106,39 @@ void ZELKinStreamingPostPrivate::CountPositions(const ZELKinProgram* program)
     }
 }
 
+// The procedures are taken in order: while one is written, the next ones
+// are prepared on threads of their own, so that no more than the thread
+// count are held at once.
+void ZELKinStreamingPostPrivate::PostParts(ZELKinWriter& writer, QStringList& phaseLines,
+                                           ZELKinProgramCheck::Findings& omitted, ZELKinProgramCheck::Findings& others)
+{
+    const auto launch = threadCount > 1 ? std::launch::async : std::launch::deferred;
+    std::deque<std::future<Part>> running;
+    const int count = toolpath->GetNumProcedures();
+    int next = 0;
+    for (int index = 0; index < count; ++index) {
+        while (next < count && running.size() < std::size_t(threadCount)) {
+            const int prepared = next++;
+            running.push_back(std::async(launch, [this, prepared] { return Prepare(prepared); }));
+        }
+        Part part = running.front().get();
+        running.pop_front();
+        for (const QString& line : std::as_const(phaseLines))
+            ZELKinSolver::PrintProgressLine(line);
+        phaseLines.clear();
+        for (const QString& line : std::as_const(part.lines))
+            ZELKinSolver::PrintProgressLine(line);
+        if (inspection)
+            inspection(index, part.toolpath->GetProcedure(0));
+        (part.omitted ? omitted : others).Append(part.findings);
+        RemoveProceduresWithProblems(part);
+        if (keepGoing || (omitted.IsClean() && others.IsClean())) {
+            writer.Add(part.program);
+            CountPositions(part.program);
+        }
+    }
+}
+
 ZELKinStreamingPost::ZELKinStreamingPost(MachineLoader loader, const ZELTPProgramStream* toolpath)
     : ZELKinStreamingPost(new ZELKinStreamingPostPrivate(this, std::move(loader), toolpath))
 {
@@ -148,10 +181,8 @@ QHash<QString, qint64> ZELKinStreamingPost::GetPositionsByProcedure() const
     return d->positionsByProcedure;
 }
 
-// The procedures are taken in order: while one is written, the next ones
-// are prepared on threads of their own, so that no more than the thread
-// count are held at once. A whole-program check lists the problems of the
-// procedures that could not be solved first.
+// A whole-program check lists the problems of the procedures that could not
+// be solved first. A failure puts nothing in place.
 ZELKinProgramCheck::Findings ZELKinStreamingPost::Post(ZELKinWriter& writer, const QString& path, const QString& format,
                                                        const QString& options)
 {
@@ -165,30 +196,11 @@ ZELKinProgramCheck::Findings ZELKinStreamingPost::Post(ZELKinWriter& writer, con
 
     ZELKinProgramCheck::Findings omitted;
     ZELKinProgramCheck::Findings others;
-    const auto launch = d->threadCount > 1 ? std::launch::async : std::launch::deferred;
-    std::deque<std::future<ZELKinStreamingPostPrivate::Part>> running;
-    const int count = d->toolpath->GetNumProcedures();
-    int next = 0;
-    for (int index = 0; index < count; ++index) {
-        while (next < count && running.size() < std::size_t(d->threadCount)) {
-            const int prepared = next++;
-            running.push_back(std::async(launch, [d, prepared] { return d->Prepare(prepared); }));
-        }
-        ZELKinStreamingPostPrivate::Part part = running.front().get();
-        running.pop_front();
-        for (const QString& line : std::as_const(phaseLines))
-            ZELKinSolver::PrintProgressLine(line);
-        phaseLines.clear();
-        for (const QString& line : std::as_const(part.lines))
-            ZELKinSolver::PrintProgressLine(line);
-        if (d->inspection)
-            d->inspection(index, part.toolpath->GetProcedure(0));
-        (part.omitted ? omitted : others).Append(part.findings);
-        ZELKinStreamingPostPrivate::RemoveProceduresWithProblems(part);
-        if (d->keepGoing || (omitted.IsClean() && others.IsClean())) {
-            writer.Add(part.program);
-            d->CountPositions(part.program);
-        }
+    try {
+        d->PostParts(writer, phaseLines, omitted, others);
+    } catch (...) {
+        writer.Abandon();
+        throw;
     }
     for (const QString& line : std::as_const(phaseLines))
         ZELKinSolver::PrintProgressLine(line);

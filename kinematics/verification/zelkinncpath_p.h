@@ -30,6 +30,10 @@ public:
     void Add(const ZELMathPoint& centre, unsigned line);
 
     bool IsEmpty() const { return m_vertices.isEmpty(); }
+    int GetNumVertices() const { return int(m_vertices.size()); }
+    //! Where the next NearestTo searches first: around the vertex
+    //! `vertex`, where the caller knows the point is passed.
+    void SetHint(int vertex) { m_hint = vertex; }
     //! The line of the vertex `vertex`.
     unsigned LineOf(int vertex) const { return m_lines.at(vertex); }
 

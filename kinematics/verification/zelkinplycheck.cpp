@@ -448,6 +448,8 @@ void ZELKinPlyCheck::AddToPath(const ZELKinNCMotion& motion, const ZELMathPoint&
             m_paths[motion.course].Add(*m_lastCentre, m_lastLine);
     }
     m_paths[motion.course].Add(centre, motion.line);
+    if (motion.link >= 0 && !m_linkStarts.contains(motion.link))
+        m_linkStarts.insert(motion.link, m_plyPath.GetNumVertices());
     m_plyPath.Add(centre, motion.line);
     if (ZELKinNCPath::IsFinite(centre)) {
         m_lastCentre = centre;
@@ -509,6 +511,11 @@ void ZELKinPlyCheck::CheckEveryLinkPointIsPassed()
         return;
     for (int link = 1; link < m_plan->links.size(); ++link) {
         const QList<ZELMathPoint>& centres = m_plan->links.at(link);
+        // The search starts where the link's own lines do (the course's
+        // last line stands just before them): a ply of thousands of
+        // courses is not searched whole for each point.
+        if (m_linkStarts.contains(link))
+            m_plyPath.SetHint(m_linkStarts.value(link));
         for (int i = 0; i < centres.size(); ++i) {
             const ZELKinNCPath::Nearest nearest = m_plyPath.NearestTo(centres.at(i), m_gates.centre);
             const ZELKinVerifyPlace place{link, i + 1, m_ply.path, m_plyPath.LineOf(nearest.end)};

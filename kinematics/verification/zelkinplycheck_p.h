@@ -8,6 +8,7 @@
 
 #include <zelkinncreplay.h>
 
+#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QString>
@@ -135,6 +136,8 @@ private:
     QMap<int, ZELKinNCPath> m_paths;
     //! The roller centre's path through every line of the ply.
     ZELKinNCPath m_plyPath;
+    //! Per link, the vertex of the ply's path where its lines begin.
+    QHash<int, int> m_linkStarts;
     std::optional<ZELMathPoint> m_lastCentre;
     unsigned m_lastLine = 0;
     int m_matchedCourse = 0;

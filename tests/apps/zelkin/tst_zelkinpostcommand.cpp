@@ -724,8 +724,9 @@ TEST_P(ZELKinPostCommandLayout, OneProcedureAtATimeWritesTheBytesOfTheWholeProgr
     for (const QByteArray& bytes : expected)
         EXPECT_FALSE(bytes.isEmpty());
     EXPECT_EQ(ContentsBelow(byProcedure), expected);
-    if (GetParam().ply)
+    if (GetParam().ply) {
         EXPECT_EQ(FilesBelow(byProcedure).filter(QStringLiteral("_procedures/")).size(), 1);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Examples, ZELKinPostCommandLayout, ::testing::ValuesIn(kLayouts),

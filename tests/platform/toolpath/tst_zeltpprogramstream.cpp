@@ -192,8 +192,9 @@ TEST_P(ZELTPProgramStreamMalformed, RefusedWithTheReadersMessageAndNothingLeftIn
     }
     ASSERT_TRUE(message.has_value());
     EXPECT_EQ(*message, expected);
-    if (container)
+    if (container) {
         EXPECT_EQ(container->GetNumGeometries(), 0);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, ZELTPProgramStreamMalformed, ::testing::ValuesIn(kMalformed),

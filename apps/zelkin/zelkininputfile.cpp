@@ -1,8 +1,10 @@
 #include "zelkininputfile.h"
 
 #include <zelsysprogress.h>
-#include <zeltpformatexception.h>
 #include <zeltpprogramreader.h>
+#include <zeltpprogramstream.h>
+
+#include <QFileInfo>
 
 namespace {
 
@@ -26,15 +28,20 @@ QString ZELKinInputFile::GetName(const QString& path)
     return path == StandardInputPath ? QStringLiteral("standard input") : path;
 }
 
+bool ZELKinInputFile::CanBeReadAgain(const QString& path)
+{
+    const QFileInfo info(path);
+    return info.isFile() || info.isDir();
+}
+
 ZELTPProgram* ZELKinInputFile::ReadToolpath(ZELGeoContainer* container, const QString& path, qint64 maximumBytes)
 {
     const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
-    try {
-        return ZELTPProgramReader(container).Read(path, maximumBytes);
-    } catch (const ZELTPFormatException& error) {
-        const QString name = GetName(error.GetSourceName());
-        if (name == error.GetSourceName())
-            throw;
-        throw ZELTPFormatException(name, error.GetLocation(), error.GetProblem());
-    }
+    return NamingTheFile([&] { return ZELTPProgramReader(container).Read(path, maximumBytes); });
+}
+
+void ZELKinInputFile::OpenToolpath(ZELTPProgramStream& stream, const QString& path)
+{
+    const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
+    NamingTheFile([&] { stream.Open(path); });
 }

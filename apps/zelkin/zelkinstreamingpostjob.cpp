@@ -12,9 +12,7 @@
 #include <zelkinstreamingpost.h>
 #include <zelsysexception.h>
 #include <zelsysprogress.h>
-#include <zeltpformatexception.h>
 
-#include <QFileInfo>
 #include <QThread>
 
 #include <algorithm>
@@ -22,7 +20,7 @@
 
 bool ZELKinStreamingPostJob::CanStream(const QString& machinePath, const QString& toolpathPath)
 {
-    return QFileInfo(machinePath).isFile() && QFileInfo(toolpathPath).isFile();
+    return ZELKinInputFile::CanBeReadAgain(machinePath) && ZELKinInputFile::CanBeReadAgain(toolpathPath);
 }
 
 ZELKinStreamingPostJob::ZELKinStreamingPostJob(const Input& input)
@@ -30,13 +28,7 @@ ZELKinStreamingPostJob::ZELKinStreamingPostJob(const Input& input)
     , m_machine(ZELKinMachineFile::Load(&m_container, input.machinePath))
 {
     const std::unique_ptr<ZELKinSolver> solver(ZELKinTranslationJob::CreateSolver(*m_machine));
-    const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
-    try {
-        m_toolpath.Open(input.toolpathPath);
-    } catch (const ZELTPFormatException& error) {
-        throw ZELTPFormatException(ZELKinInputFile::GetName(error.GetSourceName()), error.GetLocation(),
-                                   error.GetProblem());
-    }
+    ZELKinInputFile::OpenToolpath(m_toolpath, input.toolpathPath);
     const int largest = m_toolpath.GetLargestProcedure();
     m_inFlight = ZELKinPostMemory::ChooseProceduresInFlight(
         ZELKinPostMemory::ToolpathSizes{ZELKinInputFile::GetName(input.toolpathPath), m_toolpath.GetFileBytes(),
@@ -57,12 +49,7 @@ void ZELKinStreamingPostJob::Post(ZELKinWriter& writer, const QDateTime& now, co
     ZELKinTowWidthWarning towWidth(m_machine->GetTowWidth());
     post.SetProcedureInspection(
         [&towWidth](int index, const ZELTPProcedure* procedure) { towWidth.Inspect(index, procedure); });
-    try {
-        m_findings = post.Post(writer, path, format, options);
-    } catch (const ZELTPFormatException& error) {
-        throw ZELTPFormatException(ZELKinInputFile::GetName(error.GetSourceName()), error.GetLocation(),
-                                   error.GetProblem());
-    }
+    m_findings = ZELKinInputFile::NamingTheFile([&] { return post.Post(writer, path, format, options); });
     m_positions = post.GetPositionsByProcedure();
     ZELSysProgress::WriteLine(
         QStringLiteral("Posted one procedure at a time, at most %1 held at once").arg(m_inFlight));

@@ -11,11 +11,8 @@
 #include <zelgeocontainer.h>
 #include <zelkinafpmachine.h>
 #include <zelkinncreplay.h>
-#include <zelsysprogress.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramstream.h>
-
-#include <QFileInfo>
 
 #include <QtGlobal>
 #include <QtMath>
@@ -90,14 +87,6 @@ void KeepUntilExit(std::unique_ptr<ZELGeoContainer> container)
     kept->push_back(std::move(container));
 }
 
-// Only a file or a folder can be read again, one procedure or ply at a
-// time; standard input, a pipe or a device is read once, whole.
-bool IsReadAgain(const QString& path)
-{
-    const QFileInfo info(path);
-    return info.isFile() || info.isDir();
-}
-
 void RequireProceduresOfAtMost(const ZELTPProgramStream& stream, qint64 maximumBytes)
 {
     const qint64 largest = stream.GetProcedureBytes(stream.GetLargestProcedure());
@@ -156,13 +145,11 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
 
 ZELKinVerifier::ToolpathSource ZELKinVerificationJob::ReadToolpath(const QString& path, qint64 maximumBytes)
 {
-    if (!IsReadAgain(path))
+    if (!ZELKinInputFile::CanBeReadAgain(path))
         return ZELKinVerifier::ToolpathSource::Whole(
             *ReadInput([&] { return ZELKinInputFile::ReadToolpath(m_container.get(), path, maximumBytes); }));
-    ReadInput([&] {
-        const ZELSysProgress reading(QStringLiteral("Reading the toolpath"), QString(), 0);
-        m_toolpathStream.Open(path);
-    });
+    // Standard input, a pipe or a device is read once, whole, above.
+    ReadInput([&] { ZELKinInputFile::OpenToolpath(m_toolpathStream, path); });
     RequireProceduresOfAtMost(m_toolpathStream, maximumBytes);
     return ZELKinVerifier::ToolpathSource::ByProcedure(m_toolpathStream);
 }
@@ -171,7 +158,7 @@ ZELKinVerifier::NCSource ZELKinVerificationJob::ReadNC(const QString& path, qint
 {
     m_replay = std::make_unique<ZELKinNCReplay>(*m_machine);
     m_replay->SetMaximumLength(maximumBytes);
-    if (!IsReadAgain(path)) {
+    if (!ZELKinInputFile::CanBeReadAgain(path)) {
         m_wholeNC = ReadInput([&] { return m_replay->Read(path); });
         return ZELKinVerifier::NCSource::Whole(m_wholeNC);
     }

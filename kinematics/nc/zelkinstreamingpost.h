@@ -29,9 +29,11 @@ class ZELTPProgramStream;
 
     Up to SetThreadCount procedures are held at once: the others are read,
     translated and solved on threads of their own while one is written.
-    The files, the findings and the lines printed are those of the whole
-    program translated, checked and written at once, in the same order
-    (each procedure's progress lines are held until it is written).
+    The files and the findings are those of the whole program translated,
+    checked and written at once. The progress lines are too, but for their
+    order: the phase lines come once, before the first procedure's, and
+    each procedure's solving lines, held until its turn, come right before
+    its "  Writing" line.
 
     The machine is built for each procedure, in its container, by the
     loader given: the machine's own solver must be safe to call from

@@ -856,6 +856,17 @@ struct GeneratedPly
     const QString nc = QDir(work.path()).filePath(QStringLiteral("nc"));
     const QString ply = QDir(nc).filePath(QStringLiteral("cylinder-section/cylinder-section#0101.PPF"));
     const QString report = QDir(work.path()).filePath(QStringLiteral("part.html"));
+
+    // Moves the X word of every numbered line of the ply file (WithXMoved).
+    void MoveEveryX() const
+    {
+        QStringList lines = LinesOfFile(ply);
+        for (QString& line : lines) {
+            if (line.startsWith(QLatin1Char('N')) && HasWord(line, QStringLiteral("X")))
+                line = WithXMoved(line);
+        }
+        WriteText(ply, lines.join(QLatin1Char('\n')));
+    }
 };
 
 TEST(ZELKinReportCommandLarge, ALongPlyIsCutToStretchesThatKeepItsPeaksAndFindings)
@@ -942,12 +953,7 @@ TEST(ZELKinReportCommandLarge, APlyWithThousandsOfFindingsMarksThemAllAndListsEa
     // Every X word of the ply moved by a tenth of an inch: every line of
     // two courses of 1500 points stands off its point.
     const GeneratedPly part(2, 1500);
-    QStringList lines = LinesOfFile(part.ply);
-    for (QString& line : lines) {
-        if (line.startsWith(QLatin1Char('N')) && HasWord(line, QStringLiteral("X")))
-            line = WithXMoved(line);
-    }
-    WriteText(part.ply, lines.join(QLatin1Char('\n')));
+    part.MoveEveryX();
 
     const ZELKinToolRun run = Report(part.toolpath, part.nc, part.report);
     ASSERT_EQ(run.exitCode, 1) << run.standardError.toStdString();
@@ -974,12 +980,7 @@ TEST(ZELKinReportCommandLarge, AMarkStandsForEveryFindingOfItsStretchWhenLinesWi
 {
     // Over two thousand lines with findings, each marked one by one no more.
     const GeneratedPly part(2, 2500);
-    QStringList lines = LinesOfFile(part.ply);
-    for (QString& line : lines) {
-        if (line.startsWith(QLatin1Char('N')) && HasWord(line, QStringLiteral("X")))
-            line = WithXMoved(line);
-    }
-    WriteText(part.ply, lines.join(QLatin1Char('\n')));
+    part.MoveEveryX();
 
     const ZELKinToolRun run = Report(part.toolpath, part.nc, part.report);
     ASSERT_EQ(run.exitCode, 1);

@@ -143,6 +143,24 @@ QString Summarize(const ZELKinPostSummary& summary, const QString& output, const
     return summary.Describe(FilesIn(QDir(output).filePath(name)), output);
 }
 
+// The files are in place once the summary is made: a second post of the
+// same program may already have replaced them, so that they cannot be read
+// back. The post has done its work; the summary is then a warning.
+void PrintSummary(const ZELKinPostSummary& summary, const QString& output, const QString& ply, const QString& name)
+{
+    QString text;
+    try {
+        text = Summarize(summary, output, ply, name);
+    } catch (const ZELSysException& error) {
+        ZELKinConsole::Diagnose(QStringLiteral("warning"),
+                                QStringLiteral("the files were written but could not be read back for the summary "
+                                               "(another post may have replaced them): %1")
+                                    .arg(error.GetMessage()));
+        return;
+    }
+    ZELKinConsole::Print(text);
+}
+
 // The summary's first line goes out before anything is written: a standard
 // output that loses it (a full disk) fails the post while it has written
 // nothing yet.
@@ -287,8 +305,8 @@ int ZELKinPostCommand::PostProcedureByProcedure(const Posting& posting) const
     writer.SetPlyToProcess(ply);
     job.Post(writer, now, posting.output, posting.format, posting.options);
     RequireChosenPly(writer);
-    ZELKinConsole::Print(Summarize(ZELKinPostSummary(*job.GetMachine(), job.GetPositionsByProcedure()), posting.output,
-                                   posting.ply, job.GetName()));
+    PrintSummary(ZELKinPostSummary(*job.GetMachine(), job.GetPositionsByProcedure()), posting.output,
+                 posting.ply, job.GetName());
     job.ThrowIfIncomplete();
     return ZELKinExitStatus::Success;
 }
@@ -324,8 +342,8 @@ int ZELKinPostCommand::PostWholeProgram(const Posting& posting) const
     RequireChosenPly(writer);
     if (trace)
         trace->Commit();
-    ZELKinConsole::Print(Summarize(ZELKinPostSummary(*job.GetMachine(), *job.GetProgram()), posting.output, posting.ply,
-                                   job.GetProgram()->GetOriginalFileName()));
+    PrintSummary(ZELKinPostSummary(*job.GetMachine(), *job.GetProgram()), posting.output, posting.ply,
+                 job.GetProgram()->GetOriginalFileName());
     job.ThrowIfIncomplete();
     return ZELKinExitStatus::Success;
 }

@@ -138,16 +138,20 @@ void ZELKinAFPGCodeAxisWords::WriteAll(ZELKinNCStream& out, const ZELKinPosition
     WriteHeadRecord(out, position, QString());
 }
 
-void ZELKinAFPGCodeAxisWords::WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, Held& held) const
+void ZELKinAFPGCodeAxisWords::WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, Held& held,
+                                         double followingSeconds) const
 {
     if (position)
-        WriteModal(out, position, ValuesOf(position), EffectiveFeed(position), held, QString());
+        WriteModal(out, position, ValuesOf(position), EffectiveFeed(position), held, QString(), followingSeconds);
 }
 
 void ZELKinAFPGCodeAxisWords::WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, const AxisValues& values,
-                                         double feed, Held& held, const QString& towCodes) const
+                                         double feed, Held& held, const QString& towCodes,
+                                         double followingSeconds) const
 {
-    const double seconds = LineSeconds(held, values, feed);
+    // std::fmin passes over a NaN: a following line not known leaves this
+    // line's own time to decide.
+    const double seconds = std::fmin(StepSeconds(held.axes, values, feed), followingSeconds);
     for (qsizetype i = 0; i < axes.size(); ++i) {
         if (std::isnan(values[i]) || std::abs(values[i] - held.axes[i]) <= Allowance(i, seconds))
             continue;
@@ -205,12 +209,12 @@ void ZELKinAFPGCodeAxisWords::SetActualFeed(ZELKinPosition* position, double fee
     position->SetActualFeedrate(feed);
 }
 
-double ZELKinAFPGCodeAxisWords::LineSeconds(const Held& held, const AxisValues& values, double feed) const
+double ZELKinAFPGCodeAxisWords::StepSeconds(const AxisValues& from, const AxisValues& to, double feed) const
 {
     double squared = 0.0;
     for (qsizetype i = 0; i < axes.size(); ++i) {
-        if (axes[i].scale == Scale::Inches && !std::isnan(values[i])) {
-            const double step = values[i] - held.axes[i];
+        if (axes[i].scale == Scale::Inches && !std::isnan(to[i])) {
+            const double step = to[i] - from[i];
             squared += step * step;
         }
     }

@@ -38,8 +38,11 @@ class ZELKinVariable;
     speed or of the slowest slide's (the slides' speed reached through the
     solver's tip reach, GetTipReach). Each rotary axis has 1 / (2 n) of each
     speed, n the number of rotary axes, so that all of them catching up in
-    one line use half of it at most. On lines of common length the 0.001
-    decides alone.
+    one line use half of it at most. The lag is turned by the next line that
+    moves, so the share is taken within the shorter of this line's time and
+    that one's: a long line followed by a very short one (a point split at a
+    tow event) does not leave the short one a lag it cannot turn in time. On
+    lines of common length the 0.001 decides alone.
 */
 class ZELKinAFPGCodeAxisWords
 {
@@ -79,10 +82,14 @@ public:
     void WriteAll(ZELKinNCStream& out, const ZELKinPosition* position,
                   const QStringList& excluded = QStringList()) const;
 
-    //! Writes the words of `position` that `held` does not hold, its feed
-    //! as for WriteAll, then its head record; `held` then holds what was
-    //! written.
-    void WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, Held& held) const;
+    /*!
+        Writes the words of `position` that `held` does not hold, its feed
+        as for WriteAll, then its head record; `held` then holds what was
+        written. `followingSeconds` is the time (s) of the next line that
+        moves, which turns whatever rotary lag this one leaves; NaN when no
+        such line is known, which leaves the lag to this line's own time.
+    */
+    void WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, Held& held, double followingSeconds) const;
     /*!
         The same for a line along a course, for a writer that already knows
         the position's `values` and its `feed` (limited as its tow codes
@@ -90,7 +97,12 @@ public:
         written for them also when the position has no Q angle.
     */
     void WriteModal(ZELKinNCStream& out, const ZELKinPosition* position, const AxisValues& values, double feed,
-                    Held& held, const QString& towCodes) const;
+                    Held& held, const QString& towCodes, double followingSeconds) const;
+
+    //! The time (s) a line from `from` to `to` takes at `feed` (mm/min),
+    //! along the linear axes but the material axis; NaN where it is not
+    //! known.
+    double StepSeconds(const AxisValues& from, const AxisValues& to, double feed) const;
 
     //! The values of `position`'s axes, for a writer that compares and
     //! writes a position more than once; all NaN for a null position.
@@ -130,10 +142,6 @@ private:
         double catchUpRate;
     };
 
-    //! The time a line from what `held` holds to `values` takes at `feed`
-    //! (s), along the linear axes but the material axis; NaN where it is
-    //! not known.
-    double LineSeconds(const Held& held, const AxisValues& values, double feed) const;
     //! How far a word of axis `index` may lie from the value held and still
     //! be left out of a line of `seconds`.
     double Allowance(qsizetype index, double seconds) const;

@@ -178,7 +178,7 @@ ZELKinAFPGCodeAxisWords::Held ZELKinAFPGCodeCourse::WriteApproach(ZELKinNCStream
     out.TracePosition(last);
     out << "N1G641 ADIS=OFF_PART ";
     ZELKinAFPGCodeAxisWords::Held held = words.NothingHeld();
-    words.WriteModal(out, last, held);
+    words.WriteModal(out, last, held, std::numeric_limits<double>::quiet_NaN());
     out << "; Last off part point\n"
         << ";[FROM COURSE]M7; Check if prior course completed\n"
         << ";[END OF CONDITIONAL BLOCKS]\n";
@@ -242,7 +242,8 @@ void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTow
             out << "G9";
         if (i == count - 2)
             out << "G642 ADIS=COURSEND ";
-        words.WriteModal(out, position, values, feed, written.held, codes.text);
+        words.WriteModal(out, position, values, feed, written.held, codes.text,
+                         FollowingSeconds(course, i, values));
         if (firstLine)
             out << ";First point in course";
         firstLine = false;
@@ -263,7 +264,7 @@ void ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTow
         return;
     out.TracePosition(last);
     out << 'N' << last->GetNIndex() << "G1G641 ADIS=OFF_PART M5M18";
-    words.WriteModal(out, last, held);
+    words.WriteModal(out, last, held, RetractFollowingSeconds(course, -1, words.ValuesOf(last)));
     out << ";First off part point\n";
 }
 
@@ -293,7 +294,48 @@ void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCour
         }
         out.TracePosition(position);
         out << 'N' << written.lastCourseLineN + 1 + j << (j == 0 ? "G1G641 ADIS=OFF_PART M5M18" : "G1G642 ADIS=OFF_PART ");
-        words.WriteModal(out, position, values, feed, written.held, QString());
+        words.WriteModal(out, position, values, feed, written.held, QString(),
+                         RetractFollowingSeconds(course, j, values));
         out << '\n';
     }
+}
+
+double ZELKinAFPGCodeCourse::FollowingSeconds(const ZELKinTowCourse* course, int command,
+                                              const ZELKinAFPGCodeAxisWords::AxisValues& values) const
+{
+    const ZELKinAFPGCodeAxisWords::Held from{values, std::numeric_limits<double>::quiet_NaN()};
+    const int count = course->GetNumCommands();
+    for (int j = command + 1; j < count; ++j) {
+        const auto* position = qobject_cast<const ZELKinRollLayupPosition*>(course->GetCommand(j));
+        if (!position)
+            continue;
+        const ZELKinAFPGCodeAxisWords::AxisValues next = words.ValuesOf(position);
+        if (ZELKinAFPGCodeAxisWords::HoldsAxes(from, next))
+            continue;
+        // The last position is the off-part line's, at its own feed.
+        if (j == count - 1)
+            return words.StepSeconds(values, next, ZELKinAFPGCodeAxisWords::EffectiveFeed(position));
+        TowCodes codes;
+        CollectTowCodes(course, j + 1, codes);
+        return words.StepSeconds(values, next, words.LimitFeed(position->GetFeedrate(), codes.afterAdd, codes.afterCut));
+    }
+    return RetractFollowingSeconds(course, -1, values);
+}
+
+double ZELKinAFPGCodeCourse::RetractFollowingSeconds(const ZELKinTowCourse* course, int index,
+                                                     const ZELKinAFPGCodeAxisWords::AxisValues& values) const
+{
+    const ZELKinCourseLink* retract = LinkAt(procedure, course->GetIndex() + 1);
+    if (!retract)
+        return std::numeric_limits<double>::quiet_NaN();
+    const ZELKinAFPGCodeAxisWords::Held from{values, std::numeric_limits<double>::quiet_NaN()};
+    for (int j = index + 1; j < retract->GetNumCommands(); ++j) {
+        const auto* position = qobject_cast<const ZELKinPosition*>(retract->GetCommand(j));
+        if (!position)
+            continue;
+        const ZELKinAFPGCodeAxisWords::AxisValues next = words.ValuesOf(position);
+        if (!ZELKinAFPGCodeAxisWords::HoldsAxes(from, next))
+            return words.StepSeconds(values, next, ZELKinAFPGCodeAxisWords::EffectiveFeed(position));
+    }
+    return std::numeric_limits<double>::quiet_NaN();
 }

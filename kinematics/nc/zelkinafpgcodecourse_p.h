@@ -75,6 +75,20 @@ private:
     void WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,
                           ZELKinAFPGCodeAxisWords::Held& held) const;
     void WriteRetract(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const;
+    /*!
+        The time (s) of the line that turns what a line to `values` leaves
+        out: that of the first position after command `command` of
+        `course`, then of its retract, that does not lie within 0.001 of
+        `values`, at its feed; NaN when none follows. A course position's
+        feed is limited by the tow codes right after it only: codes carried
+        over from positions that give no line could only slow it further.
+    */
+    double FollowingSeconds(const ZELKinTowCourse* course, int command,
+                            const ZELKinAFPGCodeAxisWords::AxisValues& values) const;
+    //! The same after position `index` of the course's retract (-1: before
+    //! its first).
+    double RetractFollowingSeconds(const ZELKinTowCourse* course, int index,
+                                   const ZELKinAFPGCodeAxisWords::AxisValues& values) const;
 
     const ZELKinAFPMachine* const machine;
     const ZELKinRollLayupProcedure* const procedure;

@@ -234,6 +234,61 @@ TEST_F(ZELKinAFPGCodeCourseSlowWristTest, OnLinesOfCommonLengthTheToleranceAlone
                            QStringLiteral("OFF_COURSE_MODE")}));
 }
 
+// A long line followed by a very short one, as a tow event splits a course
+// a few micrometres from a point: the short line turns whatever the long
+// one left out. 0.0001 in at 2540 mm/min takes 0.00006 s, in which A may
+// turn 0.01 rad/s x 0.00006 s = 0.0000006 rad: the A of 0.0008 rad (0.0458
+// deg) the long line could leave out is written on it, not left for the
+// short line to turn at 13 rad/s.
+
+TEST_F(ZELKinAFPGCodeCourseSlowWristTest, ARotaryWordIsWrittenOnALongLineWhenTheShortLineAfterItWouldTurnItsLag)
+{
+    MakePly();
+    At(0)->SetVariableValue(f.a, 0.0);
+    // The cut after this position slows its line to 75 in/min: 0.8 s.
+    At(1)->SetVariableValue(f.a, 0.0008);
+    f.AddTowCommand(Course(), ZELKinTowCommand::Cut, 0x3);
+    At(1.0001)->SetVariableValue(f.a, 0.0009);
+    At(2)->SetVariableValue(f.a, 0.0009);
+    At(3)->SetVariableValue(f.a, 0.0009);
+    EXPECT_EQ(CourseLines(),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N1G1G9A0.0000;First point in course"),
+                           QStringLiteral("N2M69G1X1.0000A0.0458F75;{S3}"), QStringLiteral("N3G1X1.0001A0.0516F100"),
+                           QStringLiteral("N4G1G642 ADIS=COURSEND X2.0000;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseSlowWristTest, TheLastCourseLineWritesARotaryWordThatAShortOffPartLineWouldTurn)
+{
+    MakePly();
+    At(0)->SetVariableValue(f.a, 0.0);
+    At(1)->SetVariableValue(f.a, 0.0008);
+    At(1.0001)->SetVariableValue(f.a, 0.0009);
+    EXPECT_EQ(ZELTest::LinesBetween(Ply(), QStringLiteral("COURSE_MODE"), QStringLiteral("CHECK_M01")),
+              QStringList({QStringLiteral("COURSE_MODE"), QStringLiteral("N1G1G9A0.0000;First point in course"),
+                           QStringLiteral("N2G1G642 ADIS=COURSEND X1.0000A0.0458;Last point in course"),
+                           QStringLiteral("OFF_COURSE_MODE"),
+                           QStringLiteral("N3G1G641 ADIS=OFF_PART M5M18X1.0001A0.0516;First off part point"),
+                           QStringLiteral("CHECK_M01; Check Whether Optional Stopping")}));
+}
+
+TEST_F(ZELKinAFPGCodeCourseSlowWristTest, TheOffPartLineWritesARotaryWordThatAShortRetractLineWouldTurn)
+{
+    MakePly();
+    At(0)->SetVariableValue(f.a, 0.0);
+    ZELKinRollLayupPosition* end = At(1);
+    end->SetVariableValue(f.a, 0.0008);
+    // The retract's first position stands at the course's end and gives no
+    // line; the next moves 0.0001 in.
+    StartRetractAt(end);
+    f.AddLinkPosition(procedure->GetCourseLink(1), {25.4 * 1.0001, 0.0, 0.0}, 2540.0)->SetVariableValue(f.a, 0.0009);
+    EXPECT_EQ(ZELTest::LinesBetween(Ply(), QStringLiteral("N2G1G641"), QStringLiteral("; End of Course")),
+              QStringList({QStringLiteral("N2G1G641 ADIS=OFF_PART M5M18X1.0000A0.0458;First off part point"),
+                           QStringLiteral("CHECK_M01; Check Whether Optional Stopping"),
+                           QStringLiteral("N3G1G642 ADIS=OFF_PART X1.0001A0.0516"),
+                           QStringLiteral("; End of Course #1 Circuit")}));
+}
+
 TEST_F(ZELKinAFPGCodeCourseTest, AFeedCreepingBelow0001APointIsRewrittenEverySecondLine)
 {
     // The feed rises 0.0008 mm/min a point from the 2540 held: F is written

@@ -5,7 +5,6 @@
 
 #include <zelkinverifysummary.h>
 #include <zelsysexception.h>
-#include <zelsysprogress.h>
 
 #include <QFile>
 #include <QFileInfo>
@@ -214,9 +213,11 @@ QString Made(const QDateTime& made)
 } // namespace
 
 ZELKinHtmlReport::ZELKinHtmlReport(const ZELKinAFPMachine& machine, const ZELKinVerification& verification,
-                                   const ZELKinReportSources& sources, const QDateTime& made)
+                                   const QStringList& plyData, const ZELKinReportSources& sources,
+                                   const QDateTime& made)
     : m_machine(machine)
     , m_verification(verification)
+    , m_plyData(plyData)
     , m_sources(sources)
     , m_made(made)
 {
@@ -240,7 +241,7 @@ QString ZELKinHtmlReport::ToHtml() const
     html += GetHeader(findings);
     for (const ZELKinVerifiedPly& ply : m_verification.plies)
         html += GetPlySection(ply, findings.value(ply.plyNumber));
-    html += QStringLiteral("<script type=\"application/json\" id=\"zelkin-report-data\">") + GetData(findings)
+    html += QStringLiteral("<script type=\"application/json\" id=\"zelkin-report-data\">") + GetData()
         + QStringLiteral("</script>\n");
     html += QStringLiteral("<script>\n") + PagePart(QStringLiteral("plotting.js")) + QStringLiteral("</script>\n");
     return html + QStringLiteral("</body>\n</html>\n");
@@ -343,19 +344,8 @@ QString ZELKinHtmlReport::GetPlySection(const ZELKinVerifiedPly& ply, const Find
     return section + QStringLiteral("</section>\n");
 }
 
-QString ZELKinHtmlReport::GetData(const FindingsByPly& findings) const
+QString ZELKinHtmlReport::GetData() const
 {
-    const QList<ZELKinReportPlyData::Axis> axes = ZELKinReportPlyData::AxesOf(m_machine);
-    // Cutting down the plies of a million lines takes the better part of a
-    // second.
-    ZELSysProgress progress(QStringLiteral("Writing the page"), QStringLiteral("plies"), m_verification.plies.size());
-    QStringList plies;
-    for (const ZELKinVerifiedPly& ply : m_verification.plies) {
-        progress.SetItem(QStringLiteral("ply %1").arg(ply.plyNumber));
-        const Findings own = findings.value(ply.plyNumber);
-        plies.append(ZELKinReportPlyData(ply, axes, own).ToJson());
-        progress.Advance(1);
-    }
     return QStringLiteral("{\"plotsExpected\":%1,\"plies\":[%2]}")
-        .arg(QString::number(GetNumPlots()), plies.join(QLatin1Char(',')));
+        .arg(QString::number(GetNumPlots()), m_plyData.join(QLatin1Char(',')));
 }

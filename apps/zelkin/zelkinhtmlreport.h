@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 class ZELKinAFPMachine;
 class ZELKinReportSources;
@@ -37,10 +38,12 @@ class ZELKinReportSources;
 class ZELKinHtmlReport
 {
 public:
-    //! Nothing is owned; all must outlive the report. `made` is when the
-    //! report was made.
+    //! Nothing is owned; all must outlive the report. `plyData` holds the
+    //! data of each of the verification's plies in their order, as
+    //! ZELKinReportPlyData made it from their lines while they were
+    //! checked. `made` is when the report was made.
     ZELKinHtmlReport(const ZELKinAFPMachine& machine, const ZELKinVerification& verification,
-                     const ZELKinReportSources& sources, const QDateTime& made);
+                     const QStringList& plyData, const ZELKinReportSources& sources, const QDateTime& made);
 
     //! The whole page. Throws ZELSysException only when the page's style or
     //! script is not built in.
@@ -61,10 +64,11 @@ private:
     QString GetInputs() const;
     QString GetPlyList(const FindingsByPly& findings) const;
     QString GetPlySection(const ZELKinVerifiedPly& ply, const QList<const ZELKinVerifyFinding*>& findings) const;
-    QString GetData(const FindingsByPly& findings) const;
+    QString GetData() const;
 
     const ZELKinAFPMachine& m_machine;
     const ZELKinVerification& m_verification;
+    const QStringList& m_plyData;
     const ZELKinReportSources& m_sources;
     QDateTime m_made;
 };

@@ -5,8 +5,11 @@
 #include "zelkinconsole.h"
 #include "zelkinhtmlreport.h"
 #include "zelkinoutputfile.h"
+#include "zelkinreportplydata.h"
 #include "zelkinreportsources.h"
 #include "zelkinverificationjob.h"
+
+#include <QMap>
 
 namespace {
 
@@ -89,8 +92,13 @@ int ZELKinReportCommand::Run(const QStringList& arguments)
     const ZELKinArguments parsed(GetName(), arguments, GetOptions());
     parsed.RequireAtMostPositionals(0);
     ZELKinVerificationJob::Input input = ZELKinVerificationJob::GetInput(parsed, GetName());
-    // The page plots every ply's lines.
-    input.keepLines = true;
+    // Each ply's plots are made as soon as it is checked, from its lines,
+    // which are let go before the next ply is read.
+    QMap<int, QString> plyData;
+    input.onPly = [&plyData](const ZELKinAFPMachine& machine, int index, const ZELKinVerifiedPly& ply,
+                             const QList<ZELKinVerifyFinding>& findings) {
+        plyData.insert(index, ZELKinReportPlyData::ToJson(machine, ply, findings));
+    };
     const QString reportPath = OutputPath(parsed, GetName());
     parsed.RequirePaths({OutputOption});
     parsed.RequireNotAnInput(OutputOption, reportPath, ZELKinVerificationJob::GetFileOptions());
@@ -101,7 +109,8 @@ int ZELKinReportCommand::Run(const QStringList& arguments)
     ZELKinOutputFile file(reportPath);
     return ZELKinVerificationJob::Run(input, [&](const ZELKinVerificationJob& job) {
         const ZELKinReportSources sources(input.machinePath, input.toolpathPath, input.ncPath, job.GetVerification());
-        const ZELKinHtmlReport report(*job.GetMachine(), job.GetVerification(), sources, made);
+        const QStringList data = plyData.values();
+        const ZELKinHtmlReport report(*job.GetMachine(), job.GetVerification(), data, sources, made);
         Write(file, report.ToHtml());
         ZELKinConsole::Print(QStringLiteral("Wrote %1: %2\n").arg(reportPath, report.GetResult()));
         return job.GetVerification().IsPassed() ? ZELKinExitStatus::Success : ZELKinExitStatus::Failure;

@@ -358,6 +358,19 @@ QString ZELKinReportPlyData::DescribeCheck(const ZELKinVerifyFinding& finding)
     return finding.warning ? finding.check + QStringLiteral(" (warning)") : finding.check;
 }
 
+QString ZELKinReportPlyData::ToJson(const ZELKinAFPMachine& machine, const ZELKinVerifiedPly& ply,
+                                    const QList<ZELKinVerifyFinding>& findings)
+{
+    const QList<Axis> axes = AxesOf(machine);
+    QList<const ZELKinVerifyFinding*> own;
+    own.reserve(findings.size());
+    for (const ZELKinVerifyFinding& finding : findings) {
+        if (finding.plyNumber == ply.plyNumber)
+            own.append(&finding);
+    }
+    return ZELKinReportPlyData(ply, axes, own).ToJson();
+}
+
 ZELKinReportPlyData::ZELKinReportPlyData(const ZELKinVerifiedPly& ply, const QList<Axis>& axes,
                                          const QList<const ZELKinVerifyFinding*>& findings)
     : m_ply(ply)

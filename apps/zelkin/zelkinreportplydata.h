@@ -70,6 +70,11 @@ public:
     //! The check, with " (warning)" after it for a warning, which does not fail.
     static QString DescribeCheck(const ZELKinVerifyFinding& finding);
 
+    //! The object of `ply`, checked on `machine`, marked with those of
+    //! `findings` that name it (every one of its own must be among them).
+    static QString ToJson(const ZELKinAFPMachine& machine, const ZELKinVerifiedPly& ply,
+                          const QList<ZELKinVerifyFinding>& findings);
+
     //! `findings` are the ply's own, every one of them; nothing is owned,
     //! and all must outlive the data.
     ZELKinReportPlyData(const ZELKinVerifiedPly& ply, const QList<Axis>& axes,

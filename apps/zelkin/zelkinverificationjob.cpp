@@ -138,9 +138,13 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
     const qint64 maximumBytes = ZELKinTranslationJob::GetMaximumToolpathBytes();
     const ZELKinVerifier::ToolpathSource toolpath = ReadToolpath(input.toolpathPath, maximumBytes);
     const ZELKinVerifier::NCSource nc = ReadNC(input.ncPath, maximumBytes);
-    const ZELKinVerifier::PlyHandler dropLines = [](ZELKinVerifiedPly& ply) { ply.lines.clear(); };
-    m_verification = ReadInput(
-        [&] { return verifier->Verify(toolpath, nc, input.keepLines ? ZELKinVerifier::PlyHandler() : dropLines); });
+    const ZELKinVerifier::PlyHandler handOnAndDropLines
+        = [&](int index, ZELKinVerifiedPly& ply, const QList<ZELKinVerifyFinding>& findings) {
+              if (input.onPly)
+                  input.onPly(*m_machine, index, ply, findings);
+              ply.lines.clear();
+          };
+    m_verification = ReadInput([&] { return verifier->Verify(toolpath, nc, handOnAndDropLines); });
 }
 
 ZELKinVerifier::ToolpathSource ZELKinVerificationJob::ReadToolpath(const QString& path, qint64 maximumBytes)

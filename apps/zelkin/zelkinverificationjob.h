@@ -51,10 +51,12 @@ public:
         ZELKinVerifyGates gates;
         //! Show no progress on stderr.
         bool quiet = false;
-        //! Keep every ply's lines (ZELKinVerifiedPly::lines); they are
-        //! dropped once a ply is checked otherwise, so that no more than one
-        //! ply's are held.
-        bool keepLines = false;
+        //! Told of each ply once it is checked, with its lines and findings
+        //! (see ZELKinVerifier::PlyHandler), on the machine read. The lines
+        //! are dropped after it, so that no more than one ply's are held.
+        std::function<void(const ZELKinAFPMachine& machine, int index, const ZELKinVerifiedPly& ply,
+                           const QList<ZELKinVerifyFinding>& findings)>
+            onPly;
     };
 
     //! The options that say what to check: --machine, --toolpath, --nc,

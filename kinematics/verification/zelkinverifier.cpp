@@ -140,7 +140,7 @@ void ZELKinVerifierPrivate::CheckPly(const ZELKinVerifier::NCSource& nc, int ind
     AddRunTime(checked.ply, runTime.Estimate(ply));
     progress.Advance(ply.motions.size());
     if (handler)
-        handler(checked.ply);
+        handler(index, checked.ply, checked.findings);
     checked.isChecked = true;
 }
 

@@ -81,9 +81,13 @@ public:
         std::function<ZELKinNCPlyFile(int index)> readPly;
     };
 
-    //! Told of each ply once it is checked, with its lines; what it leaves
-    //! of the ply is what the verification keeps.
-    using PlyHandler = std::function<void(ZELKinVerifiedPly& ply)>;
+    //! Told of each ply once it is checked, with its lines and the findings
+    //! its check made: every one of its own, and any about the procedure it
+    //! lays, which are the program's and name no ply. `index` is where the
+    //! ply stands in the verification's plies. What it leaves of the ply is
+    //! what the verification keeps.
+    using PlyHandler
+        = std::function<void(int index, ZELKinVerifiedPly& ply, const QList<ZELKinVerifyFinding>& findings)>;
 
     //! `nc` as posted from `toolpath`, read back by ZELKinNCReplay.
     ZELKinVerification Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const;

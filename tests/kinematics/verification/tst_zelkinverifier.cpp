@@ -386,23 +386,44 @@ TEST_F(ZELKinVerifierTest, AFailingProgramCheckedOnePlyAndProcedureAtATimeGivesT
     ZELTPProgramStream stream;
     stream.Open(QString::fromUtf8(kToolpathFile));
     QStringList events;
-    const ZELKinVerification byPly = ZELKinVerifier(*s_posted->machine, ZELKinVerifyGates())
-                                         .Verify(ZELKinVerifier::ToolpathSource::ByProcedure(stream),
-                                                 OneAtATime(nc, events), [&events](ZELKinVerifiedPly& ply) {
-                                                     events.append(QStringLiteral("checked ") + ply.plyNumber);
-                                                     ply.lines.clear();
-                                                 });
+    std::vector<std::string> handedFindings;
+    const auto handler = [&](int index, ZELKinVerifiedPly& ply, const QList<ZELKinVerifyFinding>& findings) {
+        events.append(QStringLiteral("checked %1 as ply %2").arg(ply.plyNumber).arg(index));
+        EXPECT_FALSE(ply.lines.isEmpty()) << ply.plyNumber.toStdString();
+        for (const ZELKinVerifyFinding& finding : findings) {
+            // Which procedure a ply lays is the program's finding: it names
+            // no ply.
+            if (finding.plyNumber.isEmpty())
+                continue;
+            EXPECT_EQ(finding.plyNumber, ply.plyNumber) << finding.message.toStdString();
+            handedFindings.push_back((ply.plyNumber + QStringLiteral(": ") + finding.message).toStdString());
+        }
+        ply.lines.clear();
+    };
+    const ZELKinVerification byPly
+        = ZELKinVerifier(*s_posted->machine, ZELKinVerifyGates())
+              .Verify(ZELKinVerifier::ToolpathSource::ByProcedure(stream), OneAtATime(nc, events), handler);
     const ZELKinVerification whole = Verify(nc);
     EXPECT_GT(whole.GetNumFailures(), 4);
     ExpectSameVerification(whole, byPly);
     // Each ply is read once and handed back before the next is read; the
     // ply of no procedure comes last.
-    EXPECT_EQ(events,
-              QStringList({QStringLiteral("read 0101"), QStringLiteral("checked 0101"), QStringLiteral("read 0102"),
-                           QStringLiteral("checked 0102"), QStringLiteral("read 0104"), QStringLiteral("checked 0104"),
-                           QStringLiteral("read 0103"), QStringLiteral("checked 0103")}));
+    EXPECT_EQ(events, QStringList({QStringLiteral("read 0101"), QStringLiteral("checked 0101 as ply 0"),
+                                   QStringLiteral("read 0102"), QStringLiteral("checked 0102 as ply 1"),
+                                   QStringLiteral("read 0104"), QStringLiteral("checked 0104 as ply 3"),
+                                   QStringLiteral("read 0103"), QStringLiteral("checked 0103 as ply 2")}));
     for (const ZELKinVerifiedPly& ply : byPly.plies)
         EXPECT_TRUE(ply.lines.isEmpty()) << ply.plyNumber.toStdString();
+    // A ply is handed every finding of its own that the whole check makes,
+    // and no other ply's.
+    std::vector<std::string> wholeFindings;
+    for (const ZELKinVerifyFinding& finding : whole.findings) {
+        if (!finding.plyNumber.isEmpty())
+            wholeFindings.push_back((finding.plyNumber + QStringLiteral(": ") + finding.message).toStdString());
+    }
+    std::sort(handedFindings.begin(), handedFindings.end());
+    std::sort(wholeFindings.begin(), wholeFindings.end());
+    EXPECT_EQ(handedFindings, wholeFindings);
 }
 
 } // namespace

@@ -305,8 +305,8 @@ int ZELKinPostCommand::PostProcedureByProcedure(const Posting& posting) const
     writer.SetPlyToProcess(ply);
     job.Post(writer, now, posting.output, posting.format, posting.options);
     RequireChosenPly(writer);
-    PrintSummary(ZELKinPostSummary(*job.GetMachine(), job.GetPositionsByProcedure()), posting.output,
-                 posting.ply, job.GetName());
+    PrintSummary(ZELKinPostSummary(*job.GetMachine(), job.GetPositionsByProcedure()), posting.output, posting.ply,
+                 job.GetName());
     job.ThrowIfIncomplete();
     return ZELKinExitStatus::Success;
 }

@@ -138,12 +138,12 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
     const qint64 maximumBytes = ZELKinTranslationJob::GetMaximumToolpathBytes();
     const ZELKinVerifier::ToolpathSource toolpath = ReadToolpath(input.toolpathPath, maximumBytes);
     const ZELKinVerifier::NCSource nc = ReadNC(input.ncPath, maximumBytes);
-    const ZELKinVerifier::PlyHandler handOnAndDropLines
-        = [&](int index, ZELKinVerifiedPly& ply, const QList<ZELKinVerifyFinding>& findings) {
-              if (input.onPly)
-                  input.onPly(*m_machine, index, ply, findings);
-              ply.lines.clear();
-          };
+    const ZELKinVerifier::PlyHandler handOnAndDropLines = [&](int index, ZELKinVerifiedPly& ply,
+                                                              const QList<ZELKinVerifyFinding>& findings) {
+        if (input.onPly)
+            input.onPly(*m_machine, index, ply, findings);
+        ply.lines.clear();
+    };
     m_verification = ReadInput([&] { return verifier->Verify(toolpath, nc, handOnAndDropLines); });
 }
 

@@ -242,8 +242,7 @@ void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTow
             out << "G9";
         if (i == count - 2)
             out << "G642 ADIS=COURSEND ";
-        words.WriteModal(out, position, values, feed, written.held, codes.text,
-                         FollowingSeconds(course, i, values));
+        words.WriteModal(out, position, values, feed, written.held, codes.text, FollowingSeconds(course, i, values));
         if (firstLine)
             out << ";First point in course";
         firstLine = false;
@@ -317,7 +316,8 @@ double ZELKinAFPGCodeCourse::FollowingSeconds(const ZELKinTowCourse* course, int
             return words.StepSeconds(values, next, ZELKinAFPGCodeAxisWords::EffectiveFeed(position));
         TowCodes codes;
         CollectTowCodes(course, j + 1, codes);
-        return words.StepSeconds(values, next, words.LimitFeed(position->GetFeedrate(), codes.afterAdd, codes.afterCut));
+        return words.StepSeconds(values, next,
+                                 words.LimitFeed(position->GetFeedrate(), codes.afterAdd, codes.afterCut));
     }
     return RetractFollowingSeconds(course, -1, values);
 }

@@ -400,18 +400,19 @@ TEST_F(ZELKinVerifierTest, AFailingProgramCheckedOnePlyAndProcedureAtATimeGivesT
         }
         ply.lines.clear();
     };
-    const ZELKinVerification byPly
-        = ZELKinVerifier(*s_posted->machine, ZELKinVerifyGates())
-              .Verify(ZELKinVerifier::ToolpathSource::ByProcedure(stream), OneAtATime(nc, events), handler);
+    const ZELKinVerification byPly = ZELKinVerifier(*s_posted->machine, ZELKinVerifyGates())
+                                         .Verify(ZELKinVerifier::ToolpathSource::ByProcedure(stream),
+                                                 OneAtATime(nc, events), handler);
     const ZELKinVerification whole = Verify(nc);
     EXPECT_GT(whole.GetNumFailures(), 4);
     ExpectSameVerification(whole, byPly);
     // Each ply is read once and handed back before the next is read; the
     // ply of no procedure comes last.
-    EXPECT_EQ(events, QStringList({QStringLiteral("read 0101"), QStringLiteral("checked 0101 as ply 0"),
-                                   QStringLiteral("read 0102"), QStringLiteral("checked 0102 as ply 1"),
-                                   QStringLiteral("read 0104"), QStringLiteral("checked 0104 as ply 3"),
-                                   QStringLiteral("read 0103"), QStringLiteral("checked 0103 as ply 2")}));
+    EXPECT_EQ(events,
+              QStringList({QStringLiteral("read 0101"), QStringLiteral("checked 0101 as ply 0"),
+                           QStringLiteral("read 0102"), QStringLiteral("checked 0102 as ply 1"),
+                           QStringLiteral("read 0104"), QStringLiteral("checked 0104 as ply 3"),
+                           QStringLiteral("read 0103"), QStringLiteral("checked 0103 as ply 2")}));
     for (const ZELKinVerifiedPly& ply : byPly.plies)
         EXPECT_TRUE(ply.lines.isEmpty()) << ply.plyNumber.toStdString();
     // A ply is handed every finding of its own that the whole check makes,

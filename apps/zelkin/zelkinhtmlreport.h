@@ -38,10 +38,10 @@ class ZELKinReportSources;
 class ZELKinHtmlReport
 {
 public:
-    //! Nothing is owned; all must outlive the report. `plyData` holds the
-    //! data of each of the verification's plies in their order, as
-    //! ZELKinReportPlyData made it from their lines while they were
-    //! checked. `made` is when the report was made.
+    //! `plyData` holds the data of each of the verification's plies in
+    //! their order, as ZELKinReportPlyData made it from their lines while
+    //! they were checked; it is kept. Nothing else is owned, and all must
+    //! outlive the report. `made` is when the report was made.
     ZELKinHtmlReport(const ZELKinAFPMachine& machine, const ZELKinVerification& verification,
                      const QStringList& plyData, const ZELKinReportSources& sources, const QDateTime& made);
 
@@ -68,7 +68,7 @@ private:
 
     const ZELKinAFPMachine& m_machine;
     const ZELKinVerification& m_verification;
-    const QStringList& m_plyData;
+    const QStringList m_plyData;
     const ZELKinReportSources& m_sources;
     QDateTime m_made;
 };

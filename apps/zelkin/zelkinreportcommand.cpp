@@ -109,8 +109,7 @@ int ZELKinReportCommand::Run(const QStringList& arguments)
     ZELKinOutputFile file(reportPath);
     return ZELKinVerificationJob::Run(input, [&](const ZELKinVerificationJob& job) {
         const ZELKinReportSources sources(input.machinePath, input.toolpathPath, input.ncPath, job.GetVerification());
-        const QStringList data = plyData.values();
-        const ZELKinHtmlReport report(*job.GetMachine(), job.GetVerification(), data, sources, made);
+        const ZELKinHtmlReport report(*job.GetMachine(), job.GetVerification(), plyData.values(), sources, made);
         Write(file, report.ToHtml());
         ZELKinConsole::Print(QStringLiteral("Wrote %1: %2\n").arg(reportPath, report.GetResult()));
         return job.GetVerification().IsPassed() ? ZELKinExitStatus::Success : ZELKinExitStatus::Failure;

@@ -147,8 +147,6 @@ bool CopyTo(QIODevice& device, ZELKinNCStream& out)
     }
 }
 
-} // namespace
-
 // The folders on the way to `directory` that do not exist yet, outermost
 // first.
 QStringList MissingFolders(const QString& directory)
@@ -162,6 +160,8 @@ QStringList MissingFolders(const QString& directory)
     }
     return missing;
 }
+
+} // namespace
 
 // What writing one procedure at a time keeps from Begin to Finish: the
 // program-set file's contents and where the files wait for it. Ended

@@ -56,7 +56,7 @@ public:
         //! are dropped after it, so that no more than one ply's are held.
         std::function<void(const ZELKinAFPMachine& machine, int index, const ZELKinVerifiedPly& ply,
                            const QList<ZELKinVerifyFinding>& findings)>
-            onPly;
+            onPly = nullptr;
     };
 
     //! The options that say what to check: --machine, --toolpath, --nc,

@@ -75,7 +75,7 @@ void ZELKinNCPlyRun::ReadComment(unsigned lineNumber, const QString& line)
         return;
     const QString u = event->u.toString();
     CheckNotation(lineNumber, kTowEventWord, u);
-    m_ply.towEvents.append(ZELKinNCTowEvent{lineNumber, m_course, u.toDouble(), event->code.toString(),
+    m_ply.towEvents.append(ZELKinNCTowEvent{lineNumber, m_course, ZELKinNCWords::NumberValue(u), event->code.toString(),
                                             event->tows.toULongLong(nullptr, 16)});
 }
 
@@ -96,7 +96,7 @@ bool ZELKinNCPlyRun::Preset(unsigned lineNumber, const QString& line)
     CheckNotation(lineNumber, QStringLiteral("G92"), number);
     const int axis = int(m_labels.indexOf(preset->axis));
     if (axis >= 0)
-        m_values[axis] = number.toDouble() * m_scales.at(axis);
+        m_values[axis] = ZELKinNCWords::NumberValue(number) * m_scales.at(axis);
     return true;
 }
 
@@ -130,7 +130,8 @@ void ZELKinNCPlyRun::ReadCode(unsigned lineNumber, const ZELKinNCWords::Word& wo
     const unsigned code = word.number.toUInt(&isNumber);
     if (isNumber && word.name == QLatin1String("G") && (code == 0u || code == 1u))
         m_rapid = code == 0u;
-    const QString text = word.name + word.number;
+    QString text = word.name.toString();
+    text += word.number;
     if (isNumber && word.name == QLatin1String("M") && kProgramStops.contains(code))
         m_codes.append(Irregularity(QStringLiteral("code"), lineNumber, text,
                                     QStringLiteral("%1 stops the program between the ply's motion lines").arg(text)));
@@ -142,14 +143,14 @@ void ZELKinNCPlyRun::ReadCode(unsigned lineNumber, const ZELKinNCWords::Word& wo
 void ZELKinNCPlyRun::ReadFeed(unsigned lineNumber, const ZELKinNCWords::Word& word)
 {
     if (RequireNumber(lineNumber, word))
-        m_feedrate = word.number.toDouble() * MillimetresPerInch;
+        m_feedrate = ZELKinNCWords::NumberValue(word.number) * MillimetresPerInch;
 }
 
 bool ZELKinNCPlyRun::ReadAxis(unsigned lineNumber, const ZELKinNCWords::Word& word, int axis)
 {
     if (!RequireNumber(lineNumber, word))
         return false;
-    m_values[axis] = word.number.toDouble() * m_scales.at(axis);
+    m_values[axis] = ZELKinNCWords::NumberValue(word.number) * m_scales.at(axis);
     return true;
 }
 
@@ -158,18 +159,18 @@ bool ZELKinNCPlyRun::RequireNumber(unsigned lineNumber, const ZELKinNCWords::Wor
 {
     if (!word.number.isEmpty())
         return true;
-    m_ply.irregularities.append(Irregularity(QStringLiteral("number"), lineNumber, word.name,
+    m_ply.irregularities.append(Irregularity(QStringLiteral("number"), lineNumber, word.name.toString(),
                                              QStringLiteral("the %1 word has no number").arg(word.name)));
     return false;
 }
 
-void ZELKinNCPlyRun::CheckNotation(unsigned lineNumber, const QString& name, const QString& number)
+void ZELKinNCPlyRun::CheckNotation(unsigned lineNumber, QStringView name, QStringView number)
 {
     if (ZELKinNCWords::IsInExponentNotation(number))
         m_ply.irregularities.append(
-            Irregularity(QStringLiteral("number"), lineNumber, name,
+            Irregularity(QStringLiteral("number"), lineNumber, name.toString(),
                          QStringLiteral("the %1 word is written in exponent notation, %2, which reads as %3")
-                             .arg(name, number, QString::number(number.toDouble(), 'f', 4))));
+                             .arg(name, number, QString::number(ZELKinNCWords::NumberValue(number), 'f', 4))));
 }
 
 ZELKinNCIrregularity ZELKinNCPlyRun::Irregularity(const QString& check, unsigned lineNumber, const QString& subject,

@@ -46,7 +46,7 @@ private:
     void ReadFeed(unsigned lineNumber, const ZELKinNCWords::Word& word);
     bool ReadAxis(unsigned lineNumber, const ZELKinNCWords::Word& word, int axis);
     bool RequireNumber(unsigned lineNumber, const ZELKinNCWords::Word& word);
-    void CheckNotation(unsigned lineNumber, const QString& name, const QString& number);
+    void CheckNotation(unsigned lineNumber, QStringView name, QStringView number);
     ZELKinNCIrregularity Irregularity(const QString& check, unsigned lineNumber, const QString& subject,
                                       const QString& message) const;
     int LinkIndex() const;

@@ -14,11 +14,12 @@
 */
 namespace ZELKinNCWords {
 
+//! Views into the line the word was read from.
 struct Word
 {
-    QString name;
+    QStringView name;
     //! Empty for a word without a number.
-    QString number;
+    QStringView number;
 };
 
 //! The end of the number that starts at `at`, or `at` when none does. A
@@ -26,6 +27,10 @@ struct Word
 //! and more digits (or a point and digits), and an exponent with its own
 //! sign.
 qsizetype NumberEnd(QStringView text, qsizetype at);
+
+//! The value of `number`, a number as NumberEnd reads it, to the nearest
+//! double; what QString::toDouble makes of any other text.
+double NumberValue(QStringView number);
 
 //! The words of `code`: an address (capital letters and underscores, with
 //! one digit when "=" follows it), then an optional "=", "(" and double
@@ -54,7 +59,7 @@ std::optional<TowEventText> ParseTowEvent(QStringView line);
 
 //! The post writes plain decimals only; a controller reads "2e+05" as
 //! 200000 where a person, or a reader that stops at the "e", sees 2.
-bool IsInExponentNotation(const QString& number);
+bool IsInExponentNotation(QStringView number);
 
 } // namespace ZELKinNCWords
 

@@ -302,6 +302,38 @@ TEST_F(ZELKinNCReplayTest, AnAxisWordInExponentNotationIsReadWholeAndIsAnIrregul
               QStringLiteral("the X word is written in exponent notation, 1.2e+01, which reads as 12.0000"));
 }
 
+// Every form of number a controller reads: signs, a point at either end,
+// leading zeros, and more digits than a double holds.
+struct NumberForm
+{
+    const char* word;
+    double inches;
+};
+
+class ZELKinNCReplayNumberTest : public ZELKinNCReplayTest, public ::testing::WithParamInterface<NumberForm>
+{
+};
+
+TEST_P(ZELKinNCReplayNumberTest, AnAxisWordReadsAsTheNearestDoubleToItsNumber)
+{
+    const QString word = QString::fromLatin1(GetParam().word);
+    QString text = ZELTest::Golden(kPlyFile);
+    text.replace(QStringLiteral("N3M69G1X12.0000U50.8000F100"), QStringLiteral("N3M69G1X%1U50.8000F100").arg(word));
+    const ZELKinNCPlyFile ply = ReadOnePly(text);
+    const double x = MotionOf(ply, LineOf(text, QStringLiteral("N3M69G1X") + word)).values.at(X);
+    EXPECT_TRUE(ZELTest::SameDouble(GetParam().inches * kInch, x, ZELTest::kExact));
+    EXPECT_TRUE(ply.irregularities.isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Forms, ZELKinNCReplayNumberTest,
+    ::testing::Values(NumberForm{"12.5000", 12.5}, NumberForm{"+12.5", 12.5}, NumberForm{"-12.5", -12.5},
+                      NumberForm{"12.", 12.0}, NumberForm{".5", 0.5}, NumberForm{"-.5", -0.5},
+                      NumberForm{"0012.2500", 12.25}, NumberForm{"-0", 0.0},
+                      NumberForm{"12.0000000000000000000000000000000000000000000000000000000000000000000000000001",
+                                 12.0},
+                      NumberForm{"1234567.8901234", 1234567.8901234}));
+
 TEST_F(ZELKinNCReplayTest, AnAxisWordWithoutANumberKeepsTheValueAndIsAnIrregularity)
 {
     QString text = ZELTest::Golden(kPlyFile);

@@ -17,6 +17,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <future>
 
 namespace {
 
@@ -50,6 +52,16 @@ double LaidLength(const ZELKinNCPlyFile& ply, int materialIndex)
         length += end;
     return length;
 }
+
+// What the summary tells of one ply, read back from its file; the run
+// time names the ply and its procedure.
+struct PlyFigures
+{
+    qint64 courses;
+    //! mm, NaN when the machine has no material axis.
+    double laid;
+    ZELKinPlyRunTime time;
+};
 
 QString Metres(double millimetres)
 {
@@ -91,31 +103,41 @@ QString ZELKinPostSummary::DescribeFiles(const QStringList& files) const
 
 QString ZELKinPostSummary::DescribePlies(const QString& posted) const
 {
-    // One ply is held at a time: the files of a large program would not fit.
     const ZELKinNCReplay replay(m_machine);
     const ZELKinNCPlySet plySet = replay.ReadPlySet(posted);
-    const QHash<QString, qint64>& positions = m_positions;
     const int materialIndex = m_machine.GetVariables().indexOf(m_machine.GetMaterialVariable());
-    ZELKinTextTable table;
     const ZELKinRunTimeEstimator estimator(m_machine);
+    const auto figure = [&](const ZELKinNCPlyListing& listed) {
+        const ZELKinNCPlyFile ply = replay.ReadPly(listed);
+        return PlyFigures{ply.courseRecords.size(), LaidLength(ply, materialIndex), estimator.Estimate(ply)};
+    };
+    ZELKinTextTable table;
     table.AddRow({QStringLiteral("ply"), QStringLiteral("procedure"), QStringLiteral("courses"),
                   QStringLiteral("positions"), QStringLiteral("laid length"), QStringLiteral("estimated run time")});
     ZELKinRunTime allTime;
     qint64 allCourses = 0;
     qint64 allPositions = 0;
     double allLaid = 0.0;
-    for (const ZELKinNCPlyListing& listed : plySet.plies) {
-        const ZELKinNCPlyFile ply = replay.ReadPly(listed);
-        const qint64 courses = ply.courseRecords.size();
-        const qint64 plyPositions = positions.value(ply.procedure);
-        const double laid = LaidLength(ply, materialIndex);
-        const ZELKinPlyRunTime time = estimator.Estimate(ply);
-        table.AddRow({ply.plyNumber, ply.procedure, ZELKinUnits::Grouped(courses), ZELKinUnits::Grouped(plyPositions),
-                      Metres(laid), ZELKinRunTimeText::Clock(time)});
-        allTime.Add(time);
-        allCourses += courses;
-        allPositions += plyPositions;
-        allLaid += laid;
+    const auto addRow = [&](const PlyFigures& ply) {
+        const qint64 positions = m_positions.value(ply.time.procedure);
+        table.AddRow({ply.time.plyNumber, ply.time.procedure, ZELKinUnits::Grouped(ply.courses),
+                      ZELKinUnits::Grouped(positions), Metres(ply.laid), ZELKinRunTimeText::Clock(ply.time)});
+        allTime.Add(ply.time);
+        allCourses += ply.courses;
+        allPositions += positions;
+        allLaid += ply.laid;
+    };
+    // Plies are read back two at a time, the second on a thread of its own:
+    // no more than two are held, as the files of a large program would not
+    // fit at once.
+    const QList<ZELKinNCPlyListing>& plies = plySet.plies;
+    for (qsizetype i = 0; i < plies.size(); i += 2) {
+        std::future<PlyFigures> second;
+        if (i + 1 < plies.size())
+            second = std::async(std::launch::async, figure, std::cref(plies.at(i + 1)));
+        addRow(figure(plies.at(i)));
+        if (second.valid())
+            addRow(second.get());
     }
     table.AddRow({QStringLiteral("all"), QString(), ZELKinUnits::Grouped(allCourses),
                   ZELKinUnits::Grouped(allPositions), Metres(allLaid), ZELKinRunTimeText::Clock(allTime)});

@@ -11,9 +11,9 @@ class ZELKinProgram;
 /*!
     What "post" tells when it has written its files: each file with its
     size, then per ply its courses, positions, laid length and estimated
-    run time (ZELKinRunTimeEstimator), read back from the files as the controller reads them
-    (ZELKinNCReplay) one ply at a time, so that the figures are those of
-    the NC and not of the solved program.
+    run time (ZELKinRunTimeEstimator), read back from the files as the
+    controller reads them (ZELKinNCReplay) two plies at a time, so that the
+    figures are those of the NC and not of the solved program.
 */
 class ZELKinPostSummary
 {

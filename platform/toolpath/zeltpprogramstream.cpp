@@ -49,6 +49,21 @@ ZELTPFormatException CannotRead(const QString& fileName, const QFile& file)
                                 ZELTPProgramStream::tr("cannot read the file: %1").arg(file.errorString()));
 }
 
+// The bytes that change nothing beneath the three tracked levels, outside
+// a string: all but the quote, the brackets and the control bytes that no
+// JSON text holds. Nearly all of a procedure's text is numbers, commas
+// and colons, passed over here without a look at the finder's state.
+constexpr std::array<bool, 256> DeepInertBytes = [] {
+    std::array<bool, 256> inert{};
+    for (int byte = 0x20; byte < 0x100; ++byte)
+        inert[std::size_t(byte)] = true;
+    for (const char structural : {'"', '{', '[', '}', ']'})
+        inert[std::size_t(structural)] = false;
+    for (const char whitespace : {'\t', '\n', '\r'})
+        inert[std::size_t(whitespace)] = true;
+    return inert;
+}();
+
 // A key as JSON reads it: escapes decoded.
 std::string DecodedKey(const std::string& raw)
 {
@@ -142,6 +157,12 @@ void EntryFinder::Feed(const char* data, qint64 size)
         if (m_inString) {
             ScanString(data, i, size);
             continue;
+        }
+        if (m_depth > TrackedLevels) {
+            while (i < size && DeepInertBytes[static_cast<unsigned char>(data[i])])
+                ++i;
+            if (i == size)
+                break;
         }
         const char byte = data[i];
         const qint64 offset = m_base + i;

@@ -164,6 +164,46 @@ TEST(ZELTPProgramStream, ProceduresAreFoundWhereverTheDocumentPutsThemAndHowever
     EXPECT_TRUE(points == PointsOf(whole));
 }
 
+// Deep inside a procedure the file is passed over quickly; brackets,
+// braces and escapes in a string there are still text, and a string that
+// ends in an escaped backslash still ends at its quote.
+TEST(ZELTPProgramStream, BracketsAndEscapesInAProceduresStringsStayText)
+{
+    QByteArray document(kValid);
+    document.replace(R"("name": "R16")", R"("name": "R]}\/16[{\\")");
+    QTemporaryDir folder;
+    const QString path = WriteFile(folder, QStringLiteral("brackets.json"), document);
+    ZELGeoContainer whole;
+    const ZELTPProgram* program = ZELTPProgramReader(&whole).ReadData(document, QStringLiteral("bytes"));
+    const StreamedDocument streamed(path);
+    ASSERT_EQ(streamed.stream.GetNumProcedures(), program->GetNumProcedures());
+    std::vector<std::vector<double>> points;
+    for (const auto& container : streamed.containers) {
+        const auto procedurePoints = PointsOf(*container);
+        points.insert(points.end(), procedurePoints.begin(), procedurePoints.end());
+    }
+    EXPECT_TRUE(points == PointsOf(whole));
+}
+
+// A control byte among a procedure's numbers ends the reading, with the
+// message the whole-document reader gives.
+TEST(ZELTPProgramStream, ControlByteDeepInAProcedureIsRefusedAsTheReaderRefusesIt)
+{
+    QByteArray document(kValid);
+    document.replace(R"("origin": [5, 0, 0])", "\"origin\": [5,\x01 0, 0]");
+    QTemporaryDir folder;
+    const QString path = WriteFile(folder, QStringLiteral("control.json"), document);
+    std::optional<QString> expected;
+    try {
+        ZELGeoContainer whole;
+        ZELTPProgramReader(&whole).Read(path);
+    } catch (const ZELTPFormatException& error) {
+        expected = error.GetMessage();
+    }
+    ASSERT_TRUE(expected.has_value());
+    EXPECT_THROW_MESSAGE(StreamedDocument{path}, ZELTPFormatException, *expected);
+}
+
 class ZELTPProgramStreamMalformed : public ::testing::TestWithParam<MalformedCase>
 {
 };

@@ -76,6 +76,28 @@ struct StreamedDocument
     }
 };
 
+// `document` read one procedure at a time from a file against the same
+// bytes read whole: as many procedures, and the same points.
+::testing::AssertionResult StreamsAsTheWholeDocumentReads(const QByteArray& document)
+{
+    QTemporaryDir folder;
+    const QString path = WriteFile(folder, QStringLiteral("document.json"), document);
+    ZELGeoContainer whole;
+    const ZELTPProgram* program = ZELTPProgramReader(&whole).ReadData(document, QStringLiteral("bytes"));
+    const StreamedDocument streamed(path);
+    if (streamed.stream.GetNumProcedures() != program->GetNumProcedures())
+        return ::testing::AssertionFailure() << streamed.stream.GetNumProcedures() << " procedures streamed, "
+                                             << program->GetNumProcedures() << " read whole";
+    std::vector<std::vector<double>> points;
+    for (const auto& container : streamed.containers) {
+        const auto procedurePoints = PointsOf(*container);
+        points.insert(points.end(), procedurePoints.begin(), procedurePoints.end());
+    }
+    if (points != PointsOf(whole))
+        return ::testing::AssertionFailure() << "the streamed points differ from the whole read's";
+    return ::testing::AssertionSuccess();
+}
+
 class ZELTPProgramStreamExample : public ::testing::TestWithParam<const char*>
 {
 };
@@ -149,19 +171,10 @@ TEST(ZELTPProgramStream, ProceduresAreFoundWhereverTheDocumentPutsThemAndHowever
     const QByteArray array = procedures.left(procedures.lastIndexOf(']', procedures.lastIndexOf('}') - 1) + 1);
     const QByteArray document = R"({"version": 1, "x-note": "{[\"program\": ]}", "program": {"pro\u0063edures": )"
         + array + R"(, "name": "reordered", "procedures": 7}, "format": "zelkin-toolpath"})";
-    QTemporaryDir folder;
-    const QString path = WriteFile(folder, QStringLiteral("reordered.json"), document);
     ZELGeoContainer whole;
-    const ZELTPProgram* program = ZELTPProgramReader(&whole).ReadData(document, QStringLiteral("bytes"));
-    ASSERT_EQ(program->GetName(), QStringLiteral("reordered"));
-    const StreamedDocument streamed(path);
-    ASSERT_EQ(streamed.stream.GetNumProcedures(), program->GetNumProcedures());
-    std::vector<std::vector<double>> points;
-    for (const auto& container : streamed.containers) {
-        const auto procedurePoints = PointsOf(*container);
-        points.insert(points.end(), procedurePoints.begin(), procedurePoints.end());
-    }
-    EXPECT_TRUE(points == PointsOf(whole));
+    EXPECT_EQ(ZELTPProgramReader(&whole).ReadData(document, QStringLiteral("bytes"))->GetName(),
+              QStringLiteral("reordered"));
+    EXPECT_TRUE(StreamsAsTheWholeDocumentReads(document));
 }
 
 // Deep inside a procedure the file is passed over quickly; brackets,
@@ -171,18 +184,7 @@ TEST(ZELTPProgramStream, BracketsAndEscapesInAProceduresStringsStayText)
 {
     QByteArray document(kValid);
     document.replace(R"("name": "R16")", R"("name": "R]}\/16[{\\")");
-    QTemporaryDir folder;
-    const QString path = WriteFile(folder, QStringLiteral("brackets.json"), document);
-    ZELGeoContainer whole;
-    const ZELTPProgram* program = ZELTPProgramReader(&whole).ReadData(document, QStringLiteral("bytes"));
-    const StreamedDocument streamed(path);
-    ASSERT_EQ(streamed.stream.GetNumProcedures(), program->GetNumProcedures());
-    std::vector<std::vector<double>> points;
-    for (const auto& container : streamed.containers) {
-        const auto procedurePoints = PointsOf(*container);
-        points.insert(points.end(), procedurePoints.begin(), procedurePoints.end());
-    }
-    EXPECT_TRUE(points == PointsOf(whole));
+    EXPECT_TRUE(StreamsAsTheWholeDocumentReads(document));
 }
 
 // A control byte among a procedure's numbers ends the reading, with the

@@ -304,10 +304,7 @@ void ZELKinAFPGCodeWriter::Begin(const ZELKinProgram* identification)
             streaming->sectionStream = std::make_unique<ZELKinNCStream>(streaming->sections.get());
         } else {
             streaming->madeFolders = MissingFolders(outputPath);
-            MakeOutputDirectory(outputPath);
-            streaming->staging = std::make_unique<ZELKinStagingFolder>(outputPath, name);
-            if (!streaming->staging->Create())
-                FailPartFolder(name, streaming->staging->GetErrorString());
+            streaming->staging = CreateStaging(name);
         }
     });
 }
@@ -346,12 +343,8 @@ void ZELKinAFPGCodeWriter::Finish()
         } else if (streaming->sectionStream) {
             FinishBundle(name);
         } else {
-            const QDir target(QDir(outputPath).filePath(name));
-            WriteFile(OutputFile{target.filePath(ProgramSetFileName(name)),
-                                 QDir(streaming->staging->GetPath()).filePath(ProgramSetFileName(name))},
-                      tr("Could not open the PPSF file for writing at: '%1'"), ProgramSetText(streaming->contents));
-            if (!streaming->staging->Publish())
-                FailPartFolder(name, streaming->staging->GetErrorString());
+            WriteStagedProgramSet(name, *streaming->staging, ProgramSetText(streaming->contents));
+            Publish(name, *streaming->staging);
         }
     });
     streaming->finished = true;
@@ -403,15 +396,32 @@ bool ZELKinAFPGCodeWriter::IsBundle() const
 void ZELKinAFPGCodeWriter::WriteDirectory(ZELKinProgram* program) const
 {
     const QString name = program->GetOriginalFileName();
+    const std::unique_ptr<ZELKinStagingFolder> staging = CreateStaging(name);
+    WriteStagedProgramSet(name, *staging, ProgramSetText(program));
+    WriteProcedureFiles(program, staging->GetPath());
+    Publish(name, *staging);
+}
+
+std::unique_ptr<ZELKinStagingFolder> ZELKinAFPGCodeWriter::CreateStaging(const QString& name) const
+{
     MakeOutputDirectory(outputPath);
-    ZELKinStagingFolder staging(outputPath, name);
-    if (!staging.Create())
-        FailPartFolder(name, staging.GetErrorString());
-    const QDir target(QDir(outputPath).filePath(name));
-    WriteFile(OutputFile{target.filePath(ProgramSetFileName(name)),
-                         QDir(staging.GetPath()).filePath(ProgramSetFileName(name))},
-              tr("Could not open the PPSF file for writing at: '%1'"), ProgramSetText(program));
-    WriteProcedureFiles(program, staging.GetPath());
+    auto staging = std::make_unique<ZELKinStagingFolder>(outputPath, name);
+    if (!staging->Create())
+        FailPartFolder(name, staging->GetErrorString());
+    return staging;
+}
+
+void ZELKinAFPGCodeWriter::WriteStagedProgramSet(const QString& name, const ZELKinStagingFolder& staging,
+                                                 const TextWriter& programSet) const
+{
+    const QString fileName = ProgramSetFileName(name);
+    WriteFile(OutputFile{QDir(QDir(outputPath).filePath(name)).filePath(fileName),
+                         QDir(staging.GetPath()).filePath(fileName)},
+              tr("Could not open the PPSF file for writing at: '%1'"), programSet);
+}
+
+void ZELKinAFPGCodeWriter::Publish(const QString& name, ZELKinStagingFolder& staging) const
+{
     if (!staging.Publish())
         FailPartFolder(name, staging.GetErrorString());
 }

@@ -18,6 +18,7 @@ class ZELKinProbeProcedure;
 class ZELKinProcedure;
 class ZELKinProgram;
 class ZELKinRollLayupProcedure;
+class ZELKinStagingFolder;
 class ZELSysProgress;
 
 /*!
@@ -111,6 +112,13 @@ private:
     void ReportingFileErrors(const std::function<void()>& work) const;
     //! As ReportingFileErrors, ending the write begun first on any failure.
     void WritingStreamed(const std::function<void()>& work);
+    //! The part folder's staging folder, made with the output folder.
+    std::unique_ptr<ZELKinStagingFolder> CreateStaging(const QString& name) const;
+    //! The program-set file into `staging`, named where it will stand.
+    void WriteStagedProgramSet(const QString& name, const ZELKinStagingFolder& staging,
+                               const TextWriter& programSet) const;
+    //! Puts the staging folder in the part folder's place.
+    void Publish(const QString& name, ZELKinStagingFolder& staging) const;
     void WriteProcedureFiles(const ZELKinProgram* program, const QString& stagingPath) const;
     static void WriteBundleHead(ZELKinNCStream& out, const QString& name, const TextWriter& programSet);
     void WriteSections(ZELKinNCStream& out, const ZELKinProgram* program) const;

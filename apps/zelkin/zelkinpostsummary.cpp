@@ -7,10 +7,8 @@
 #include <zelkinafpmachine.h>
 #include <zelkinncreplay.h>
 #include <zelkinprogram.h>
-#include <zelkinrolllayupprocedure.h>
 #include <zelkinruntimeestimator.h>
 #include <zelkinvariable.h>
-#include <zeltpprocedure.h>
 
 #include <QFileInfo>
 #include <QHash>
@@ -21,19 +19,6 @@
 #include <future>
 
 namespace {
-
-// The positions of each roll layup procedure, by its toolpath procedure's name.
-QHash<QString, qint64> PositionsByProcedure(const ZELKinProgram& program)
-{
-    QHash<QString, qint64> positions;
-    for (const ZELKinProcedure* procedure : program.GetProcedures()) {
-        const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure);
-        const ZELTPProcedure* source = procedure ? procedure->GetToolPathProcedure() : nullptr;
-        if (layup && source)
-            positions.insert(source->GetName(), layup->GetNumPositions());
-    }
-    return positions;
-}
 
 // Material laid by the ply: each course's material axis where the course
 // ends, the axis counting from the course's start (mm).
@@ -72,7 +57,7 @@ QString Metres(double millimetres)
 } // namespace
 
 ZELKinPostSummary::ZELKinPostSummary(const ZELKinAFPMachine& machine, const ZELKinProgram& program)
-    : ZELKinPostSummary(machine, PositionsByProcedure(program))
+    : ZELKinPostSummary(machine, program.GetPositionsByProcedure())
 {
 }
 

@@ -4,7 +4,6 @@
 #include "zelkinafpmachine.h"
 #include "zelkinprocedure.h"
 #include "zelkinprogram.h"
-#include "zelkinrolllayupprocedure.h"
 #include "zelkinsolver.h"
 #include "zelkintranslator.h"
 #include "zelkinwriter.h"
@@ -96,16 +95,6 @@ void ZELKinStreamingPostPrivate::RemoveProceduresWithProblems(const Part& part)
     }
 }
 
-void ZELKinStreamingPostPrivate::CountPositions(const ZELKinProgram* program)
-{
-    for (const ZELKinProcedure* procedure : program->GetProcedures()) {
-        const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure);
-        const ZELTPProcedure* source = procedure->GetToolPathProcedure();
-        if (layup && source)
-            positionsByProcedure.insert(source->GetName(), layup->GetNumPositions());
-    }
-}
-
 // The procedures are taken in order: while one is written, the next ones
 // are prepared on threads of their own, so that no more than the thread
 // count are held at once.
@@ -134,7 +123,7 @@ void ZELKinStreamingPostPrivate::PostParts(ZELKinWriter& writer, QStringList& ph
         RemoveProceduresWithProblems(part);
         if (keepGoing || (omitted.IsClean() && others.IsClean())) {
             writer.Add(part.program);
-            CountPositions(part.program);
+            positionsByProcedure.insert(part.program->GetPositionsByProcedure());
         }
     }
 }

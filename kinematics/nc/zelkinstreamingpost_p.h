@@ -43,7 +43,6 @@ public:
     Part Prepare(int index) const;
     //! Takes the procedures with problems out of the part's program.
     static void RemoveProceduresWithProblems(const Part& part);
-    void CountPositions(const ZELKinProgram* program);
     //! Prepares and writes every procedure, gathering what the checks found.
     void PostParts(ZELKinWriter& writer, QStringList& phaseLines, ZELKinProgramCheck::Findings& omitted,
                    ZELKinProgramCheck::Findings& others);

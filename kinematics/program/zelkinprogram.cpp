@@ -1,10 +1,13 @@
 #include "zelkinprogram.h"
 #include "zelkinprogram_p.h"
 
+#include "zelkinrolllayupprocedure.h"
+
 #include <zelgeocontainer.h>
 #include <zelsysexception.h>
 #include <zelsysnotimplementedexception.h>
 #include <zelsysoutofboundsexception.h>
+#include <zeltpprocedure.h>
 
 ZELGEO_REGISTER_CLASS(ZELKinProgram)
 
@@ -148,6 +151,18 @@ void ZELKinProgram::SetOriginalFileName(const QString& name)
     Q_D(ZELKinProgram);
     AboutToChange();
     d->originalFileName = name;
+}
+
+QHash<QString, qint64> ZELKinProgram::GetPositionsByProcedure() const
+{
+    QHash<QString, qint64> positions;
+    for (const ZELKinProcedure* procedure : GetProcedures()) {
+        const auto* layup = qobject_cast<const ZELKinRollLayupProcedure*>(procedure);
+        const ZELTPProcedure* source = layup ? layup->GetToolPathProcedure() : nullptr;
+        if (source)
+            positions.insert(source->GetName(), layup->GetNumPositions());
+    }
+    return positions;
 }
 
 QString ZELKinProgram::GetRevisionNumber() const

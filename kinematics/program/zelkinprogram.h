@@ -4,6 +4,7 @@
 #include "zelkinscript.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QString>
 
@@ -55,6 +56,10 @@ public:
     //! ZELSysException "procedure does not belong to this program" when no
     //! entry is (a null procedure never is), changing nothing.
     void RemoveProcedure(ZELKinProcedure* procedure);
+    //! The positions of each roll layup procedure, by the name of the
+    //! toolpath procedure it was translated from; a procedure without one,
+    //! or of another kind, is left out.
+    QHash<QString, qint64> GetPositionsByProcedure() const;
 
     //! The sum of the procedures' command counts (a procedure that has gone
     //! counts none).

@@ -1,5 +1,6 @@
 #include "zelkintestcommand.h"
 #include "zelkintestprograms.h"
+#include "zelkintestrolllayup.h"
 
 #include <zelkinprogram_p.h>
 
@@ -470,4 +471,21 @@ TEST(ZELKinProgram, WholeProgramSurvivesSaveAndLoadIntoAFreshContainer)
         EXPECT_EQ(program->GetCorrespondingPosition(loaded->GetToolPathPoint(), &index), loaded);
         EXPECT_EQ(index, i);
     }
+}
+
+// A roll layup's positions count under its toolpath procedure's name; a
+// procedure of another kind, or one translated from no toolpath procedure,
+// is left out.
+TEST(ZELKinProgram, PositionsByProcedureCountEachRollLayupUnderItsToolpathProceduresName)
+{
+    ZELTest::RollLayupFixture f;
+    f.procedure->SetToolPathProcedure(new ZELTPProcedure(&f.container, QStringLiteral("Ply 1")));
+    ZELTest::AddLinksAndCourses(f.procedure, {2, 1}, {3, 4});
+    ZELKinRollLayupProcedure* unnamed = ZELKinTestAccess::CreateRollLayupProcedure(f.program, 2540.0, 1270.0);
+    ZELTest::AddCourse(unnamed, 5);
+    ZELTest::AddProcedure(f.program, {2})
+        ->SetToolPathProcedure(new ZELTPProcedure(&f.container, QStringLiteral("probe")));
+
+    const QHash<QString, qint64> positions = f.program->GetPositionsByProcedure();
+    EXPECT_EQ(positions, (QHash<QString, qint64>{{QStringLiteral("Ply 1"), 10}}));
 }

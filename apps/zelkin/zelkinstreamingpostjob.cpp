@@ -27,6 +27,8 @@ ZELKinStreamingPostJob::ZELKinStreamingPostJob(const Input& input)
     : m_input(input)
     , m_machine(ZELKinMachineFile::Load(&m_container, input.machinePath))
 {
+    // A machine whose solver zelkin does not know is refused with the
+    // solver's name before the toolpath is opened.
     const std::unique_ptr<ZELKinSolver> solver(ZELKinTranslationJob::CreateSolver(*m_machine));
     ZELKinInputFile::OpenToolpath(m_toolpath, input.toolpathPath);
     const int largest = m_toolpath.GetLargestProcedure();
@@ -54,15 +56,11 @@ void ZELKinStreamingPostJob::Post(ZELKinWriter& writer, const QDateTime& now, co
     ZELSysProgress::WriteLine(
         QStringLiteral("Posted one procedure at a time, at most %1 held at once").arg(m_inFlight));
     towWidth.Warn();
-    if (!m_findings.IsClean() && !m_input.keepGoing)
-        throw ZELKinUndeliverable(
-            ZELKinTranslationJob::DescribeFindings(m_findings, QStringLiteral("nothing was written")));
+    if (!m_input.keepGoing)
+        ZELKinTranslationJob::ThrowIfUndeliverable(m_findings);
 }
 
 void ZELKinStreamingPostJob::ThrowIfIncomplete() const
 {
-    if (!m_findings.IsClean())
-        throw ZELKinUndeliverable(ZELKinTranslationJob::DescribeFindings(
-            m_findings,
-            QStringLiteral("written without '%1'").arg(m_findings.procedures.join(QStringLiteral("', '")))));
+    ZELKinTranslationJob::ThrowIfIncomplete(m_findings);
 }

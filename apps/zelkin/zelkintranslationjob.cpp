@@ -52,6 +52,14 @@ void RequireMemoryFor(const QString& toolpathPath)
                               .arg(toolpathPath, gib(size), gib(size * kMemoryPerToolpathByte), gib(available)));
 }
 
+// "<the first problem> (<n> problems in all); <outcome>".
+QString DescribeFindings(const ZELKinProgramCheck::Findings& findings, const QString& outcome)
+{
+    const QString first = findings.first.isEmpty() ? QString() : findings.first.first().GetText();
+    const QString count = findings.count > 1 ? QStringLiteral(" (%1 problems in all)").arg(findings.count) : QString();
+    return QStringLiteral("%1%2; %3").arg(first, count, outcome);
+}
+
 } // namespace
 
 ZELKinTranslationJob::ZELKinTranslationJob(const Input& input)
@@ -85,7 +93,7 @@ void ZELKinTranslationJob::RequireDeliverable(bool keepGoing)
     if (m_findings.IsClean())
         return;
     if (!keepGoing)
-        throw ZELKinUndeliverable(DescribeFindings(m_findings, QStringLiteral("nothing was written")));
+        ThrowIfUndeliverable(m_findings);
     for (ZELKinProcedure* procedure : m_program->GetProcedures()) {
         const ZELTPProcedure* source = procedure->GetToolPathProcedure();
         if (source && m_findings.procedures.contains(source->GetName()))
@@ -95,17 +103,20 @@ void ZELKinTranslationJob::RequireDeliverable(bool keepGoing)
 
 void ZELKinTranslationJob::ThrowIfIncomplete() const
 {
-    if (!m_findings.IsClean())
-        throw ZELKinUndeliverable(DescribeFindings(
-            m_findings,
-            QStringLiteral("written without '%1'").arg(m_findings.procedures.join(QStringLiteral("', '")))));
+    ThrowIfIncomplete(m_findings);
 }
 
-QString ZELKinTranslationJob::DescribeFindings(const ZELKinProgramCheck::Findings& findings, const QString& outcome)
+void ZELKinTranslationJob::ThrowIfUndeliverable(const ZELKinProgramCheck::Findings& findings)
 {
-    const QString first = findings.first.isEmpty() ? QString() : findings.first.first().GetText();
-    const QString count = findings.count > 1 ? QStringLiteral(" (%1 problems in all)").arg(findings.count) : QString();
-    return QStringLiteral("%1%2; %3").arg(first, count, outcome);
+    if (!findings.IsClean())
+        throw ZELKinUndeliverable(DescribeFindings(findings, QStringLiteral("nothing was written")));
+}
+
+void ZELKinTranslationJob::ThrowIfIncomplete(const ZELKinProgramCheck::Findings& findings)
+{
+    if (!findings.IsClean())
+        throw ZELKinUndeliverable(DescribeFindings(
+            findings, QStringLiteral("written without '%1'").arg(findings.procedures.join(QStringLiteral("', '")))));
 }
 
 ZELKinSolver* ZELKinTranslationJob::CreateSolver(const ZELKinAFPMachine& machine)

@@ -62,8 +62,13 @@ public:
     //! The machine's solver (the caller owns it); throws ZELSysException
     //! "the machine's solver 'X' is not one zelkin knows (it knows "RBR")".
     static ZELKinSolver* CreateSolver(const ZELKinAFPMachine& machine);
-    //! "<the first problem> (<n> problems in all); <outcome>".
-    static QString DescribeFindings(const ZELKinProgramCheck::Findings& findings, const QString& outcome);
+    //! Throws ZELKinUndeliverable "<the first problem> (<n> problems in
+    //! all); nothing was written" when `findings` are not clean.
+    static void ThrowIfUndeliverable(const ZELKinProgramCheck::Findings& findings);
+    //! Throws ZELKinUndeliverable "<the first problem> (<n> problems in
+    //! all); written without '<procedure>', ..." when `findings` are not
+    //! clean.
+    static void ThrowIfIncomplete(const ZELKinProgramCheck::Findings& findings);
 
     //! Keeps a finished job, still reachable, until the process ends, and
     //! never destroys it: the tool exits right after its last file, and

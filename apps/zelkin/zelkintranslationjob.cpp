@@ -8,14 +8,12 @@
 #include "zelkintowwidthwarning.h"
 
 #include <zelkinafpmachine.h>
-#include <zelkinprocedure.h>
 #include <zelkinprogram.h>
 #include <zelkinsolver.h>
 #include <zelkintranslator.h>
 #include <zelsysexception.h>
 #include <zelsysprogress.h>
 #include <zeltpcourselink.h>
-#include <zeltpprocedure.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramreader.h>
 #include <zeltprolllayupprocedure.h>
@@ -94,11 +92,7 @@ void ZELKinTranslationJob::RequireDeliverable(bool keepGoing)
         return;
     if (!keepGoing)
         ThrowIfUndeliverable(m_findings);
-    for (ZELKinProcedure* procedure : m_program->GetProcedures()) {
-        const ZELTPProcedure* source = procedure->GetToolPathProcedure();
-        if (source && m_findings.procedures.contains(source->GetName()))
-            m_program->RemoveProcedure(procedure);
-    }
+    m_findings.RemoveProceduresFrom(m_program);
 }
 
 void ZELKinTranslationJob::ThrowIfIncomplete() const

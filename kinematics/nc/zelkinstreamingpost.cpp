@@ -2,7 +2,6 @@
 #include "zelkinstreamingpost_p.h"
 
 #include "zelkinafpmachine.h"
-#include "zelkinprocedure.h"
 #include "zelkinprogram.h"
 #include "zelkinsolver.h"
 #include "zelkintranslator.h"
@@ -10,7 +9,6 @@
 
 #include <zelgeocontainer.h>
 #include <zelsysexception.h>
-#include <zeltpprocedure.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramstream.h>
 
@@ -86,15 +84,6 @@ ZELKinStreamingPostPrivate::Part ZELKinStreamingPostPrivate::Prepare(int index) 
     return part;
 }
 
-void ZELKinStreamingPostPrivate::RemoveProceduresWithProblems(const Part& part)
-{
-    for (ZELKinProcedure* procedure : part.program->GetProcedures()) {
-        const ZELTPProcedure* source = procedure->GetToolPathProcedure();
-        if (source && part.findings.procedures.contains(source->GetName()))
-            part.program->RemoveProcedure(procedure);
-    }
-}
-
 // The procedures are taken in order: while one is written, the next ones
 // are prepared on threads of their own, so that no more than the thread
 // count are held at once.
@@ -120,7 +109,7 @@ void ZELKinStreamingPostPrivate::PostParts(ZELKinWriter& writer, QStringList& ph
         if (inspection)
             inspection(index, part.toolpath->GetProcedure(0));
         (part.omitted ? omitted : others).Append(part.findings);
-        RemoveProceduresWithProblems(part);
+        part.findings.RemoveProceduresFrom(part.program);
         if (keepGoing || (omitted.IsClean() && others.IsClean())) {
             writer.Add(part.program);
             positionsByProcedure.insert(part.program->GetPositionsByProcedure());

@@ -41,8 +41,6 @@ public:
     ZELKinProgram* Identify(std::unique_ptr<ZELGeoContainer>& container, QStringList& phaseLines) const;
     //! Reads, translates, solves and checks procedure `index`.
     Part Prepare(int index) const;
-    //! Takes the procedures with problems out of the part's program.
-    static void RemoveProceduresWithProblems(const Part& part);
     //! Prepares and writes every procedure, gathering what the checks found.
     void PostParts(ZELKinWriter& writer, QStringList& phaseLines, ZELKinProgramCheck::Findings& omitted,
                    ZELKinProgramCheck::Findings& others);

@@ -103,6 +103,15 @@ void ZELKinProgramCheckPrivate::Gathering::Merge(const Gathering& later)
     findings.Append(later.findings, listed);
 }
 
+void ZELKinProgramCheck::Findings::RemoveProceduresFrom(ZELKinProgram* program) const
+{
+    for (ZELKinProcedure* procedure : program->GetProcedures()) {
+        const ZELTPProcedure* source = procedure ? procedure->GetToolPathProcedure() : nullptr;
+        if (source && procedures.contains(source->GetName()))
+            program->RemoveProcedure(procedure);
+    }
+}
+
 void ZELKinProgramCheck::Findings::Append(const Findings& later, int listed)
 {
     for (const ZELKinProgramCheck::Problem& problem : later.first) {

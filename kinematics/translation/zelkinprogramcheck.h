@@ -73,6 +73,9 @@ public:
         //! Adds what a check of later procedures found, as if one check had
         //! found both, listing at most `listed` problems in all.
         void Append(const Findings& later, int listed = 100);
+        //! Takes the procedures with problems out of `program`, so that the
+        //! rest can be written.
+        void RemoveProceduresFrom(ZELKinProgram* program) const;
     };
 
     //! Checks programs solved by `solver` (not owned; it must outlive the

@@ -5,11 +5,13 @@
 
 #include <zelkinafpmachine.h>
 #include <zelkinmachineloader.h>
+#include <zelkinprocedure.h>
 #include <zelkinprogram.h>
 #include <zelkinsolver.h>
 #include <zelkintranslator.h>
 
 #include <zelgeocontainer.h>
+#include <zeltpprocedure.h>
 
 #include <zeltestsupport.h>
 
@@ -207,6 +209,27 @@ TEST_F(ZELKinProgramCheckTest, ChecksProceduresSideBySideWithTheSameFindings)
     for (int i = 0; i < 20; ++i)
         EXPECT_EQ(sideBySide.first.at(i).GetText(), alone.first.at(i).GetText()) << i;
     EXPECT_EQ(sideBySide.first.last().procedure, QStringLiteral("ply three"));
+}
+
+TEST_F(ZELKinProgramCheckTest, RemovingTheProceduresWithProblemsLeavesTheOthersInOrder)
+{
+    Shape inside;
+    inside.startX = 2000.0;
+    builder.AddFlatLayup(QStringLiteral("ply one"));
+    builder.AddFlatLayup(QStringLiteral("ply two"), {inside});
+    builder.AddFlatLayup(QStringLiteral("ply three"));
+    builder.AddFlatLayup(QStringLiteral("ply four"), {inside});
+    Limits limits;
+    limits.xMaximum = 3000.0;
+    const ZELKinProgramCheck::Findings findings = TranslateAndCheck(limits);
+    ASSERT_EQ(findings.procedures, (QStringList{QStringLiteral("ply one"), QStringLiteral("ply three")}));
+
+    findings.RemoveProceduresFrom(program);
+    QStringList left;
+    for (const ZELKinProcedure* procedure : program->GetProcedures())
+        left.append(procedure->GetToolPathProcedure()->GetName());
+    EXPECT_EQ(left, (QStringList{QStringLiteral("ply two"), QStringLiteral("ply four")}));
+    EXPECT_TRUE(ZELKinProgramCheck(solver.get()).Check(program, {}).IsClean());
 }
 
 TEST_F(ZELKinProgramCheckTest, NamesTheAxesAPositionHasNoValueForAndTheValuesThatAreNotFinite)

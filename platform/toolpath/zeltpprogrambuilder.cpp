@@ -95,9 +95,12 @@ ZELTPProgram* ProgramBuilder::BuildHead(const Value& root)
     return BuildProgram(root, false);
 }
 
-ZELTPProcedure* ProgramBuilder::BuildAlone(const Value& procedure)
+ZELTPProcedure* ProgramBuilder::BuildAlone(const Value& procedure, EntrySource* courses)
 {
+    m_courses = courses;
     ZELTPProcedure* object = BuildProcedure(procedure);
+    if (m_courses)
+        m_courses->ParseRest();
     Finish();
     return object;
 }
@@ -178,7 +181,8 @@ ZELTPRollLayupProcedure* ProgramBuilder::BuildRollLayup(const Value& procedure)
     ZELTPCourseLink* into = BuildLink(links.GetEntry(*link, 0));
     layup->SetApproachLink(into);
     for (qsizetype index = 0; index < numCourses; ++index, ++course) {
-        ZELTPTowCourse* towCourse = BuildCourse(courses.GetEntry(*course, index));
+        const simdjson::dom::element entry = m_courses ? m_courses->Parse(index) : *course;
+        ZELTPTowCourse* towCourse = BuildCourse(courses.GetEntry(entry, index));
         into->SetToCourse(towCourse);
         ++link;
         into = BuildLink(links.GetEntry(*link, index + 1));

@@ -40,6 +40,22 @@ struct TrajectoryRecord
 };
 
 /*
+    The entries of a roll layup's "courses" array when they are parsed one
+    at a time, apart from the procedure's own document, in which each
+    stands as "{}".
+*/
+class EntrySource
+{
+public:
+    virtual ~EntrySource() = default;
+    //! Entry `index`; valid until the next call.
+    virtual simdjson::dom::element Parse(qsizetype index) = 0;
+    //! Parses the entries not asked for yet, so that a syntax error among
+    //! them is reported as the whole document's parse would report it.
+    virtual void ParseRest() = 0;
+};
+
+/*
     Builds the program of one document in a container. The geometries it
     creates are deleted again, newest first, unless the whole program is
     built; the container's modified flag is then restored as well.
@@ -63,8 +79,9 @@ public:
     //! still be an array.
     ZELTPProgram* BuildHead(const Value& root);
     //! One procedure of the document on its own; `procedure` carries its
-    //! location in the whole document.
-    ZELTPProcedure* BuildAlone(const Value& procedure);
+    //! location in the whole document. With `courses`, a roll layup's
+    //! courses come from there instead of from `procedure`.
+    ZELTPProcedure* BuildAlone(const Value& procedure, EntrySource* courses = nullptr);
 
 private:
     ZELTPProgram* BuildProgram(const Value& root, bool withProcedures);
@@ -96,6 +113,7 @@ private:
     const bool m_wasModified;
     std::vector<ZELGeoGeometry*> m_created;
     bool m_built = false;
+    EntrySource* m_courses = nullptr;
 
     // The chain being read; kept from chain to chain for their storage.
     std::vector<PointRecord> m_points;

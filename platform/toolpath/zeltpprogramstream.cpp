@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <new>
 #include <optional>
 #include <string_view>
@@ -41,6 +42,13 @@ constexpr std::size_t LongestKeyKept = 256;
 std::size_t BodyStart(std::string_view text)
 {
     return text.substr(0, ByteOrderMark.size()) == ByteOrderMark ? ByteOrderMark.size() : 0;
+}
+
+void OpenForReading(QFile& file, const QString& fileName)
+{
+    if (!file.open(QIODevice::ReadOnly))
+        throw ZELTPFormatException(fileName, QString(),
+                                   ZELTPProgramStream::tr("cannot open the file: %1").arg(file.errorString()));
 }
 
 ZELTPFormatException CannotRead(const QString& fileName, const QFile& file)
@@ -78,21 +86,27 @@ std::string DecodedKey(const std::string& raw)
 }
 
 /*
-    Finds the entries of the first "procedures" member of the first
-    "program" member of the document's top-level object, as the parser's
-    look-up by key would, while the file passes through it piece by piece,
-    and keeps the rest of the document with each entry replaced by "{}".
+    Finds the entries of the array at the end of a path of keys, each the
+    first member of its name in the object the key before leads to, from
+    the document's top-level object on ("program", "procedures" in a
+    toolpath document; "courses" in a procedure entry), as the parser's
+    look-up by key would, while the text passes through it piece by piece.
+    It keeps the rest of the text with each entry replaced by "{}".
 
-    It follows strings, nesting and the three outer levels; deeper text is
+    It follows strings, nesting and the levels on the path; deeper text is
     only counted. It checks no syntax beyond that, but for a control byte,
     which no JSON text holds and which ends the reading at once (a file of
-    zeros is not read through): the head and each entry are parsed on
+    zeros is not read through): the rest and each entry are parsed on
     their own later, and a failure there is reported from the whole file.
 */
 class EntryFinder
 {
 public:
     using Entry = ZELTPProgramStreamPrivate::Entry;
+    //! The keys that lead to the array, at most MaxPath of them.
+    explicit EntryFinder(std::initializer_list<const char*> path);
+
+    static constexpr std::size_t MaxPath = 2;
 
     void Feed(const char* data, qint64 size);
     //! Whether the text ended outside any string and with every array and
@@ -105,18 +119,21 @@ public:
     std::vector<Entry> TakeEntries() { return std::move(m_entries); }
 
 private:
-    enum class Role { Other, Program, Procedures };
     struct Level
     {
         bool isObject = false;
         bool expectingKey = false;
-        Role role = Role::Other;
+        //! How many keys of the path lead here; -1 off the path.
+        int onPath = -1;
         std::string key;
     };
-    static constexpr int TrackedLevels = 3;
+    static constexpr int MaxTrackedLevels = int(MaxPath) + 1;
 
-    Level* Innermost() { return m_depth >= 1 && m_depth <= TrackedLevels ? &m_levels[m_depth - 1] : nullptr; }
-    bool InProcedures() const { return m_depth >= 1 && m_depth <= TrackedLevels && m_levels[m_depth - 1].role == Role::Procedures; }
+    Level* Innermost() { return m_depth >= 1 && m_depth <= m_trackedLevels ? &m_levels[m_depth - 1] : nullptr; }
+    bool InEntries() const
+    {
+        return m_depth >= 1 && m_depth <= m_trackedLevels && m_levels[m_depth - 1].onPath == m_pathLength;
+    }
     void ScanString(const char* data, qint64& i, qint64 size);
     void Open(bool isObject, qint64 offset);
     void Close(qint64 offset);
@@ -124,18 +141,21 @@ private:
     void Significant(qint64 offset);
     void BeginEntry(qint64 offset);
     void EndEntry();
-    Role RoleOfValueOpening(bool isObject);
+    int OnPathOfValueOpening(bool isObject);
     //! Copies the document from where the head ends up to `to`, of the
     //! piece being fed; what went by in an earlier piece is whitespace.
     void CopyHead(qint64 to);
 
-    std::array<Level, TrackedLevels> m_levels;
+    std::array<const char*, MaxPath> m_path{};
+    int m_pathLength = 0;
+    int m_trackedLevels = 1;
+    //! Whether a member of each key of the path came by already.
+    std::array<bool, MaxPath> m_keySeen{};
+    std::array<Level, MaxTrackedLevels> m_levels;
     int m_depth = 0;
     bool m_inString = false;
     bool m_escaped = false;
     bool m_capturingKey = false;
-    bool m_programSeen = false;
-    bool m_proceduresSeen = false;
     bool m_broken = false;
 
     bool m_awaitingEntry = false;
@@ -150,6 +170,13 @@ private:
     std::vector<Entry> m_entries;
 };
 
+EntryFinder::EntryFinder(std::initializer_list<const char*> path)
+    : m_pathLength(int(std::min(path.size(), MaxPath)))
+    , m_trackedLevels(m_pathLength + 1)
+{
+    std::copy_n(path.begin(), m_pathLength, m_path.begin());
+}
+
 void EntryFinder::Feed(const char* data, qint64 size)
 {
     m_chunk = data;
@@ -158,7 +185,7 @@ void EntryFinder::Feed(const char* data, qint64 size)
             ScanString(data, i, size);
             continue;
         }
-        if (m_depth > TrackedLevels) {
+        if (m_depth > m_trackedLevels) {
             while (i < size && DeepInertBytes[static_cast<unsigned char>(data[i])])
                 ++i;
             if (i == size)
@@ -173,7 +200,7 @@ void EntryFinder::Feed(const char* data, qint64 size)
         case '\r':
             break;
         case '"':
-            if (m_awaitingEntry && InProcedures())
+            if (m_awaitingEntry && InEntries())
                 BeginEntry(offset);
             m_inString = true;
             m_capturingKey = Innermost() && Innermost()->isObject && Innermost()->expectingKey;
@@ -222,7 +249,7 @@ void EntryFinder::ScanString(const char* data, qint64& i, qint64 size)
             m_escaped = true;
         } else if (byte == '"') {
             m_inString = false;
-            if (InProcedures())
+            if (InEntries())
                 m_lastSignificant = m_base + i;
             m_capturingKey = false;
             return;
@@ -235,42 +262,41 @@ void EntryFinder::ScanString(const char* data, qint64& i, qint64 size)
 
 void EntryFinder::Open(bool isObject, qint64 offset)
 {
-    if (m_awaitingEntry && InProcedures())
+    if (m_awaitingEntry && InEntries())
         BeginEntry(offset);
-    const Role role = RoleOfValueOpening(isObject);
+    const int onPath = m_depth == 0 ? (isObject ? 0 : -1) : OnPathOfValueOpening(isObject);
     ++m_depth;
     if (Level* level = Innermost()) {
-        *level = Level{isObject, isObject, role, std::string()};
-        m_awaitingEntry = role == Role::Procedures;
+        *level = Level{isObject, isObject, onPath, std::string()};
+        m_awaitingEntry = onPath == m_pathLength;
     }
 }
 
-// The role of the array or object that opens as the value of the innermost
-// level's current member.
-EntryFinder::Role EntryFinder::RoleOfValueOpening(bool isObject)
+// How many keys of the path lead to the array or object that opens as the
+// value of the innermost level's current member: one more than to that
+// level for the first member of the path's next key, which must be an
+// object on the way and is an array at the end.
+int EntryFinder::OnPathOfValueOpening(bool isObject)
 {
     const Level* level = Innermost();
-    if (!level || !level->isObject || level->expectingKey)
-        return Role::Other;
-    if (m_depth == 1 && isObject && !m_programSeen && DecodedKey(level->key) == ZELTPDocument::Key::kProgram) {
-        m_programSeen = true;
-        return Role::Program;
-    }
-    if (level->role == Role::Program && !m_proceduresSeen && DecodedKey(level->key) == ZELTPDocument::Key::kProcedures) {
-        m_proceduresSeen = true;
-        return isObject ? Role::Other : Role::Procedures;
-    }
-    return Role::Other;
+    if (!level || !level->isObject || level->expectingKey || level->onPath < 0 || level->onPath >= m_pathLength)
+        return -1;
+    const int key = level->onPath;
+    const bool last = key + 1 == m_pathLength;
+    if (m_keySeen[std::size_t(key)] || (!last && !isObject) || DecodedKey(level->key) != m_path[std::size_t(key)])
+        return -1;
+    m_keySeen[std::size_t(key)] = true;
+    return last && isObject ? -1 : key + 1;
 }
 
 void EntryFinder::Close(qint64 offset)
 {
-    if (InProcedures() && m_inEntry)
+    if (InEntries() && m_inEntry)
         EndEntry();
     m_awaitingEntry = false;
     if (m_depth > 0)
         --m_depth;
-    if (InProcedures())
+    if (InEntries())
         m_lastSignificant = offset;
 }
 
@@ -278,7 +304,7 @@ void EntryFinder::Separate()
 {
     if (Level* level = Innermost(); level && level->isObject)
         level->expectingKey = true;
-    if (!InProcedures())
+    if (!InEntries())
         return;
     // An entry without text ("[1,,2]") is left in the head, whose parse
     // then fails where the whole document's would.
@@ -289,7 +315,7 @@ void EntryFinder::Separate()
 
 void EntryFinder::Significant(qint64 offset)
 {
-    if (!InProcedures())
+    if (!InEntries())
         return;
     if (m_awaitingEntry)
         BeginEntry(offset);
@@ -341,6 +367,93 @@ private:
     uchar* m_data = nullptr;
 };
 
+/*
+    One procedure entry read back from the file: its text with each course
+    replaced by "{}", and each course parsed on its own when the builder
+    comes to it. A procedure of millions of points is never held as text or
+    as one parsed document, only its courses one at a time.
+*/
+class CourseReader final : public ZELTPReading::EntrySource
+{
+public:
+    using Entry = ZELTPProgramStreamPrivate::Entry;
+
+    CourseReader(const ZELTPProgramStreamPrivate& stream, const Entry& procedure);
+
+    std::string TakeHead() { return std::move(m_head); }
+    simdjson::dom::element Parse(qsizetype index) override;
+    void ParseRest() override;
+
+private:
+    //! Reads bytes [begin, end) of the file into the text buffer.
+    void Read(qint64 begin, qint64 end);
+
+    const ZELTPProgramStreamPrivate& m_stream;
+    QFile m_file;
+    std::string m_head;
+    //! Each course's bytes in the file.
+    std::vector<Entry> m_courses;
+    std::size_t m_unparsed = 0;
+    simdjson::padded_string m_text;
+    simdjson::dom::parser m_parser;
+};
+
+CourseReader::CourseReader(const ZELTPProgramStreamPrivate& stream, const Entry& procedure)
+    : m_stream(stream)
+    , m_file(stream.fileName)
+{
+    OpenForReading(m_file, stream.fileName);
+    EntryFinder finder({ZELTPDocument::Key::kCourses});
+    const qint64 bytes = procedure.end - procedure.begin;
+    m_text = simdjson::padded_string(std::size_t(std::min(ChunkBytes, bytes)));
+    for (qint64 done = 0; done < bytes && !finder.IsBroken();) {
+        const qint64 end = std::min(bytes, done + ChunkBytes);
+        Read(procedure.begin + done, procedure.begin + end);
+        finder.Feed(m_text.data(), end - done);
+        done = end;
+    }
+    if (!finder.EndedWhole())
+        stream.ThrowSyntaxError();
+    m_head = finder.TakeHead();
+    m_courses = finder.TakeEntries();
+    qint64 longest = 0;
+    for (Entry& course : m_courses) {
+        course.begin += procedure.begin;
+        course.end += procedure.begin;
+        longest = std::max(longest, course.end - course.begin);
+    }
+    m_text = simdjson::padded_string(std::size_t(longest));
+}
+
+void CourseReader::Read(qint64 begin, qint64 end)
+{
+    if (!m_file.seek(begin))
+        throw CannotRead(m_stream.fileName, m_file);
+    const qint64 read = m_file.read(m_text.data(), end - begin);
+    if (read < 0)
+        throw CannotRead(m_stream.fileName, m_file);
+    if (read != end - begin)
+        throw ZELTPFormatException(m_stream.fileName, QString(),
+                                   ZELTPProgramStream::tr("the file changed while it was read"));
+}
+
+simdjson::dom::element CourseReader::Parse(qsizetype index)
+{
+    const Entry& course = m_courses.at(std::size_t(index));
+    Read(course.begin, course.end);
+    m_unparsed = std::max(m_unparsed, std::size_t(index) + 1);
+    simdjson::dom::element element;
+    if (m_parser.parse(m_text.data(), std::size_t(course.end - course.begin), false).get(element))
+        m_stream.ThrowSyntaxError();
+    return element;
+}
+
+void CourseReader::ParseRest()
+{
+    while (m_unparsed < m_courses.size())
+        Parse(qsizetype(m_unparsed));
+}
+
 } // namespace
 
 ZELTPProgramStream::ZELTPProgramStream()
@@ -359,8 +472,7 @@ void ZELTPProgramStream::Open(const QString& fileName)
 {
     Q_D(ZELTPProgramStream);
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        throw ZELTPFormatException(fileName, QString(), tr("cannot open the file: %1").arg(file.errorString()));
+    OpenForReading(file, fileName);
     if (file.isSequential())
         throw ZELTPFormatException(fileName, QString(),
                                    tr("a pipe or a device cannot be read one procedure at a time; give a file"));
@@ -369,7 +481,7 @@ void ZELTPProgramStream::Open(const QString& fileName)
     d->modified = QFileInfo(file).lastModified();
     d->entries.clear();
 
-    EntryFinder finder;
+    EntryFinder finder({ZELTPDocument::Key::kProgram, ZELTPDocument::Key::kProcedures});
     std::vector<char> chunk(std::size_t(std::min(ChunkBytes, std::max<qint64>(d->fileBytes, 1))));
     for (;;) {
         const qint64 read = file.read(chunk.data(), qint64(chunk.size()));
@@ -410,9 +522,7 @@ void ZELTPProgramStreamPrivate::ReadHead(std::string&& head)
 void ZELTPProgramStreamPrivate::ThrowSyntaxError() const
 {
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        throw ZELTPFormatException(fileName, QString(),
-                                   ZELTPProgramStream::tr("cannot open the file: %1").arg(file.errorString()));
+    OpenForReading(file, fileName);
     const MappedFile mapped(file);
     const std::string_view text = mapped.GetText();
     if (std::optional<Problem> problem = ZELTPReading::SyntaxScanner(text).FindError(BodyStart(text)))
@@ -478,40 +588,30 @@ int ZELTPProgramStream::GetLargestProcedure() const
 ZELTPProgram* ZELTPProgramStream::ReadProcedure(int index, ZELGeoContainer* container) const
 {
     Q_D(const ZELTPProgramStream);
-    const qint64 bytes = GetProcedureBytes(index);
     d->RequireUnchanged();
-    QFile file(d->fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        throw ZELTPFormatException(d->fileName, QString(), tr("cannot open the file: %1").arg(file.errorString()));
-    simdjson::padded_string text{std::size_t(bytes)};
-    if (!text.data())
-        throw std::bad_alloc();
-    if (!file.seek(d->entries.at(std::size_t(index)).begin))
-        throw CannotRead(d->fileName, file);
-    const qint64 read = file.read(text.data(), bytes);
-    if (read < 0)
-        throw CannotRead(d->fileName, file);
-    if (read != bytes)
-        throw ZELTPFormatException(d->fileName, QString(), tr("the file changed while it was read"));
-
+    CourseReader courses(*d, d->entries.at(std::size_t(index)));
+    const std::string head = courses.TakeHead();
+    simdjson::padded_string text(head);
     simdjson::dom::parser parser;
     simdjson::dom::element element;
     if (parser.parse(text).get(element))
         d->ThrowSyntaxError();
-    text = simdjson::padded_string();
     // Each step points at the one before, so that each is a named value.
     const Location root = Location::Root();
     const Location program = root.Member(ZELTPDocument::Key::kProgram);
     const Location procedures = program.Member(ZELTPDocument::Key::kProcedures);
     try {
         ZELTPReading::ProgramBuilder builder(container);
-        ZELTPProcedure* procedure = builder.BuildAlone(Value(element, procedures.Entry(index)));
+        ZELTPProcedure* procedure = builder.BuildAlone(Value(element, procedures.Entry(index)), &courses);
         auto* whole = new ZELTPProgram(container, d->name);
         whole->SetRevision(d->revision);
         whole->AddProcedure(procedure);
         whole->Initialize();
         return whole;
     } catch (const Problem& problem) {
+        // The whole document's parse would have failed before any rule was
+        // checked.
+        courses.ParseRest();
         throw ZELTPFormatException(d->fileName, problem.location, problem.text);
     }
 }

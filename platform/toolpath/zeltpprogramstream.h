@@ -19,7 +19,9 @@ class ZELTPProgramStreamPrivate;
 
     Open reads the file once, keeping the program's own fields and where
     each entry of "procedures" stands in the file (its bytes, not its
-    contents). ReadProcedure then reads one entry back from the file and
+    contents). ReadProcedure then reads one entry back from the file, a
+    roll layup's courses one at a time (it holds the procedure it builds
+    and the parsed text of one course, never the whole entry's), and
     builds it as ZELTPProgramReader would have built it inside the whole
     program: the same objects and values, the same rules, and messages with
     the same JSON paths ("$.program.procedures[3].courses[0]...") and, for

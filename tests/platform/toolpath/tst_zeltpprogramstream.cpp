@@ -187,14 +187,12 @@ TEST(ZELTPProgramStream, BracketsAndEscapesInAProceduresStringsStayText)
     EXPECT_TRUE(StreamsAsTheWholeDocumentReads(document));
 }
 
-// A control byte among a procedure's numbers ends the reading, with the
-// message the whole-document reader gives.
-TEST(ZELTPProgramStream, ControlByteDeepInAProcedureIsRefusedAsTheReaderRefusesIt)
+// `document` refused from a file one procedure at a time with the message
+// the whole-document reader gives for the same file.
+::testing::AssertionResult RefusedAsTheReaderRefuses(const QByteArray& document)
 {
-    QByteArray document(kValid);
-    document.replace(R"("origin": [5, 0, 0])", "\"origin\": [5,\x01 0, 0]");
     QTemporaryDir folder;
-    const QString path = WriteFile(folder, QStringLiteral("control.json"), document);
+    const QString path = WriteFile(folder, QStringLiteral("refused.json"), document);
     std::optional<QString> expected;
     try {
         ZELGeoContainer whole;
@@ -202,8 +200,69 @@ TEST(ZELTPProgramStream, ControlByteDeepInAProcedureIsRefusedAsTheReaderRefusesI
     } catch (const ZELTPFormatException& error) {
         expected = error.GetMessage();
     }
-    ASSERT_TRUE(expected.has_value());
-    EXPECT_THROW_MESSAGE(StreamedDocument{path}, ZELTPFormatException, *expected);
+    if (!expected)
+        return ::testing::AssertionFailure() << "the whole-document reader took it";
+    try {
+        const StreamedDocument streamed(path);
+    } catch (const ZELTPFormatException& error) {
+        if (error.GetMessage() == *expected)
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure()
+            << "refused with \"" << error.GetMessage().toStdString() << "\", not \"" << expected->toStdString() << "\"";
+    }
+    return ::testing::AssertionFailure() << "the stream took it";
+}
+
+// A control byte among a procedure's numbers ends the reading, with the
+// message the whole-document reader gives.
+TEST(ZELTPProgramStream, ControlByteDeepInAProcedureIsRefusedAsTheReaderRefusesIt)
+{
+    QByteArray document(kValid);
+    document.replace(R"("origin": [5, 0, 0])", "\"origin\": [5,\x01 0, 0]");
+    EXPECT_TRUE(RefusedAsTheReaderRefuses(document));
+}
+
+// Each course is parsed on its own; a syntax error in one still comes
+// before any rule the procedure breaks, and before a course member that
+// the procedure's kind never reads is passed over.
+TEST(ZELTPProgramStream, SyntaxErrorInACourseComesBeforeAnyRuleAsInTheWholeDocument)
+{
+    QByteArray broken(kValid);
+    broken.replace(R"("origin": [5, 0, 0])", R"("origin": [5, 0 0])");
+    QByteArray ruleBrokenFirst(broken);
+    ruleBrokenFirst.replace(R"("addingFeedrate": 2540)", R"("addingFeedrate": -2540)");
+    EXPECT_TRUE(RefusedAsTheReaderRefuses(ruleBrokenFirst));
+
+    QByteArray probingWithCourses(kValid);
+    probingWithCourses.replace(R"("kind": "probing",)", R"("kind": "probing", "courses": [{"a": 1 2}],)");
+    EXPECT_TRUE(RefusedAsTheReaderRefuses(probingWithCourses));
+}
+
+// The courses of a procedure are the first "courses" member of its own
+// object, however it spells the key; one nested deeper or a second one is
+// not read.
+TEST(ZELTPProgramStream, CoursesAreTheFirstMemberOfThatNameInTheProcedureHoweverItIsSpelt)
+{
+    QByteArray document(kValid);
+    document.replace(R"("courses": [)", R"("x-note": {"courses": 5}, "cour\u0073es": [)");
+    document.replace("\"rollOutPoint\": 1\n          }\n        ]",
+                     "\"rollOutPoint\": 1\n          }\n        ], \"courses\": 7");
+    ASSERT_TRUE(document.contains(R"("courses": 7)"));
+    EXPECT_TRUE(StreamsAsTheWholeDocumentReads(document));
+}
+
+// A procedure larger than the pieces the file is read in: a course that
+// begins in one piece and ends in another, and one that begins after a
+// piece's end.
+TEST(ZELTPProgramStream, CourseAcrossThePiecesTheFileIsReadInIsReadWhole)
+{
+    const QByteArray blank(9 << 20, ' ');
+    QByteArray inside(kValid);
+    inside.replace(R"("rollInPoint": 0,)", R"("rollInPoint": 0,)" + blank);
+    EXPECT_TRUE(StreamsAsTheWholeDocumentReads(inside));
+    QByteArray before(kValid);
+    before.replace(R"("courses": [)", R"("courses": [)" + blank);
+    EXPECT_TRUE(StreamsAsTheWholeDocumentReads(before));
 }
 
 class ZELTPProgramStreamMalformed : public ::testing::TestWithParam<MalformedCase>

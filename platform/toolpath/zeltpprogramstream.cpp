@@ -590,8 +590,7 @@ ZELTPProgram* ZELTPProgramStream::ReadProcedure(int index, ZELGeoContainer* cont
     Q_D(const ZELTPProgramStream);
     d->RequireUnchanged();
     CourseReader courses(*d, d->entries.at(std::size_t(index)));
-    const std::string head = courses.TakeHead();
-    simdjson::padded_string text(head);
+    const simdjson::padded_string text(courses.TakeHead());
     simdjson::dom::parser parser;
     simdjson::dom::element element;
     if (parser.parse(text).get(element))

@@ -19,6 +19,7 @@
 
 #include <limits>
 #include <memory>
+#include <utility>
 
 using namespace ZELKinTranslationTest;
 
@@ -96,6 +97,23 @@ protected:
         ::testing::internal::GetCapturedStdout();
         omissions = translator.GetOmissions();
         return ZELKinProgramCheck(solver.get()).Check(program, omissions, listed);
+    }
+
+    // Flat plies of these names, X's limit at 3000 mm; those marked
+    // `inside` start at X 2000 mm and stay within it, the others do not.
+    Limits AddPliesAgainstTheXLimit(const QList<std::pair<QString, bool>>& plies)
+    {
+        Shape inside;
+        inside.startX = 2000.0;
+        for (const auto& [name, isInside] : plies) {
+            if (isInside)
+                builder.AddFlatLayup(name, {inside});
+            else
+                builder.AddFlatLayup(name);
+        }
+        Limits limits;
+        limits.xMaximum = 3000.0;
+        return limits;
     }
 
     ZELGeoContainer container;
@@ -188,13 +206,8 @@ TEST_F(ZELKinProgramCheckTest, CountsEveryProblemAndListsOnlyTheFirst)
 TEST_F(ZELKinProgramCheckTest, ChecksProceduresSideBySideWithTheSameFindings)
 {
     // Three procedures, the middle one inside X's limit and the others not.
-    Shape inside;
-    inside.startX = 2000.0;
-    builder.AddFlatLayup(QStringLiteral("ply one"));
-    builder.AddFlatLayup(QStringLiteral("ply two"), {inside});
-    builder.AddFlatLayup(QStringLiteral("ply three"));
-    Limits limits;
-    limits.xMaximum = 3000.0;
+    const Limits limits = AddPliesAgainstTheXLimit(
+        {{QStringLiteral("ply one"), false}, {QStringLiteral("ply two"), true}, {QStringLiteral("ply three"), false}});
     const ZELKinProgramCheck::Findings alone = TranslateAndCheck(limits, 20);
     ZELKinProgramCheck check(solver.get());
     check.SetThreadCount(3);
@@ -213,14 +226,10 @@ TEST_F(ZELKinProgramCheckTest, ChecksProceduresSideBySideWithTheSameFindings)
 
 TEST_F(ZELKinProgramCheckTest, RemovingTheProceduresWithProblemsLeavesTheOthersInOrder)
 {
-    Shape inside;
-    inside.startX = 2000.0;
-    builder.AddFlatLayup(QStringLiteral("ply one"));
-    builder.AddFlatLayup(QStringLiteral("ply two"), {inside});
-    builder.AddFlatLayup(QStringLiteral("ply three"));
-    builder.AddFlatLayup(QStringLiteral("ply four"), {inside});
-    Limits limits;
-    limits.xMaximum = 3000.0;
+    const Limits limits = AddPliesAgainstTheXLimit({{QStringLiteral("ply one"), false},
+                                                    {QStringLiteral("ply two"), true},
+                                                    {QStringLiteral("ply three"), false},
+                                                    {QStringLiteral("ply four"), true}});
     const ZELKinProgramCheck::Findings findings = TranslateAndCheck(limits);
     ASSERT_EQ(findings.procedures, (QStringList{QStringLiteral("ply one"), QStringLiteral("ply three")}));
 

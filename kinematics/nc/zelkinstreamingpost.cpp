@@ -9,6 +9,7 @@
 
 #include <zelgeocontainer.h>
 #include <zelsysexception.h>
+#include <zelsysheap.h>
 #include <zeltpprogram.h>
 #include <zeltpprogramstream.h>
 
@@ -114,6 +115,10 @@ void ZELKinStreamingPostPrivate::PostParts(ZELKinWriter& writer, QStringList& ph
             writer.Add(part.program);
             positionsByProcedure.insert(part.program->GetPositionsByProcedure());
         }
+        // The next procedures, on other threads, are made of blocks of
+        // other sizes than the holes this one leaves.
+        part = Part();
+        ZELSysHeap::ReturnFreePages();
     }
 }
 

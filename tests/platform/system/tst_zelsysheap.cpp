@@ -1,0 +1,53 @@
+#include <zelsysheap.h>
+
+#include <zeltestsupport.h>
+
+#include <QFile>
+
+#include <unistd.h>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t kBlocks = 500000;
+constexpr std::size_t kBlockBytes = 64;
+//! The blocks take about 40 MB with their headers; at least this much of
+//! it comes back once they are freed.
+constexpr long long kReturnedBytes = 16ll * 1024 * 1024;
+
+// The process's resident memory, from the kernel's own count of its pages.
+long long ResidentBytes()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return -1;
+    const QList<QByteArray> fields = statm.readAll().simplified().split(' ');
+    return fields.size() > 1 ? fields.at(1).toLongLong() * sysconf(_SC_PAGESIZE) : -1;
+}
+
+} // namespace
+
+TEST(ZELSysHeapTest, PagesOfFreedSmallBlocksGoBackToTheSystem)
+{
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the address sanitizer's allocator keeps its own pages";
+#else
+    std::vector<std::unique_ptr<char[]>> blocks(kBlocks);
+    for (auto& block : blocks) {
+        block.reset(new char[kBlockBytes]);
+        std::fill_n(block.get(), kBlockBytes, 'x');
+    }
+    // A block allocated after the others keeps the heap's top where it is,
+    // so that freeing them cannot shrink the heap by itself.
+    const auto guard = std::make_unique<char[]>(kBlockBytes);
+    blocks.clear();
+    const long long before = ResidentBytes();
+    ASSERT_GT(before, 0);
+
+    EXPECT_TRUE(ZELSysHeap::ReturnFreePages());
+
+    EXPECT_GE(before - ResidentBytes(), kReturnedBytes);
+#endif
+}

@@ -133,6 +133,7 @@ ZELKinVerificationJob::ZELKinVerificationJob(const Input& input)
         m_machine = ReadInput([&] { return ZELKinMachineFile::Load(m_container.get(), input.machinePath); });
     }
     const auto verifier = ReadInput([&] { return std::make_unique<ZELKinVerifier>(*m_machine, input.gates); });
+    verifier->SetKeepLines(bool(input.onPly));
     // One procedure of the toolpath and one ply of the posted NC are held
     // at a time: no larger one than a post on this machine could take.
     const qint64 maximumBytes = ZELKinTranslationJob::GetMaximumToolpathBytes();

@@ -51,6 +51,9 @@ void ZELKinNCPlyRun::Finish()
 {
     if (m_ply.motions.isEmpty())
         return;
+    // The list grew a line at a time; a ply of millions of lines is held
+    // while it is checked.
+    m_ply.motions.squeeze();
     const unsigned first = m_ply.motions.first().line;
     const unsigned last = m_ply.motions.last().line;
     for (const ZELKinNCIrregularity& code : std::as_const(m_codes)) {

@@ -29,6 +29,13 @@ public:
     //! Adds the roller centre of the line `line` when it is finite.
     void Add(const ZELMathPoint& centre, unsigned line);
 
+    //! Makes room for `vertices` vertices at once.
+    void Reserve(int vertices)
+    {
+        m_vertices.reserve(vertices);
+        m_lines.reserve(vertices);
+    }
+
     bool IsEmpty() const { return m_vertices.isEmpty(); }
     int GetNumVertices() const { return int(m_vertices.size()); }
     //! Where the next NearestTo searches first: around the vertex

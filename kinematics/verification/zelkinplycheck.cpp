@@ -80,11 +80,13 @@ ZELKinPlyCheck::ZELKinPlyCheck(const ZELKinVerifyAxes& axes, const Head& head, c
     m_result.plyNumber = ply.plyNumber;
     m_result.procedure = ply.procedure;
     m_result.file = ply.path;
+    // A vertex a line: grown as it goes, the path would hold up to twice that.
+    m_plyPath.Reserve(int(ply.motions.size()));
     for (const ZELKinNCTowEvent& event : ply.towEvents)
         Count(event.course, &ZELKinVerifyTally::towEvents);
 }
 
-ZELKinVerifiedPly ZELKinPlyCheck::Run(const ZELKinProcedurePlan* plan)
+ZELKinVerifiedPly ZELKinPlyCheck::Run(const ZELKinProcedurePlan* plan, bool keepLines)
 {
     m_plan = plan;
     m_result.courses = plan ? int(plan->courses.size()) : 0;
@@ -105,7 +107,8 @@ ZELKinVerifiedPly ZELKinPlyCheck::Run(const ZELKinProcedurePlan* plan)
         else
             CheckLinkLine(motion, pose);
         AddToPath(motion, line.centre);
-        m_result.lines.append(line);
+        if (keepLines)
+            m_result.lines.append(line);
         previous = &motion;
         previousLine = line;
     }

@@ -52,7 +52,8 @@ public:
 
     //! `plan` is null for a ply whose procedure the toolpath does not have:
     //! its lines are then checked for limits, speeds, steps and codes only.
-    ZELKinVerifiedPly Run(const ZELKinProcedurePlan* plan);
+    //! The ply's lines are kept in what it returns when `keepLines` is set.
+    ZELKinVerifiedPly Run(const ZELKinProcedurePlan* plan, bool keepLines);
 
 private:
     ZELKinVerifyPlace PlaceOf(const ZELKinNCMotion& motion, int point = 0) const;

@@ -6,6 +6,7 @@
 
 #include <zelgeocontainer.h>
 #include <zelkinncreplay.h>
+#include <zelsysheap.h>
 #include <zelsysprogress.h>
 #include <zeltpprocedure.h>
 #include <zeltpprogram.h>
@@ -130,18 +131,36 @@ void ZELKinVerifierPrivate::CheckPly(const ZELKinVerifier::NCSource& nc, int ind
                                      const ZELKinVerifyFinding* pairing, const ZELKinVerifyAxes& axes,
                                      const ZELKinVerifier::PlyHandler& handler, CheckedPly& checked) const
 {
-    const ZELKinNCPlyFile ply = nc.readPly(index);
-    ZELSysProgress progress(QStringLiteral("Checking the NC"), QStringLiteral("lines"), ply.motions.size());
-    progress.SetItem(ply.name);
-    if (pairing)
-        checked.findings.append(*pairing);
-    ZELKinPlyCheck check(axes, head, gates, ply, checked.findings);
-    checked.ply = check.Run(plan);
-    AddRunTime(checked.ply, runTime.Estimate(ply));
-    progress.Advance(ply.motions.size());
-    if (handler)
-        handler(index, checked.ply, checked.findings);
-    checked.isChecked = true;
+    {
+        const ZELKinNCPlyFile ply = nc.readPly(index);
+        ZELSysProgress progress(QStringLiteral("Checking the NC"), QStringLiteral("lines"), ply.motions.size());
+        progress.SetItem(ply.name);
+        if (pairing)
+            checked.findings.append(*pairing);
+        // The estimate's own arrays go before the check's paths come.
+        const ZELKinPlyRunTime estimate = runTime.Estimate(ply);
+        ZELKinPlyCheck check(axes, head, gates, ply, checked.findings);
+        checked.ply = check.Run(plan, keepLines);
+        AddRunTime(checked.ply, estimate);
+        progress.Advance(ply.motions.size());
+        if (handler)
+            handler(index, checked.ply, checked.findings);
+        checked.isChecked = true;
+    }
+    // The next procedure's model would not fit the holes the ply's lines leave.
+    ZELSysHeap::ReturnFreePages();
+}
+
+void ZELKinVerifier::SetKeepLines(bool keep)
+{
+    Q_D(ZELKinVerifier);
+    d->keepLines = keep;
+}
+
+bool ZELKinVerifier::GetKeepLines() const
+{
+    Q_D(const ZELKinVerifier);
+    return d->keepLines;
 }
 
 ZELKinVerification ZELKinVerifier::Verify(const ZELTPProgram& toolpath, const ZELKinNCProgram& nc) const
@@ -177,6 +196,8 @@ ZELKinVerification ZELKinVerifier::Verify(const ToolpathSource& toolpath, const 
             paired.insert(procedure->GetName());
             plan = ZELKinVerifyPlan::PlanProcedure(*procedure, d->head.GetRollerRadius());
         }
+        // The procedure's model is gone; the ply's lines would not fit its holes.
+        ZELSysHeap::ReturnFreePages();
         d->CheckPly(nc, laying.first(), &*plan, nullptr, axes, handler, checked[laying.first()]);
         for (const int other : laying.mid(1)) {
             const ZELKinVerifyFinding twice = LaysALaidProcedure(plies.at(other), plies.at(laying.first()));

@@ -81,6 +81,16 @@ public:
         std::function<ZELKinNCPlyFile(int index)> readPly;
     };
 
+    /*!
+        Whether each checked ply keeps its lines (ZELKinVerifiedPly::lines),
+        as it does unless told otherwise. A host that needs only the
+        findings and tallies turns them off: a ply's lines, about 200 bytes
+        each, are then never held, not even while the ply is checked, and
+        a PlyHandler is told of each ply without them.
+    */
+    void SetKeepLines(bool keep);
+    bool GetKeepLines() const;
+
     //! Told of each ply once it is checked, with its lines and the findings
     //! its check made: every one of its own, and any about the procedure it
     //! lays, which are the program's and name no ply. `index` is where the

@@ -40,6 +40,7 @@ public:
     const ZELKinAFPMachine& machine;
     const ZELKinVerifyGates gates;
     const ZELKinRunTimeEstimator runTime;
+    bool keepLines = true;
 };
 
 #endif // ZELKINVERIFIER_P_H

@@ -71,6 +71,12 @@ ZELMathPoint RollerCentreOf(const ZELMathAxis& frame, double rollerRadius)
 ZELKinCoursePlan PlanCourse(const ZELTPTowCourse& course, double rollerRadius)
 {
     ZELKinCoursePlan plan;
+    // A ply's targets are most of what a verification holds: growing the
+    // list would leave up to half of it unused.
+    qsizetype points = 0;
+    for (int i = 0; i < course.GetNumTrajectories(); ++i)
+        points += course.GetTrajectory(i)->GetNumPoints();
+    plan.targets.reserve(points);
     QHash<const ZELTPPoint*, double> lengths;
     const ZELTPPoint* last = nullptr;
     double length = 0.0;

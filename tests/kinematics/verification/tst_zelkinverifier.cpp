@@ -369,6 +369,33 @@ TEST_F(ZELKinVerifierTest, ThePostedPanelCheckedOnePlyAndProcedureAtATimeGivesWh
     ExpectSameVerification(Verify(s_posted->nc), byPly);
 }
 
+TEST_F(ZELKinVerifierTest, PliesCheckedWithoutTheirLinesHoldNoneAndFindWhatTheChecksWithThemFind)
+{
+    ZELKinNCProgram nc = s_posted->nc;
+    ZELKinNCPlyFile& off = nc.plies[1];
+    off.motions[MotionAlongACourse(off, 3)].values[IndexOf(QStringLiteral("X"))] += 0.1 * kInch;
+    ZELKinVerifier verifier(*s_posted->machine, ZELKinVerifyGates());
+    EXPECT_TRUE(verifier.GetKeepLines());
+    verifier.SetKeepLines(false);
+    EXPECT_FALSE(verifier.GetKeepLines());
+
+    int handled = 0;
+    const auto handler = [&handled](int, ZELKinVerifiedPly& ply, const QList<ZELKinVerifyFinding>&) {
+        ++handled;
+        EXPECT_GT(ply.motionLines, 0) << ply.plyNumber.toStdString();
+        EXPECT_TRUE(ply.lines.isEmpty()) << ply.plyNumber.toStdString();
+    };
+    const ZELKinVerification withoutLines = verifier.Verify(ZELKinVerifier::ToolpathSource::Whole(*s_posted->toolpath),
+                                                            ZELKinVerifier::NCSource::Whole(nc), handler);
+    EXPECT_EQ(handled, nc.plies.size());
+    for (const ZELKinVerifiedPly& ply : withoutLines.plies)
+        EXPECT_TRUE(ply.lines.isEmpty()) << ply.plyNumber.toStdString();
+    const ZELKinVerification withLines = Verify(nc);
+    EXPECT_FALSE(withLines.plies.value(1).lines.isEmpty());
+    EXPECT_GT(withLines.GetNumFailures(), 0);
+    ExpectSameVerification(withLines, withoutLines);
+}
+
 // Ply 0102 lays what 0101 lays, 0103 a procedure the toolpath does not
 // have, and 0104 is off by a tenth of an inch: the procedures of 0102 and
 // 0103 have no ply file.

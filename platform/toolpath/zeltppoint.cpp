@@ -14,7 +14,7 @@ void ZELTPPointPrivate::LeaveTrajectory(const ZELTPTrajectory* trajectory)
     // point, so the entry is found at once from the back.
     const qsizetype at = trajectories.lastIndexOf(trajectory);
     if (at >= 0)
-        trajectories.removeAt(at);
+        trajectories.remove(at);
 }
 
 ZELTPPoint::ZELTPPoint(ZELGeoContainer* container, const ZELGeoGeometryRef& reference)

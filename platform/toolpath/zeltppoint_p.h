@@ -3,7 +3,7 @@
 
 #include "zeltppoint.h"
 
-#include <QList>
+#include <QVarLengthArray>
 
 class ZELTPPointPrivate
 {
@@ -27,8 +27,10 @@ public:
     ZELMathAxis toolFrame;
     qint32 index = -1;
     // The trajectories holding the point, once for each time one added it,
-    // in the order they added it.
-    QList<ZELTPTrajectory*> trajectories;
+    // in the order they added it. Nearly every point has one, kept inside
+    // the private object: a list of its own would cost a toolpath of
+    // millions of points an allocation each.
+    QVarLengthArray<ZELTPTrajectory*, 1> trajectories;
 };
 
 #endif // ZELTPPOINT_P_H

@@ -91,6 +91,8 @@ ZELKinVerifiedPly ZELKinPlyCheck::Run(const ZELKinProcedurePlan* plan, bool keep
     m_plan = plan;
     m_result.courses = plan ? int(plan->courses.size()) : 0;
     FindUnknownCourses();
+    if (keepLines)
+        m_result.lines.reserve(m_ply.motions.size());
     const ZELKinNCMotion* previous = nullptr;
     std::optional<ZELKinVerifiedLine> previousLine;
     for (const ZELKinNCMotion& motion : m_ply.motions) {

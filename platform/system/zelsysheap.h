@@ -16,9 +16,11 @@
 namespace ZELSysHeap {
 
 //! Hands the whole pages that no block uses back to the operating system,
-//! in every allocation arena. Returns whether there were any; false where
-//! the C library cannot (anything but glibc, or an allocator that
-//! replaces its malloc, as the sanitizers' does).
+//! in every allocation arena of glibc's malloc. Returns whether there were
+//! any; false on any other C library. Under an allocator that replaces
+//! malloc (the address sanitizer's) it only trims glibc's own heap, which
+//! that allocator leaves unused, and its answer says nothing of the
+//! memory in use.
 ZELSYSTEM_EXPORT bool ReturnFreePages();
 
 } // namespace ZELSysHeap

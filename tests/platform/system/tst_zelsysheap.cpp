@@ -17,6 +17,12 @@ constexpr std::size_t kBlockBytes = 64;
 //! it comes back once they are freed.
 constexpr long long kReturnedBytes = 16ll * 1024 * 1024;
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kUnderAddressSanitizer = true;
+#else
+constexpr bool kUnderAddressSanitizer = false;
+#endif
+
 // The process's resident memory, from the kernel's own count of its pages.
 long long ResidentBytes()
 {
@@ -31,9 +37,9 @@ long long ResidentBytes()
 
 TEST(ZELSysHeapTest, PagesOfFreedSmallBlocksGoBackToTheSystem)
 {
-#if defined(__SANITIZE_ADDRESS__)
-    GTEST_SKIP() << "the address sanitizer's allocator keeps its own pages";
-#else
+    if (kUnderAddressSanitizer)
+        GTEST_SKIP() << "the address sanitizer's allocator keeps its own pages";
+
     std::vector<std::unique_ptr<char[]>> blocks(kBlocks);
     for (auto& block : blocks) {
         block.reset(new char[kBlockBytes]);
@@ -49,5 +55,4 @@ TEST(ZELSysHeapTest, PagesOfFreedSmallBlocksGoBackToTheSystem)
     EXPECT_TRUE(ZELSysHeap::ReturnFreePages());
 
     EXPECT_GE(before - ResidentBytes(), kReturnedBytes);
-#endif
 }

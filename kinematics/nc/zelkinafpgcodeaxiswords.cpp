@@ -107,6 +107,7 @@ ZELKinAFPGCodeAxisWords::ZELKinAFPGCodeAxisWords(const ZELKinAFPMachine* machine
             catchUpRate = CatchUpRate(variable, reach, slowestSlide, rotaryAxes);
         }
         axes.append(Axis{variable, label, label.size() > 1 ? label + QLatin1Char('=') : label, scale, catchUpRate});
+        axisVariables.append(variable);
     }
 }
 
@@ -167,9 +168,9 @@ void ZELKinAFPGCodeAxisWords::WriteModal(ZELKinNCStream& out, const ZELKinPositi
 
 ZELKinAFPGCodeAxisWords::AxisValues ZELKinAFPGCodeAxisWords::ValuesOf(const ZELKinPosition* position) const
 {
-    AxisValues values;
-    for (const Axis& axis : axes)
-        values.append(position ? position->GetVariableValue(axis.variable) : kNothing);
+    AxisValues values(axes.size(), kNothing);
+    if (position)
+        position->GetVariableValues(axisVariables.constData(), int(axisVariables.size()), values.data());
     return values;
 }
 

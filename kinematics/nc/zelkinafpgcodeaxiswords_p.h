@@ -149,6 +149,9 @@ private:
     static void WriteHeadRecord(ZELKinNCStream& out, const ZELKinPosition* position, const QString& towCodes);
 
     QList<Axis> axes;
+    //! Each axis' variable, in the same order, to read a position's values
+    //! in one walk.
+    QVarLengthArray<const ZELKinVariable*, 8> axisVariables;
     double addFeedrate;
     double cutFeedrate;
 };

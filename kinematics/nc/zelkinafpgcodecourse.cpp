@@ -12,8 +12,10 @@
 #include "zelkintowcourse.h"
 #include "zelkintowfeedcommand.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -29,41 +31,33 @@ struct TowCodes
     bool afterCut = false;
 };
 
-// Appends the codes of the run of tow and tow feed commands that starts at
-// command `from`: "T" and the mask for an add, "S" and the mask for a cut.
-void CollectTowCodes(const ZELKinTowCourse* course, int from, TowCodes& codes)
+// The codes of `tow` ahead of `after`, the codes of the commands after it:
+// "T" and the mask for an add, "S" and the mask for a cut.
+TowCodes Prepended(const ZELKinTowCommand* tow, TowCodes after)
 {
-    for (int i = from; i < course->GetNumCommands(); ++i) {
-        const ZELKinCommand* command = course->GetCommand(i);
-        if (qobject_cast<const ZELKinTowFeedCommand*>(command))
-            continue;
-        const auto* tow = qobject_cast<const ZELKinTowCommand*>(command);
-        if (!tow)
-            return;
-        const QString mask = QString::number(tow->GetTowMask().GetRawValue());
-        if (tow->GetType() == ZELKinTowCommand::Add) {
-            codes.text += QLatin1Char('T') + mask;
-            codes.afterAdd = true;
-        } else if (tow->GetType() == ZELKinTowCommand::Cut) {
-            codes.text += QLatin1Char('S') + mask;
-            codes.afterCut = true;
-        }
+    const QString mask = QString::number(tow->GetTowMask().GetRawValue());
+    if (tow->GetType() == ZELKinTowCommand::Add) {
+        after.text.prepend(QLatin1Char('T') + mask);
+        after.afterAdd = true;
+    } else if (tow->GetType() == ZELKinTowCommand::Cut) {
+        after.text.prepend(QLatin1Char('S') + mask);
+        after.afterCut = true;
     }
+    return after;
+}
+
+// Codes carried over from a position that gave no line go with the next.
+void Append(TowCodes& codes, const TowCodes& more)
+{
+    codes.text += more.text;
+    codes.afterAdd = codes.afterAdd || more.afterAdd;
+    codes.afterCut = codes.afterCut || more.afterCut;
 }
 
 // The procedure's link at `index`; null past the end of its links.
 const ZELKinCourseLink* LinkAt(const ZELKinRollLayupProcedure* procedure, int index)
 {
     return index >= 0 && index < procedure->GetNumCourseLinks() ? procedure->GetCourseLink(index) : nullptr;
-}
-
-const ZELKinRollLayupPosition* FirstRollLayupPosition(const ZELKinTowCourse* course)
-{
-    for (int i = 0; i < course->GetNumCommands(); ++i) {
-        if (const auto* position = qobject_cast<const ZELKinRollLayupPosition*>(course->GetCommand(i)))
-            return position;
-    }
-    return nullptr;
 }
 
 // "T" n "=" length for each tow n the course uses, separated by ",".
@@ -80,6 +74,16 @@ void WriteTowLengths(ZELKinNCStream& out, const ZELKinTowCourse* course)
 }
 
 } // namespace
+
+struct ZELKinAFPGCodeCourse::Step
+{
+    //! Null for a command that is not a roll layup position.
+    ZELKinRollLayupPosition* position = nullptr;
+    //! A position's axis values, and the codes of the run of tow and tow
+    //! feed commands right after it.
+    ZELKinAFPGCodeAxisWords::AxisValues values;
+    TowCodes codes;
+};
 
 ZELKinAFPGCodeCourse::ZELKinAFPGCodeCourse(const ZELKinAFPMachine* machine, const ZELKinRollLayupProcedure* procedure,
                                            const ZELKinAFPGCodeTowEvents::PinchSplitting& splitting)
@@ -103,8 +107,9 @@ void ZELKinAFPGCodeCourse::Write(ZELKinNCStream& out, ZELKinTowCourse* course, i
     WriteStartChecks(out, course, listIndex);
     Written written{WriteApproach(out, course), 0};
     WriteCourseStart(out, course, written.held);
-    WriteCourseLines(out, course, written);
-    WriteOffPartLine(out, course, written.held);
+    const Steps steps = CollectSteps(course);
+    WriteCourseLines(out, course, steps, written);
+    WriteOffPartLine(out, course, steps, written.held);
     out << "CHECK_M01; Check Whether Optional Stopping\n";
     WriteRetract(out, course, written);
     out << "; End of Course #" << listIndex + 1 << " Circuit\n";
@@ -202,10 +207,36 @@ void ZELKinAFPGCodeCourse::WriteCourseStart(ZELKinNCStream& out, const ZELKinTow
         << "M19; Turn On Compaction Heater\n";
 }
 
-void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const
+// Walked backwards, so that each position finds the codes of the commands
+// after it collected.
+ZELKinAFPGCodeCourse::Steps ZELKinAFPGCodeCourse::CollectSteps(const ZELKinTowCourse* course) const
 {
-    const int count = course->GetNumCommands();
-    const ZELKinRollLayupPosition* first = FirstRollLayupPosition(course);
+    Steps steps(std::size_t(course->GetNumCommands()));
+    TowCodes run;
+    for (int i = course->GetNumCommands() - 1; i >= 0; --i) {
+        Step& step = steps[std::size_t(i)];
+        ZELKinCommand* command = course->GetCommand(i);
+        step.position = qobject_cast<ZELKinRollLayupPosition*>(command);
+        if (step.position) {
+            step.values = words.ValuesOf(step.position);
+            step.codes = std::exchange(run, TowCodes());
+        } else if (qobject_cast<const ZELKinTowFeedCommand*>(command)) {
+            continue;
+        } else if (const auto* tow = qobject_cast<const ZELKinTowCommand*>(command)) {
+            run = Prepended(tow, std::move(run));
+        } else {
+            run = TowCodes();
+        }
+    }
+    return steps;
+}
+
+void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTowCourse* course, const Steps& steps,
+                                            Written& written) const
+{
+    const int count = int(steps.size());
+    const auto firstStep = std::find_if(steps.cbegin(), steps.cend(), [](const Step& step) { return step.position; });
+    const ZELKinRollLayupPosition* first = firstStep != steps.cend() ? firstStep->position : nullptr;
     written.lastCourseLineN = first ? first->GetNIndex() : 0;
     // The feed of the line before, against which a feed change (M69) is
     // marked: the approach point's, also when it gives no line.
@@ -217,14 +248,14 @@ void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTow
     // marked after the loop.
     out << ZELKinAFPGCodeTexts::CourseMode;
     for (int i = 0; i < count - 1; ++i) {
-        auto* position = qobject_cast<ZELKinRollLayupPosition*>(course->GetCommand(i));
+        const Step& step = steps[std::size_t(i)];
+        ZELKinRollLayupPosition* position = step.position;
         if (!position)
             continue;
-        CollectTowCodes(course, i + 1, codes);
-        const ZELKinAFPGCodeAxisWords::AxisValues values = words.ValuesOf(position);
+        Append(codes, step.codes);
         const double feed = words.LimitFeed(position->GetFeedrate(), codes.afterAdd, codes.afterCut);
-        if (position == first ? ZELKinAFPGCodeAxisWords::HoldsAxes(written.held, values)
-                              : ZELKinAFPGCodeAxisWords::HoldsAll(written.held, values, feed)) {
+        if (position == first ? ZELKinAFPGCodeAxisWords::HoldsAxes(written.held, step.values)
+                              : ZELKinAFPGCodeAxisWords::HoldsAll(written.held, step.values, feed)) {
             // The approach link ended on the approach point: it gives no
             // line, and the tow codes after it none either.
             if (position == first)
@@ -242,7 +273,8 @@ void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTow
             out << "G9";
         if (i == count - 2)
             out << "G642 ADIS=COURSEND ";
-        words.WriteModal(out, position, values, feed, written.held, codes.text, FollowingSeconds(course, i, values));
+        words.WriteModal(out, position, step.values, feed, written.held, codes.text,
+                         FollowingSeconds(course, steps, i, step.values));
         if (firstLine)
             out << ";First point in course";
         firstLine = false;
@@ -253,17 +285,15 @@ void ZELKinAFPGCodeCourse::WriteCourseLines(ZELKinNCStream& out, const ZELKinTow
     out << ";Last point in course\n" << ZELKinAFPGCodeTexts::OffCourseMode << '\n';
 }
 
-void ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,
+void ZELKinAFPGCodeCourse::WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course, const Steps& steps,
                                             ZELKinAFPGCodeAxisWords::Held& held) const
 {
-    const int count = course->GetNumCommands();
-    const auto* last = count > 0 ? qobject_cast<const ZELKinRollLayupPosition*>(course->GetCommand(count - 1))
-                                 : nullptr;
+    const ZELKinRollLayupPosition* last = steps.empty() ? nullptr : steps.back().position;
     if (!last)
         return;
     out.TracePosition(last);
     out << 'N' << last->GetNIndex() << "G1G641 ADIS=OFF_PART M5M18";
-    words.WriteModal(out, last, held, RetractFollowingSeconds(course, -1, words.ValuesOf(last)));
+    words.WriteModal(out, last, held, RetractFollowingSeconds(course, -1, steps.back().values));
     out << ";First off part point\n";
 }
 
@@ -299,25 +329,21 @@ void ZELKinAFPGCodeCourse::WriteRetract(ZELKinNCStream& out, const ZELKinTowCour
     }
 }
 
-double ZELKinAFPGCodeCourse::FollowingSeconds(const ZELKinTowCourse* course, int command,
+double ZELKinAFPGCodeCourse::FollowingSeconds(const ZELKinTowCourse* course, const Steps& steps, int command,
                                               const ZELKinAFPGCodeAxisWords::AxisValues& values) const
 {
     const ZELKinAFPGCodeAxisWords::Held from{values, std::numeric_limits<double>::quiet_NaN()};
-    const int count = course->GetNumCommands();
+    const int count = int(steps.size());
     for (int j = command + 1; j < count; ++j) {
-        const auto* position = qobject_cast<const ZELKinRollLayupPosition*>(course->GetCommand(j));
-        if (!position)
-            continue;
-        const ZELKinAFPGCodeAxisWords::AxisValues next = words.ValuesOf(position);
-        if (ZELKinAFPGCodeAxisWords::HoldsAxes(from, next))
+        const Step& step = steps[std::size_t(j)];
+        if (!step.position || ZELKinAFPGCodeAxisWords::HoldsAxes(from, step.values))
             continue;
         // The last position is the off-part line's, at its own feed.
         if (j == count - 1)
-            return words.StepSeconds(values, next, ZELKinAFPGCodeAxisWords::EffectiveFeed(position));
-        TowCodes codes;
-        CollectTowCodes(course, j + 1, codes);
-        return words.StepSeconds(values, next,
-                                 words.LimitFeed(position->GetFeedrate(), codes.afterAdd, codes.afterCut));
+            return words.StepSeconds(values, step.values, ZELKinAFPGCodeAxisWords::EffectiveFeed(step.position));
+        return words.StepSeconds(
+            values, step.values,
+            words.LimitFeed(step.position->GetFeedrate(), step.codes.afterAdd, step.codes.afterCut));
     }
     return RetractFollowingSeconds(course, -1, values);
 }

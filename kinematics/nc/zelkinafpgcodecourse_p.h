@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <optional>
+#include <vector>
 
 class ZELKinNCStream;
 class ZELKinAFPMachine;
@@ -71,8 +72,15 @@ private:
     ZELKinAFPGCodeAxisWords::Held WriteApproach(ZELKinNCStream& out, const ZELKinTowCourse* course) const;
     void WriteCourseStart(ZELKinNCStream& out, const ZELKinTowCourse* course,
                           ZELKinAFPGCodeAxisWords::Held& held) const;
-    void WriteCourseLines(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const;
-    void WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course,
+    //! What the lines along a course take from each of its commands: the
+    //! position, its axis values and the tow codes after it, found once
+    //! rather than for its own line and again for the line before.
+    struct Step;
+    using Steps = std::vector<Step>;
+    Steps CollectSteps(const ZELKinTowCourse* course) const;
+    void WriteCourseLines(ZELKinNCStream& out, const ZELKinTowCourse* course, const Steps& steps,
+                          Written& written) const;
+    void WriteOffPartLine(ZELKinNCStream& out, const ZELKinTowCourse* course, const Steps& steps,
                           ZELKinAFPGCodeAxisWords::Held& held) const;
     void WriteRetract(ZELKinNCStream& out, const ZELKinTowCourse* course, Written& written) const;
     /*!
@@ -83,7 +91,7 @@ private:
         feed is limited by the tow codes right after it only: codes carried
         over from positions that give no line could only slow it further.
     */
-    double FollowingSeconds(const ZELKinTowCourse* course, int command,
+    double FollowingSeconds(const ZELKinTowCourse* course, const Steps& steps, int command,
                             const ZELKinAFPGCodeAxisWords::AxisValues& values) const;
     //! The same after position `index` of the course's retract (-1: before
     //! its first).

@@ -46,6 +46,9 @@ public:
     //! ZELGeoLinks::Guarded::Is.
     bool Is(const T* object) const { return m_object.Is(object); }
 
+    //! See ZELGeoLinks::Guarded::GetAddress.
+    auto GetAddress() const { return m_object.GetAddress(); }
+
     void Set(T* object)
     {
         if (object)

@@ -72,6 +72,19 @@ double ZELKinPosition::GetVariableValue(const ZELKinVariable* variable) const
     return entry != d->variableValues.cend() ? entry->value : std::numeric_limits<double>::quiet_NaN();
 }
 
+void ZELKinPosition::GetVariableValues(const ZELKinVariable* const* variables, int count, double* values) const
+{
+    Q_D(const ZELKinPosition);
+    std::fill_n(values, std::max(count, 0), std::numeric_limits<double>::quiet_NaN());
+    for (const ZELKinPositionPrivate::VariableValue& entry : d->variableValues) {
+        const QObject* target = entry.variable.GetAddress();
+        for (int i = 0; i < count; ++i) {
+            if (target && target == variables[i])
+                values[i] = entry.value;
+        }
+    }
+}
+
 bool ZELKinPosition::IsVariableDefined(const ZELKinVariable* variable) const
 {
     Q_D(const ZELKinPosition);

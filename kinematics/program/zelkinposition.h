@@ -45,6 +45,12 @@ public:
     //! The variable's value here, or NaN when it is undefined.
     double GetVariableValue(const ZELKinVariable* variable) const;
     bool IsVariableDefined(const ZELKinVariable* variable) const;
+    //! The values of `count` variables at once into `values`, NaN for each
+    //! one undefined here or null: one walk over the position's values, for
+    //! a reader that takes the same few axes from every position. Each
+    //! variable must be alive and whole (not being destroyed), which the
+    //! caller vouches for, so that no entry needs its target's type checked.
+    void GetVariableValues(const ZELKinVariable* const* variables, int count, double* values) const;
     //! Sets or replaces the variable's value; NaN removes it (nothing happens
     //! when it has none). Does nothing for a null variable.
     void SetVariableValue(ZELKinVariable* variable, double value);

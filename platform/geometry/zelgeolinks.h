@@ -40,6 +40,10 @@ public:
     //! the target that matches, which keeps a search through many links
     //! cheap.
     bool Is(const T* object) const { return object && m_object.data() == object && data() == object; }
+    //! The target as a QObject, whatever its dynamic type is by now; null
+    //! once it is destroyed. Only for comparing with objects the caller
+    //! knows to be whole T's, which spares the cast on every comparison.
+    Object* GetAddress() const { return m_object.data(); }
     T* operator->() const { return data(); }
     explicit operator bool() const { return data() != nullptr; }
     void swap(Guarded& other) noexcept { m_object.swap(other.m_object); }

@@ -72,6 +72,40 @@ TEST(ZELKinPosition, SetVariableValueDefinesAndReplacesEachVariableOnItsOwn)
     EXPECT_TRUE(std::isnan(f.position->GetVariableValue(f.y)));
 }
 
+TEST(ZELKinPosition, GetVariableValuesReadsEachAskedVariableInTheOrderAskedAndNaNForTheOthers)
+{
+    PositionFixture f;
+    f.position->SetVariableValue(f.z, 3.5);
+    f.position->SetVariableValue(f.x, -1.25);
+    f.position->SetVariableValue(f.a, 0.5);
+    const ZELKinVariable* const asked[] = {f.x, f.y, nullptr, f.a, f.z, f.x};
+    double values[6] = {7.0, 7.0, 7.0, 7.0, 7.0, 7.0};
+    f.position->GetVariableValues(asked, 6, values);
+    EXPECT_TRUE(ZELTest::SameDouble(-1.25, values[0], ZELTest::kExact));
+    EXPECT_TRUE(std::isnan(values[1]));
+    EXPECT_TRUE(std::isnan(values[2]));
+    EXPECT_TRUE(ZELTest::SameDouble(0.5, values[3], ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(3.5, values[4], ZELTest::kExact));
+    EXPECT_TRUE(ZELTest::SameDouble(-1.25, values[5], ZELTest::kExact));
+}
+
+TEST(ZELKinPosition, GetVariableValuesFindsNothingOfAVariableDestroyedSinceItWasSet)
+{
+    PositionFixture f;
+    f.position->SetVariableValue(f.x, 1.0);
+    f.position->SetVariableValue(f.y, 2.0);
+    f.container.DeleteGeometry(f.x);
+    // A new variable may take the destroyed one's address; the value set on
+    // the old one must not read as the new one's.
+    ZELKinVariable* w = ZELKinTestAccess::CreateVariable(f.machine, QStringLiteral("W"));
+    const ZELKinVariable* const asked[] = {w, f.y};
+    double values[2] = {7.0, 7.0};
+    f.position->GetVariableValues(asked, 2, values);
+    EXPECT_TRUE(std::isnan(values[0]));
+    EXPECT_TRUE(ZELTest::SameDouble(2.0, values[1], ZELTest::kExact));
+    EXPECT_TRUE(std::isnan(f.position->GetVariableValue(w)));
+}
+
 TEST(ZELKinPosition, SettingNaNOnADefinedVariableUndefinesIt)
 {
     PositionFixture f;

@@ -151,7 +151,14 @@ void ZELKinNCStream::Flush()
 
 qint64 ZELKinNCStream::GetLineNumber()
 {
-    lineEnds += std::count(data + counted, data + used, '\n');
+    // The C library's memchr skips a line's tens of bytes at vector speed.
+    const char* const end = data + used;
+    for (const char* at = data + counted; at < end; ++at) {
+        at = static_cast<const char*>(std::memchr(at, '\n', std::size_t(end - at)));
+        if (!at)
+            break;
+        ++lineEnds;
+    }
     counted = used;
     return lineEnds + 1;
 }

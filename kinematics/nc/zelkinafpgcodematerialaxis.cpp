@@ -5,15 +5,8 @@
 
 #include <zeltppoint.h>
 
-#include <QVariant>
-
+#include <cmath>
 #include <optional>
-
-namespace {
-
-const char* const kUAxisOffsetProperty = "uAxisOffset";
-
-} // namespace
 
 std::optional<double> ZELKinAFPGCodeMaterialAxis::Prepare(ZELKinCourse* course, ZELKinVariable* materialVariable)
 {
@@ -33,8 +26,8 @@ std::optional<double> ZELKinAFPGCodeMaterialAxis::Prepare(ZELKinCourse* course, 
 double ZELKinAFPGCodeMaterialAxis::MaterialFromCourseStart(const ZELKinPosition* position,
                                                            const ZELKinVariable* materialVariable)
 {
-    const QVariant offset = position->property(kUAxisOffsetProperty);
-    return position->GetVariableValue(materialVariable) - (offset.isValid() ? offset.toDouble() : 0.0);
+    const double offset = position->GetUAxisOffset();
+    return position->GetVariableValue(materialVariable) - (std::isnan(offset) ? 0.0 : offset);
 }
 
 void ZELKinAFPGCodeMaterialAxis::SetMaterialLengths(ZELKinCourse* course, ZELKinVariable* materialVariable)
@@ -59,6 +52,6 @@ void ZELKinAFPGCodeMaterialAxis::SetOffsets(ZELKinCourse* course, double offset)
 {
     for (int i = 0; i < course->GetNumCommands(); ++i) {
         if (auto* position = qobject_cast<ZELKinPosition*>(course->GetCommand(i)))
-            position->setProperty(kUAxisOffsetProperty, offset);
+            position->SetUAxisOffset(offset);
     }
 }

@@ -16,11 +16,11 @@ class ZELKinVariable;
     position of the course gets as its U the length, in mm, of the path
     through the tip points of the positions' toolpath points from the first
     position up to it (a position without a toolpath point adds no length),
-    and no "uAxisOffset", which counts as 0: a dynamic property costs each
-    of millions of positions a few hundred bytes. When the first position has
-    a U value, the positions keep theirs and every position of the course
-    gets "uAxisOffset" = that first value. Without a material variable
-    nothing is changed.
+    and no "uAxisOffset", which counts as 0. When the first position has a
+    U value, the positions keep theirs and every position of the course
+    gets "uAxisOffset" = that first value (ZELKinPosition::SetUAxisOffset,
+    a declared property that costs no storage of its own). Without a
+    material variable nothing is changed.
 */
 class ZELKinAFPGCodeMaterialAxis
 {

@@ -130,6 +130,32 @@ void ZELKinPosition::SetActualFeedrate(double feedrate)
     d->actualFeedrate = feedrate;
 }
 
+double ZELKinPosition::GetUAxisOffset() const
+{
+    Q_D(const ZELKinPosition);
+    return d->uAxisOffset;
+}
+
+// Like the actual feedrate, an account of what was written, not a change.
+void ZELKinPosition::SetUAxisOffset(double offset)
+{
+    Q_D(ZELKinPosition);
+    d->uAxisOffset = offset;
+}
+
+QVariant ZELKinPosition::ReadUAxisOffset() const
+{
+    const double offset = GetUAxisOffset();
+    return std::isnan(offset) ? QVariant() : QVariant(offset);
+}
+
+void ZELKinPosition::WriteUAxisOffset(const QVariant& offset)
+{
+    bool number = false;
+    const double value = offset.toDouble(&number);
+    SetUAxisOffset(number ? value : std::numeric_limits<double>::quiet_NaN());
+}
+
 bool ZELKinPosition::IsTraori() const
 {
     Q_D(const ZELKinPosition);

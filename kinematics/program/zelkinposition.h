@@ -3,6 +3,8 @@
 
 #include "zelkincommand.h"
 
+#include <QVariant>
+
 class ZELKinCourseLink;
 class ZELKinPositionPrivate;
 class ZELKinProbeProcedure;
@@ -35,6 +37,11 @@ class ZELKINEMATICS_EXPORT ZELKinPosition : public ZELKinCommand
     //! each get one, and a dynamic property would cost each its own storage
     //! and a property-change event.
     Q_PROPERTY(double actualFeedrate READ GetActualFeedrate WRITE SetActualFeedrate)
+    //! The position's U offset (see GetUAxisOffset), declared for the same
+    //! reason. It reads as an invalid QVariant while unset, as a dynamic
+    //! property would; writing an invalid value, or one that is no number,
+    //! unsets it.
+    Q_PROPERTY(QVariant uAxisOffset READ ReadUAxisOffset WRITE WriteUAxisOffset)
 
 public:
     //! Loading constructor: no values, NaN feedrate, traori, no toolpath
@@ -67,6 +74,12 @@ public:
     //! not saved, and no change of the position's geometry.
     double GetActualFeedrate() const;
     void SetActualFeedrate(double feedrate);
+    //! The material (U) value from which the NC writer counts this
+    //! position's U: its course's first U, when that course had U values
+    //! (mm). NaN while unset; not saved, and no change of the position's
+    //! geometry.
+    double GetUAxisOffset() const;
+    void SetUAxisOffset(double offset);
     //! Whether the position is output with the tool-orientation
     //! transformation (TRAORI) active; true by default.
     bool IsTraori() const;
@@ -106,6 +119,8 @@ private:
     //! outside any container and any script.
     ZELKinPosition(ZELKinCourseLink* link, int index);
     void _constructor_checker();
+    QVariant ReadUAxisOffset() const;
+    void WriteUAxisOffset(const QVariant& offset);
 
     Q_DECLARE_PRIVATE(ZELKinPosition)
 };

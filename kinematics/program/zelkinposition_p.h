@@ -49,6 +49,7 @@ public:
     VariableValues variableValues;
     double feedrate = std::numeric_limits<double>::quiet_NaN();
     double actualFeedrate = std::numeric_limits<double>::quiet_NaN();
+    double uAxisOffset = std::numeric_limits<double>::quiet_NaN();
     bool traori = true;
     ZELKinCountedLink<const ZELTPPoint> toolPathPoint;
     double lateralPositionAdjustment = 0.0;

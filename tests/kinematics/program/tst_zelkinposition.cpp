@@ -213,6 +213,33 @@ TEST(ZELKinPosition, ActualFeedrateIsADeclaredPropertyThatNeitherChangesTheProgr
     EXPECT_TRUE(std::isnan(f.position->GetFeedrate()));
 }
 
+TEST(ZELKinPosition,
+     UAxisOffsetIsADeclaredPropertyThatReadsInvalidUntilSetAndNeitherChangesTheProgramNorAddsADynamicOne)
+{
+    PositionFixture f;
+    EXPECT_FALSE(f.position->property("uAxisOffset").isValid());
+    EXPECT_TRUE(std::isnan(f.position->GetUAxisOffset()));
+    f.container.SetModified(false);
+    EXPECT_TRUE(f.position->setProperty("uAxisOffset", 127.5));
+    EXPECT_TRUE(ZELTest::SameDouble(127.5, f.position->GetUAxisOffset(), ZELTest::kExact));
+    f.position->SetUAxisOffset(-4.0);
+    EXPECT_TRUE(ZELTest::SameDouble(-4.0, f.position->property("uAxisOffset").toDouble(), ZELTest::kExact));
+    EXPECT_TRUE(f.position->dynamicPropertyNames().isEmpty());
+    EXPECT_FALSE(f.container.IsModified());
+}
+
+TEST(ZELKinPosition, UAxisOffsetIsUnsetByAnInvalidValueByOneThatIsNoNumberAndByNaN)
+{
+    PositionFixture f;
+    const QVariant unsetting[] = {QVariant(), QVariant(QStringLiteral("ten mm")), QVariant(kNaN)};
+    for (const QVariant& value : unsetting) {
+        f.position->SetUAxisOffset(1.0);
+        f.position->setProperty("uAxisOffset", value);
+        EXPECT_FALSE(f.position->property("uAxisOffset").isValid()) << value.toString().toStdString();
+        EXPECT_TRUE(std::isnan(f.position->GetUAxisOffset()));
+    }
+}
+
 struct SetterCase
 {
     const char* name;

@@ -6,7 +6,8 @@
 /*!
     A back reference to one object (a variable's machine, a joint's parent):
     no reference counting. It reads as null once its target is destroyed, and
-    is then saved as an empty reference.
+    is then saved as an empty reference; while it lives, as the target's own
+    reference, which never changes.
 */
 template <typename T>
 class ZELKinWeakLink
@@ -14,16 +15,9 @@ class ZELKinWeakLink
 public:
     T* Get() const { return m_object.data(); }
 
-    void Set(T* object)
-    {
-        m_object = object;
-        m_reference = ZELGeoGeometryRef(object);
-    }
+    void Set(T* object) { m_object = object; }
 
-    void Save(ZELGeoStream& stream) const
-    {
-        stream << (m_reference.IsValid() && m_object ? m_reference : ZELGeoGeometryRef());
-    }
+    void Save(ZELGeoStream& stream) const { stream << ZELGeoGeometryRef(Get()); }
 
     //! Throws ZELGeoGeometryNotFoundException when a saved reference names no
     //! object of class T.
@@ -37,7 +31,6 @@ public:
 
 private:
     ZELGeoLinks::Guarded<T> m_object;
-    ZELGeoGeometryRef m_reference;
 };
 
 #endif // ZELKINWEAKLINK_P_H

@@ -6,6 +6,7 @@
 #include <QRandomGenerator64>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -61,6 +62,23 @@ void Store::Write(int index, ZELKinCommand* command, const ZELKinSolution& solut
     ZELKinSolutionSeriesEntry& entry = book->Make(index % Book::kEntries);
     entry.command = command;
     entry.solution = solution;
+}
+
+void Store::Drain(int count, const ZELKinSolutionSeries::EntryUse& use)
+{
+    using Page = ZELKinSolutionSeriesPage;
+    for (int index = 0; index < count; ++index) {
+        const ZELKinSolutionSeriesEntry& entry = At(index);
+        use(entry.command, entry.solution);
+        const bool pageUsed = (index + 1) % Page::kEntries == 0 || index + 1 == count;
+        if (!pageUsed || ref.loadRelaxed() != 1)
+            continue;
+        // Another series may share the page itself, not the book that this
+        // store alone holds: dropping the book's hold on it is safe.
+        QExplicitlySharedDataPointer<Book>& book = books[std::size_t(index / Book::kEntries)];
+        if (book->ref.loadRelaxed() == 1)
+            book->parts[std::size_t(index % Book::kEntries / Page::kEntries)].reset();
+    }
 }
 
 QExplicitlySharedDataPointer<Store> Store::Fork(int length, int room) const
@@ -163,6 +181,17 @@ void ZELKinSolutionSeries::InsertBeside(ZELKinCommand* existing, ZELKinCommand* 
     d_ptr.detach();
     Q_D(ZELKinSolutionSeries);
     d->Insert(after ? index + 1 : index, command, solution);
+}
+
+void ZELKinSolutionSeries::TakeEntries(const EntryUse& use)
+{
+    d_ptr.detach();
+    Q_D(ZELKinSolutionSeries);
+    QExplicitlySharedDataPointer<Store> store;
+    store.swap(d->store);
+    const int count = std::exchange(d->count, 0);
+    if (store)
+        store->Drain(count, use);
 }
 
 ZELKinSolution ZELKinSolutionSeries::GetLastSolution() const

@@ -7,6 +7,8 @@
 #include <QExplicitlySharedDataPointer>
 #include <QList>
 
+#include <functional>
+
 class ZELKinCommand;
 class ZELKinSolutionSeriesPrivate;
 
@@ -87,6 +89,14 @@ public:
     QList<ZELKinSolution> GetSolutions() const;
     int GetCount() const;
     bool IsEmpty() const;
+
+    //! Hands each entry to `use`, in order, and leaves the series empty; its
+    //! id and cost stay. Each run of 4 096 entries that no other series
+    //! shares is released once it has been handed on, so that a
+    //! procedure's solutions and what they are turned into need not all
+    //! be held at once. What `use` throws leaves the series empty.
+    using EntryUse = std::function<void(ZELKinCommand* command, const ZELKinSolution& solution)>;
+    void TakeEntries(const EntryUse& use);
 
     //! Accumulated cost of the moves along the series; 0.0 for a new series.
     double GetCost() const;

@@ -108,6 +108,10 @@ public:
     bool Claim(int index);
     //! Fills slot `index`, which the caller has claimed.
     void Write(int index, ZELKinCommand* command, const ZELKinSolution& solution);
+    //! Hands the first `count` entries to `use` in order, and lets go of
+    //! each page once it is used whenever this store and the page's book
+    //! are held nowhere else. The store is of no use afterwards.
+    void Drain(int count, const ZELKinSolutionSeries::EntryUse& use);
     //! A new store of length `length` holding the first `length` entries of
     //! this one, with room for at least `room` entries.
     QExplicitlySharedDataPointer<ZELKinSolutionSeriesStore> Fork(int length, int room) const;

@@ -444,11 +444,11 @@ void ZELKinTranslatorPrivate::Solve(ZELKinProgram* program) const
             ZELKinRollLayupProcedure* layup = layups.at(next++);
             running.push_back(std::async(std::launch::async, [this, layup] { return SolveHoldingLines(layup); }));
         }
-        const SolvedProcedure solved = running.front().get();
+        SolvedProcedure solved = running.front().get();
         running.pop_front();
-        for (const QString& line : solved.lines)
+        for (const QString& line : std::as_const(solved.lines))
             PrintLine(line);
-        Keep(program, solved);
+        Keep(program, std::move(solved));
     }
 }
 
@@ -475,9 +475,9 @@ ZELKinTranslatorPrivate::SolvedProcedure ZELKinTranslatorPrivate::SolveInPlace(Z
     return solved;
 }
 
-void ZELKinTranslatorPrivate::Keep(ZELKinProgram* program, const SolvedProcedure& solved) const
+void ZELKinTranslatorPrivate::Keep(ZELKinProgram* program, SolvedProcedure solved) const
 {
-    const ZELKinSolutionSeries& series = solved.series;
+    ZELKinSolutionSeries& series = solved.series;
     if (series.GetCount() == 0) {
         const ZELTPProcedure* source = solved.layup->GetToolPathProcedure();
         const QString name = source ? source->GetName() : QString();
@@ -489,8 +489,10 @@ void ZELKinTranslatorPrivate::Keep(ZELKinProgram* program, const SolvedProcedure
         program->RemoveProcedure(solved.layup);
         return;
     }
-    for (int i = 0; i < series.GetCount(); ++i)
-        series.GetSolution(i).Apply(qobject_cast<ZELKinPosition*>(series.GetCommand(i)));
+    // Taken rather than read: the solutions go as the positions take them.
+    series.TakeEntries([](ZELKinCommand* command, const ZELKinSolution& solution) {
+        solution.Apply(qobject_cast<ZELKinPosition*>(command));
+    });
 }
 
 ZELKinTranslator::ZELKinTranslator(ZELKinSolver* solver)

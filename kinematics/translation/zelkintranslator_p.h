@@ -130,7 +130,7 @@ public:
     SolvedProcedure SolveInPlace(ZELKinRollLayupProcedure* layup) const;
     //! Writes the solutions into the procedure's positions, or removes a
     //! procedure that has none and notes it among the omissions.
-    void Keep(ZELKinProgram* program, const SolvedProcedure& solved) const;
+    void Keep(ZELKinProgram* program, SolvedProcedure solved) const;
 
     ZELKinTranslator* const q_ptr;
     //! Not owned.

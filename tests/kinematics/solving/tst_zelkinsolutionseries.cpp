@@ -512,3 +512,67 @@ TEST_F(ZELKinSolutionSeriesTest, CopiesAreReadAndExtendedFromSeveralThreads)
             << "thread " << t;
     }
 }
+
+namespace {
+
+// The numbers of the entries that TakeEntries hands on, in the order given.
+std::vector<int> TakeNumbers(ZELKinSolutionSeries& series, ZELKinVariable* x)
+{
+    std::vector<int> numbers;
+    series.TakeEntries([&numbers, x](ZELKinCommand* command, const ZELKinSolution& solution) {
+        const int number = int(solution.GetVariableValue(x));
+        numbers.push_back(command == Command(number) ? number : -1);
+    });
+    return numbers;
+}
+
+class ZELKinSolutionSeriesTake : public ZELKinSolutionSeriesTest, public ::testing::WithParamInterface<ForkCase>
+{
+};
+
+} // namespace
+
+TEST_P(ZELKinSolutionSeriesTake, HandsOnEveryEntryInOrderAndLeavesTheSeriesEmptyWithItsIdAndCost)
+{
+    const int length = GetParam().shared;
+    ZELKinSolutionSeries series;
+    AppendNumbered(series, 0, length);
+    series.SetCost(12.5);
+    const quint32 id = series.GetId();
+    EXPECT_EQ(TakeNumbers(series, x), Range(0, length));
+    EXPECT_TRUE(Holds(series, {}));
+    EXPECT_EQ(series.GetId(), id);
+    EXPECT_TRUE(ZELTest::SameDouble(12.5, series.GetCost(), ZELTest::kExact));
+    // An emptied series is a series like any other.
+    AppendNumbered(series, 7, 2);
+    EXPECT_TRUE(Holds(series, {7, 8}));
+}
+
+TEST_P(ZELKinSolutionSeriesTake, TakingASeriesLeavesEveryCopyThatSharesItsEntriesWhole)
+{
+    const int length = GetParam().shared;
+    ZELKinSolutionSeries base;
+    AppendNumbered(base, 0, length);
+    ZELKinSolutionSeries whole = base;
+    ZELKinSolutionSeries longer = base;
+    AppendNumbered(longer, 10000, 4200);
+    AppendNumbered(base, 20000, 3);
+    ZELKinSolutionSeries taken = base;
+
+    EXPECT_EQ(TakeNumbers(taken, x), Joined(Range(0, length), Range(20000, 3)));
+    EXPECT_TRUE(Holds(base, Joined(Range(0, length), Range(20000, 3))));
+    EXPECT_TRUE(Holds(whole, Range(0, length)));
+    EXPECT_TRUE(Holds(longer, Joined(Range(0, length), Range(10000, 4200))));
+
+    // Taking the original while copies live leaves the copies too.
+    EXPECT_EQ(TakeNumbers(base, x), Joined(Range(0, length), Range(20000, 3)));
+    EXPECT_TRUE(Holds(whole, Range(0, length)));
+    EXPECT_EQ(TakeNumbers(longer, x), Joined(Range(0, length), Range(10000, 4200)));
+    EXPECT_TRUE(Holds(whole, Range(0, length)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, ZELKinSolutionSeriesTake,
+                         ::testing::Values(ForkCase{"Empty", 0}, ForkCase{"One", 1}, ForkCase{"PageLessOne", 4095},
+                                           ForkCase{"Page", 4096}, ForkCase{"PageAndOne", 4097},
+                                           ForkCase{"BookAndOne", 262145}),
+                         [](const ::testing::TestParamInfo<ForkCase>& info) { return std::string(info.param.name); });

@@ -87,18 +87,25 @@ ZELKinStreamingPostPrivate::Part ZELKinStreamingPostPrivate::Prepare(int index) 
 
 // The procedures are taken in order: while one is written, the next ones
 // are prepared on threads of their own, so that no more than the thread
-// count are held at once.
+// count are held at once. A written procedure is let go on a thread of its
+// own too, so that writing the next one need not wait for its millions of
+// objects to go; the procedure prepared next waits for them instead.
 void ZELKinStreamingPostPrivate::PostParts(ZELKinWriter& writer, QStringList& phaseLines,
                                            ZELKinProgramCheck::Findings& omitted, ZELKinProgramCheck::Findings& others)
 {
     const auto launch = threadCount > 1 ? std::launch::async : std::launch::deferred;
     std::deque<std::future<Part>> running;
+    std::shared_future<void> released;
     const int count = toolpath->GetNumProcedures();
     int next = 0;
     for (int index = 0; index < count; ++index) {
         while (next < count && running.size() < std::size_t(threadCount)) {
             const int prepared = next++;
-            running.push_back(std::async(launch, [this, prepared] { return Prepare(prepared); }));
+            running.push_back(std::async(launch, [this, prepared, released] {
+                if (released.valid())
+                    released.wait();
+                return Prepare(prepared);
+            }));
         }
         Part part = running.front().get();
         running.pop_front();
@@ -115,11 +122,15 @@ void ZELKinStreamingPostPrivate::PostParts(ZELKinWriter& writer, QStringList& ph
             writer.Add(part.program);
             positionsByProcedure.insert(part.program->GetPositionsByProcedure());
         }
-        // The next procedures, on other threads, are made of blocks of
-        // other sizes than the holes this one leaves.
-        part = Part();
-        ZELSysHeap::ReturnFreePages();
+        released = std::async(launch, [written = std::move(part)]() mutable {
+                       written = Part();
+                       // The next procedures are made of blocks of other sizes than
+                       // the holes this one leaves.
+                       ZELSysHeap::ReturnFreePages();
+                   }).share();
     }
+    if (released.valid())
+        released.wait();
 }
 
 ZELKinStreamingPost::ZELKinStreamingPost(MachineLoader loader, const ZELTPProgramStream* toolpath)

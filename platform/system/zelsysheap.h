@@ -17,10 +17,9 @@ namespace ZELSysHeap {
 
 //! Hands the whole pages that no block uses back to the operating system,
 //! in every allocation arena of glibc's malloc. Returns whether there were
-//! any; false on any other C library. Under an allocator that replaces
-//! malloc (the address sanitizer's) it only trims glibc's own heap, which
-//! that allocator leaves unused, and its answer says nothing of the
-//! memory in use.
+//! any; false on any other C library, and under the address sanitizer,
+//! whose allocator replaces malloc and keeps its own pages: there it does
+//! nothing. Safe to call from any thread.
 ZELSYSTEM_EXPORT bool ReturnFreePages();
 
 } // namespace ZELSysHeap

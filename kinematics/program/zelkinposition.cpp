@@ -78,8 +78,10 @@ void ZELKinPosition::GetVariableValues(const ZELKinVariable* const* variables, i
     std::fill_n(values, std::max(count, 0), std::numeric_limits<double>::quiet_NaN());
     for (const ZELKinPositionPrivate::VariableValue& entry : d->variableValues) {
         const QObject* target = entry.variable.GetAddress();
+        if (!target)
+            continue;
         for (int i = 0; i < count; ++i) {
-            if (target && target == variables[i])
+            if (target == variables[i])
                 values[i] = entry.value;
         }
     }

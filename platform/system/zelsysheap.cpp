@@ -12,10 +12,10 @@ bool ZELSysHeap::ReturnFreePages()
     return malloc_trim(0) == 1;
 #else
     // The address sanitizer's allocator replaces malloc and leaves glibc's
-    // heap unused. Trimming it anyway would set glibc's allocator up on
-    // first use, and on a thread other than the main one that leaves the
-    // arena's count of threads one short: glibc then aborts as such a
-    // thread exits.
+    // heap unused, so nothing else sets glibc's allocator up. Two first
+    // calls at once, from threads other than the main one, each set it up
+    // and took its main arena without counting it: glibc then aborted as
+    // the second of those threads ended.
     return false;
 #endif
 }
